@@ -1,0 +1,47 @@
+# The shared object, the archive of the same objects that tests link to reach hidden symbols, and installation.
+find_library(QVR_OMP_LIBRARY NAMES omp libomp.so.5 PATHS /usr/lib/llvm-19/lib REQUIRED)
+
+set(QVR_OBJECTS $<TARGET_OBJECTS:slot_plain>)
+foreach(slot IN LISTS QVR_SLOTS)
+    list(APPEND QVR_OBJECTS $<TARGET_OBJECTS:slot_${slot}>)
+endforeach()
+
+add_library(morvenqvr SHARED ${QVR_OBJECTS})
+set_target_properties(morvenqvr PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}
+    LINKER_LANGUAGE CXX
+    SKIP_BUILD_RPATH ON
+    LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+target_include_directories(morvenqvr PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
+target_link_options(morvenqvr PRIVATE
+    -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map
+    -Wl,-z,relro,-z,now,-z,noexecstack -Wl,--as-needed -Wl,-O2)
+if(NOT QVR_SANITIZE)
+    target_link_options(morvenqvr PRIVATE -nostdlib++ -Wl,-z,defs)
+endif()
+target_link_libraries(morvenqvr PRIVATE ${QVR_OMP_LIBRARY} m)
+
+add_library(morvenqvr_static STATIC EXCLUDE_FROM_ALL ${QVR_OBJECTS})
+set_target_properties(morvenqvr_static PROPERTIES LINKER_LANGUAGE CXX)
+target_include_directories(morvenqvr_static PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_link_libraries(morvenqvr_static PUBLIC ${QVR_OMP_LIBRARY} m)
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+install(TARGETS morvenqvr EXPORT morvenqvrTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES include/morvenqvr.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT morvenqvrTargets NAMESPACE morvenqvr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/morvenqvr)
+configure_package_config_file(cmake/morvenqvrConfig.cmake.in ${PROJECT_BINARY_DIR}/morvenqvrConfig.cmake
+    INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/morvenqvr)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/morvenqvrConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/morvenqvrConfig.cmake ${PROJECT_BINARY_DIR}/morvenqvrConfigVersion.cmake
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/morvenqvr)
+configure_file(cmake/morvenqvr.pc.in ${PROJECT_BINARY_DIR}/morvenqvr.pc.in @ONLY)
+install(CODE "
+    set(prefix \"\${CMAKE_INSTALL_PREFIX}\")
+    file(READ \"${PROJECT_BINARY_DIR}/morvenqvr.pc.in\" text)
+    string(REPLACE \"%PREFIX%\" \"\${prefix}\" text \"\${text}\")
+    file(WRITE \"${PROJECT_BINARY_DIR}/morvenqvr.pc\" \"\${text}\")")
+install(FILES ${PROJECT_BINARY_DIR}/morvenqvr.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,386 @@
+// The SIMD layer: kernels are written over compiler vectors of any lane count, and over the operations below.
+//
+// Arithmetic, comparison and bit operations are the operators of the vector types; `mask ? a : b` selects by lane.
+// The functions here are what has no operator. Each is defined for every lane count that is a power of two: a vector
+// wider than the level's registers is split in halves, so a kernel unrolls by using wider vectors. One lane is a
+// scalar in a vector register. Intrinsics stand in this file only.
+#ifndef QVR_FRAME_SIMD_H
+#define QVR_FRAME_SIMD_H
+
+#include <immintrin.h>
+
+#include "frame/slot.h"
+
+#define QVR_INLINE __attribute__((always_inline)) inline
+
+namespace {
+
+// ---- Vector types ---------------------------------------------------------------------------------------------------
+
+template<class T, int N> struct VecOf {
+    typedef T type __attribute__((vector_size(sizeof(T) * N)));
+};
+template<class T, int N> using Vec = typename VecOf<T, N>::type;
+
+// The full register of the slot.
+template<class T> constexpr int kLanes = kVecBytes / static_cast<int>(sizeof(T));
+template<class T> using Full = Vec<T, kLanes<T>>;
+
+template<class V> using Elem = __remove_cvref(decltype(V{}[0]));
+template<class V> constexpr int lanes = static_cast<int>(sizeof(V) / sizeof(Elem<V>));
+
+template<int Bytes> struct IntOf;
+template<> struct IntOf<1> {
+    using s = int8_t;
+    using u = uint8_t;
+};
+template<> struct IntOf<2> {
+    using s = int16_t;
+    using u = uint16_t;
+};
+template<> struct IntOf<4> {
+    using s = int32_t;
+    using u = uint32_t;
+};
+template<> struct IntOf<8> {
+    using s = int64_t;
+    using u = uint64_t;
+};
+
+// Integer vectors of the same shape. A comparison yields the signed one, all ones for true.
+template<class V> using Mask = Vec<typename IntOf<sizeof(Elem<V>)>::s, lanes<V>>;
+template<class V> using Bits = Vec<typename IntOf<sizeof(Elem<V>)>::u, lanes<V>>;
+
+template<int... I> struct Indices {};
+template<class, int... I> struct IndicesOf {
+    using type = Indices<I...>;
+};
+template<int N> using Iota = typename __make_integer_seq<IndicesOf, int, N>::type;
+
+template<class To, class From> QVR_INLINE To bitcast(From v)
+{
+    static_assert(sizeof(To) == sizeof(From));
+    return __builtin_bit_cast(To, v);
+}
+
+template<class V> QVR_INLINE Bits<V> bits(V v)
+{
+    return bitcast<Bits<V>>(v);
+}
+
+// ---- Broadcast, halves, shuffles ------------------------------------------------------------------------------------
+
+template<class V, int... I> QVR_INLINE V splatLanes(Elem<V> x, Indices<I...>)
+{
+    const Vec<Elem<V>, 1> one = {x};
+    return __builtin_shufflevector(one, one, (I & 0)...);
+}
+template<class V> QVR_INLINE V splat(Elem<V> x)
+{
+    return splatLanes<V>(x, Iota<lanes<V>>{});
+}
+
+template<class V, int... I> QVR_INLINE V iotaLanes(Indices<I...>)
+{
+    return V{static_cast<Elem<V>>(I)...};
+}
+// 0, 1, 2, ...
+template<class V> QVR_INLINE V iota()
+{
+    return iotaLanes<V>(Iota<lanes<V>>{});
+}
+
+template<int From, class V, int... I> QVR_INLINE Vec<Elem<V>, sizeof...(I)> sliceLanes(V v, Indices<I...>)
+{
+    return __builtin_shufflevector(v, v, (From + I)...);
+}
+// Lanes From .. From + N - 1.
+template<int From, int N, class V> QVR_INLINE auto slice(V v)
+{
+    return sliceLanes<From>(v, Iota<N>{});
+}
+template<class V> QVR_INLINE auto lo(V v)
+{
+    return slice<0, lanes<V> / 2>(v);
+}
+template<class V> QVR_INLINE auto hi(V v)
+{
+    return slice<lanes<V> / 2, lanes<V> / 2>(v);
+}
+
+template<class V, int... I> QVR_INLINE Vec<Elem<V>, sizeof...(I)> concatLanes(V a, V b, Indices<I...>)
+{
+    return __builtin_shufflevector(a, b, I...);
+}
+template<class V> QVR_INLINE auto concat(V a, V b)
+{
+    return concatLanes(a, b, Iota<2 * lanes<V>>{});
+}
+
+// Lanes picked from a (0 .. N - 1) and b (N .. 2N - 1) by the same pattern in each 16-byte block, as the instructions
+// of the wide levels do: shuffleBlocks<0, 4, 1, 5>(a, b) interleaves the low pairs of each block of 32-bit lanes.
+template<int Block, int... P> constexpr int blockLane(int lane, int total)
+{
+    constexpr int pattern[] = {P...};
+    const int block = lane / Block * Block, p = pattern[lane % Block];
+    return p < Block ? block + p : total + block + p - Block;
+}
+template<class V, int... P, int... I> QVR_INLINE V shuffleBlocksLanes(V a, V b, Indices<P...>, Indices<I...>)
+{
+    return __builtin_shufflevector(a, b, blockLane<sizeof...(P), P...>(I, lanes<V>)...);
+}
+template<int... P, class V> QVR_INLINE V shuffleBlocks(V a, V b)
+{
+    static_assert(sizeof...(P) * sizeof(Elem<V>) == 16);
+    return shuffleBlocksLanes(a, b, Indices<P...>{}, Iota<lanes<V>>{});
+}
+template<int... P, class V> QVR_INLINE V shuffleBlocks(V v)
+{
+    return shuffleBlocks<P...>(v, v);
+}
+
+// a0 b0 a1 b1 ... of the low halves (or the high halves) of whole vectors.
+template<int From, class V, int... I> QVR_INLINE V zipLanes(V a, V b, Indices<I...>)
+{
+    return __builtin_shufflevector(a, b, (I / 2 + From + (I & 1) * lanes<V>)...);
+}
+template<class V> QVR_INLINE V zipLo(V a, V b)
+{
+    return zipLanes<0>(a, b, Iota<lanes<V>>{});
+}
+template<class V> QVR_INLINE V zipHi(V a, V b)
+{
+    return zipLanes<lanes<V> / 2>(a, b, Iota<lanes<V>>{});
+}
+
+// Even and odd lanes of two vectors taken one behind the other.
+template<int From, class V, int... I> QVR_INLINE V unzipLanes(V a, V b, Indices<I...>)
+{
+    return __builtin_shufflevector(a, b, (2 * I + From)...);
+}
+template<class V> QVR_INLINE V evens(V a, V b)
+{
+    return unzipLanes<0>(a, b, Iota<lanes<V>>{});
+}
+template<class V> QVR_INLINE V odds(V a, V b)
+{
+    return unzipLanes<1>(a, b, Iota<lanes<V>>{});
+}
+
+// Applies f to the halves and joins the results.
+template<class F, class... V> QVR_INLINE auto byHalves(const F& f, V... v)
+{
+    return concat(f(lo(v)...), f(hi(v)...));
+}
+
+// A vector padded to 16 bytes, its upper lanes unspecified repeats.
+template<class V, int... I> QVR_INLINE auto padLanes(V v, Indices<I...>)
+{
+    return __builtin_shufflevector(v, v, (I % lanes<V>)...);
+}
+template<class V> QVR_INLINE auto padTo16(V v)
+{
+    return padLanes(v, Iota<16 / static_cast<int>(sizeof(Elem<V>))>{});
+}
+
+// ---- Memory ---------------------------------------------------------------------------------------------------------
+
+template<class V> QVR_INLINE V load(const void* p)
+{
+    V v;
+    __builtin_memcpy(&v, p, sizeof v);
+    return v;
+}
+template<class V> QVR_INLINE V loadAligned(const void* p)
+{
+    return load<V>(__builtin_assume_aligned(p, sizeof(V) < kVecBytes ? sizeof(V) : kVecBytes));
+}
+template<bool Aligned, class V> QVR_INLINE V loadIf(const void* p)
+{
+    if constexpr (Aligned)
+        return loadAligned<V>(p);
+    else
+        return load<V>(p);
+}
+template<class V> QVR_INLINE void store(void* p, V v)
+{
+    __builtin_memcpy(p, &v, sizeof v);
+}
+template<class V> QVR_INLINE void storeAligned(void* p, V v)
+{
+    store(__builtin_assume_aligned(p, sizeof(V) < kVecBytes ? sizeof(V) : kVecBytes), v);
+}
+
+// Past the caches, to an aligned address; streamFence orders it before later stores.
+template<class V> QVR_INLINE void stream(void* p, V v)
+{
+    __builtin_nontemporal_store(v, static_cast<V*>(p));
+}
+QVR_INLINE void streamFence()
+{
+    _mm_sfence();
+}
+
+// The first n < N lanes; nothing behind them is touched, and the other lanes of a load are zero.
+template<class V> QVR_INLINE V loadPartial(const void* p, int n)
+{
+    if constexpr (lanes<V> == 1) {
+        return V{};
+    } else {
+        using H = decltype(lo(V{}));
+        const char* c = static_cast<const char*>(p);
+        if (n >= lanes<H>)
+            return concat(load<H>(c), loadPartial<H>(c + sizeof(H), n - lanes<H>));
+        return concat(loadPartial<H>(c, n), H{});
+    }
+}
+template<class V> QVR_INLINE void storePartial(void* p, V v, int n)
+{
+    if constexpr (lanes<V> > 1) {
+        char* c = static_cast<char*>(p);
+        auto part = lo(v);
+        if (n >= lanes<decltype(part)>) {
+            store(c, part);
+            c += sizeof part;
+            n -= lanes<decltype(part)>;
+            part = hi(v);
+        }
+        storePartial(c, part, n);
+    }
+}
+
+// ---- Arithmetic -----------------------------------------------------------------------------------------------------
+
+// The rule of the instructions: b whenever a < b (a > b) does not hold, so for a NaN on either side and equal zeros.
+template<class V> QVR_INLINE V min(V a, V b)
+{
+    return a < b ? a : b;
+}
+template<class V> QVR_INLINE V max(V a, V b)
+{
+    return a > b ? a : b;
+}
+
+template<class V> QVR_INLINE V abs(V v)
+{
+    return bitcast<V>(bits(v) & ~splat<Bits<V>>(Elem<Bits<V>>{1} << (8 * sizeof(Elem<V>) - 1)));
+}
+
+template<class V> QVR_INLINE V sqrt(V v)
+{
+    return __builtin_elementwise_sqrt(v);
+}
+
+// a * b + c, in one rounding where the level has fused operations and in two elsewhere.
+template<class V> QVR_INLINE V fma(V a, V b, V c)
+{
+    if constexpr (kFma)
+        return __builtin_elementwise_fma(a, b, c);
+    else
+        return a * b + c;
+}
+
+// Even lanes a - b, odd lanes a + b.
+template<class V> QVR_INLINE V subAdd(V a, V b)
+{
+    if constexpr (!kSse3) {
+        const Bits<V> lane = iota<Bits<V>>();
+        const Bits<V> sign = (~lane & 1) << (8 * sizeof(Elem<V>) - 1);
+        return a + bitcast<V>(bits(b) ^ sign);
+    } else if constexpr (sizeof(V) > kVecBytes) {
+        return byHalves([](auto... x) { return subAdd(x...); }, a, b);
+    } else if constexpr (sizeof(V) == 32) {
+        if constexpr (sizeof(Elem<V>) == 4)
+            return bitcast<V>(_mm256_addsub_ps(bitcast<__m256>(a), bitcast<__m256>(b)));
+        else
+            return bitcast<V>(_mm256_addsub_pd(bitcast<__m256d>(a), bitcast<__m256d>(b)));
+    } else {
+        if constexpr (sizeof(Elem<V>) == 4)
+            return bitcast<V>(_mm_addsub_ps(bitcast<__m128>(a), bitcast<__m128>(b)));
+        else
+            return bitcast<V>(_mm_addsub_pd(bitcast<__m128d>(a), bitcast<__m128d>(b)));
+    }
+}
+
+// ---- Rounding and conversion ----------------------------------------------------------------------------------------
+
+// Exact or current-rounding conversion between element types of equal lane count; a float out of an integer's range
+// must not come here.
+template<class To, class From> QVR_INLINE Vec<To, lanes<From>> convert(From v)
+{
+    return __builtin_convertvector(v, Vec<To, lanes<From>>);
+}
+
+// To int32 by the current rounding mode, or toward zero. NaN and what does not fit give 0x80000000.
+template<bool Truncate, class V> QVR_INLINE Vec<int32_t, lanes<V>> toInt32(V v)
+{
+    using R = Vec<int32_t, lanes<V>>;
+    constexpr bool isFloat = sizeof(Elem<V>) == 4;
+    if constexpr (sizeof(V) > kVecBytes) {
+        return concat(toInt32<Truncate>(lo(v)), toInt32<Truncate>(hi(v)));
+    } else if constexpr (sizeof(V) == 32) {
+        if constexpr (isFloat)
+            return bitcast<R>(Truncate ? _mm256_cvttps_epi32(bitcast<__m256>(v))
+                                       : _mm256_cvtps_epi32(bitcast<__m256>(v)));
+        else
+            return bitcast<R>(Truncate ? _mm256_cvttpd_epi32(bitcast<__m256d>(v))
+                                       : _mm256_cvtpd_epi32(bitcast<__m256d>(v)));
+    } else if constexpr (lanes<V> == 1) {
+        if constexpr (isFloat)
+            return R{Truncate ? _mm_cvttss_si32(__m128{v[0]}) : _mm_cvtss_si32(__m128{v[0]})};
+        else
+            return R{Truncate ? _mm_cvttsd_si32(__m128d{v[0]}) : _mm_cvtsd_si32(__m128d{v[0]})};
+    } else if constexpr (isFloat) {
+        const __m128 x = bitcast<__m128>(padTo16(v));
+        return slice<0, lanes<V>>(bitcast<Vec<int32_t, 4>>(Truncate ? _mm_cvttps_epi32(x) : _mm_cvtps_epi32(x)));
+    } else {
+        const __m128d x = bitcast<__m128d>(v);
+        return lo(bitcast<Vec<int32_t, 4>>(Truncate ? _mm_cvttpd_epi32(x) : _mm_cvtpd_epi32(x)));
+    }
+}
+template<class V> QVR_INLINE auto toInt(V v)
+{
+    return toInt32<false>(v);
+}
+template<class V> QVR_INLINE auto toIntTruncate(V v)
+{
+    return toInt32<true>(v);
+}
+
+// int32 to int16 with saturation.
+template<class V> QVR_INLINE Vec<int16_t, lanes<V>> packSaturate(V v)
+{
+    static_assert(sizeof(Elem<V>) == 4);
+    if constexpr (lanes<V> == 16 && kAvx2) {
+        const __m256i a = bitcast<__m256i>(lo(v)), b = bitcast<__m256i>(hi(v));
+        return bitcast<Vec<int16_t, 16>>(_mm256_permute4x64_epi64(_mm256_packs_epi32(a, b), 0xD8));
+    } else if constexpr (lanes<V> > 8) {
+        return concat(packSaturate(lo(v)), packSaturate(hi(v)));
+    } else if constexpr (lanes<V> == 8) {
+        return bitcast<Vec<int16_t, 8>>(_mm_packs_epi32(bitcast<__m128i>(lo(v)), bitcast<__m128i>(hi(v))));
+    } else {
+        const __m128i x = bitcast<__m128i>(padTo16(v));
+        return slice<0, lanes<V>>(bitcast<Vec<int16_t, 8>>(_mm_packs_epi32(x, x)));
+    }
+}
+
+// ---- Masks ----------------------------------------------------------------------------------------------------------
+
+// Nonzero if any lane of a comparison's result is true.
+template<class V> QVR_INLINE int anyTrue(V mask)
+{
+    if constexpr (sizeof(V) > kVecBytes)
+        return anyTrue(lo(mask) | hi(mask));
+    else if constexpr (sizeof(V) == 32)
+        return _mm256_movemask_ps(bitcast<__m256>(mask));
+    else if constexpr (sizeof(V) == 16)
+        return _mm_movemask_epi8(bitcast<__m128i>(mask));
+    else if constexpr (lanes<V> == 1)
+        return mask[0] != 0;
+    else
+        return anyTrue(padTo16(mask));
+}
+
+} // namespace
+
+#endif

@@ -1,0 +1,40 @@
+// Argument checks in their fixed order: pointers, state tag, lengths, arguments of meaning, impossible scalars.
+#ifndef QVR_FRAME_STATUS_H
+#define QVR_FRAME_STATUS_H
+
+#include "frame/slot.h"
+
+namespace {
+
+template<class... P> inline bool anyNull(const P*... pointers)
+{
+    return (... || !pointers);
+}
+
+// Any null pointer outranks a bad length.
+template<class... P> inline qvrStatus checkPointersThenLength(int len, const P*... pointers)
+{
+    if (anyNull(pointers...))
+        return qvrErrNullPointer;
+    return len < 1 ? qvrErrBadSize : qvrOk;
+}
+
+// The order of the elementary functions in the slots that look at the length first.
+template<class... P> inline qvrStatus checkLengthThenPointers(int len, const P*... pointers)
+{
+    if (len < 1)
+        return qvrErrBadSize;
+    return anyNull(pointers...) ? qvrErrNullPointer : qvrOk;
+}
+
+// A state object: null, then a tag other than the expected one.
+template<class S> inline qvrStatus checkState(const S* state, uint32_t tag)
+{
+    if (state == nullptr)
+        return qvrErrNullPointer;
+    return static_cast<uint32_t>(state->tag) == tag ? qvrOk : qvrErrBadContext;
+}
+
+} // namespace
+
+#endif

@@ -1,0 +1,117 @@
+// Conversions between element types.
+#include "vector/loops.h"
+
+namespace {
+
+// Lanes to a block: two registers of the wider type.
+constexpr int kBlock32 = 2 * kLanes<float>;
+constexpr int kBlock64 = 2 * kLanes<double>;
+
+// 2 to the power of -scale, for a scale whose power is a normal double.
+double scaleFactor64(int scale)
+{
+    const int clamped = scale < -1008 ? -1008 : scale > 1022 ? 1022 : scale;
+    return __builtin_bit_cast(double, static_cast<uint64_t>(1023 - clamped) << 52);
+}
+
+// 2 to the power of -scale in single precision: denormal from 127 on, 0 above 149, infinite below -127.
+float scaleFactor32(int scale)
+{
+    if (scale > 149)
+        return 0;
+    if (scale < -127)
+        return __builtin_inff();
+    const uint32_t bits = scale >= 127 ? 1u << (149 - scale) : static_cast<uint32_t>(127 - scale) << 23;
+    return __builtin_bit_cast(float, bits);
+}
+
+// Only the upper clamp is made here: what is too small, -infinity included, converts to 0x80000000, which the
+// saturating pack turns into -32768 just as well.
+template<int mode, class V> QVR_INLINE Vec<int16_t, lanes<V>> roundTo16(V x)
+{
+    const V clamped = min(x, splat<V>(32767));
+    if constexpr (mode == qvrRoundTowardZero) {
+        return packSaturate(toIntTruncate(clamped));
+    } else if constexpr (mode == qvrRoundNearest) {
+        return packSaturate(toInt(clamped));
+    } else {
+        // (trunc(2 |x|) + 1) / 2 with the sign put back. Adding 0.5 instead would round 0.49999997 up. A magnitude
+        // past the int32 range comes out as 0x80000000, hence the unsigned shift; it saturates to -32768.
+        const V magnitude = abs(clamped);
+        const auto twice = bitcast<Vec<uint32_t, lanes<V>>>(toIntTruncate(magnitude + magnitude));
+        const auto half = bitcast<Vec<int32_t, lanes<V>>>((twice + 1) >> 1);
+        const auto negative = convert<int32_t>(clamped < V{});
+        return packSaturate((half ^ negative) - negative);
+    }
+}
+
+template<int mode, class T>
+__attribute__((noinline)) void scaledTo16(const T* src, int16_t* dst, Index n, T factor, bool scale)
+{
+    constexpr int block = sizeof(T) == 4 ? kBlock32 : kBlock64;
+    if (scale)
+        convertBlocks<block>(src, dst, n, [=](auto x) { return roundTo16<mode>(x * factor); });
+    else
+        convertBlocks<block>(src, dst, n, [](auto x) { return roundTo16<mode>(x); });
+}
+
+template<class T> QVR_INLINE qvrStatus to16(const T* pSrc, qvr16s* pDst, int len, int rndMode, T factor, bool scale)
+{
+    if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
+        return status;
+    if (rndMode == qvrRoundTowardZero)
+        scaledTo16<qvrRoundTowardZero>(pSrc, pDst, len, factor, scale);
+    else if (rndMode == qvrRoundNearest)
+        scaledTo16<qvrRoundNearest>(pSrc, pDst, len, factor, scale);
+    else
+        scaledTo16<qvrRoundHalfAway>(pSrc, pDst, len, factor, scale);
+    return qvrOk;
+}
+
+} // namespace
+
+extern "C" {
+
+qvrStatus SLOT(qvrsConvert_16s32f)(const qvr16s* pSrc, qvr32f* pDst, int len)
+{
+    return conversion<kBlock32>(pSrc, pDst, len, [](auto x) { return convert<float>(x); });
+}
+
+qvrStatus SLOT(qvrsConvert_32f64f)(const qvr32f* pSrc, qvr64f* pDst, int len)
+{
+    return conversion<kBlock64>(pSrc, pDst, len, [](auto x) { return convert<double>(x); });
+}
+
+qvrStatus SLOT(qvrsConvert_64f32f)(const qvr64f* pSrc, qvr32f* pDst, int len)
+{
+    return conversion<kBlock64>(pSrc, pDst, len, [](auto x) {
+        using V = decltype(x);
+        const V largest = splat<V>(3.4028234663852886e38);
+        // The element stands second in both: a NaN passes.
+        return convert<float>(min(largest, max(-largest, x)));
+    });
+}
+
+qvrStatus SLOT(qvrsConvert_32s16s)(const qvr32s* pSrc, qvr16s* pDst, int len)
+{
+    return conversion<kBlock32>(pSrc, pDst, len, [](auto x) { return packSaturate(x); });
+}
+
+qvrStatus SLOT(qvrsConvert_16s64f_Sfs)(const qvr16s* pSrc, qvr64f* pDst, int len, int scaleFactor)
+{
+    const double factor = scaleFactor64(scaleFactor);
+    return conversion<kBlock64>(pSrc, pDst, len,
+                                [factor](auto x) { return convert<double>(convert<int32_t>(x)) * factor; });
+}
+
+qvrStatus SLOT(qvrsConvert_32f16s_Sfs)(const qvr32f* pSrc, qvr16s* pDst, int len, int rndMode, int scaleFactor)
+{
+    return to16(pSrc, pDst, len, rndMode, scaleFactor32(scaleFactor), scaleFactor != 0);
+}
+
+qvrStatus SLOT(qvrsConvert_64f16s_Sfs)(const qvr64f* pSrc, qvr16s* pDst, int len, int rndMode, int scaleFactor)
+{
+    return to16(pSrc, pDst, len, rndMode, scaleFactor64(scaleFactor), scaleFactor != 0);
+}
+
+} // extern "C"

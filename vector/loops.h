@@ -1,0 +1,157 @@
+// The loop skeletons of the vector family: one per shape, a function is its formula over them.
+//
+// mapElements   dst[i] = op(src[i], ...) for one element type; any source may be dst itself
+// convertBlocks dst[i] = op(src[i]) between two element types, a block of B lanes at a time
+//
+// Tails. The last vector of an array is computed first and stored last, overlapping the one before it: its elements get
+// the same values twice, and in place the sources are read before the loop changes them. So no tail runs lane by lane,
+// and nothing is read past an end. Below one vector the same is done with half vectors.
+#ifndef QVR_VECTOR_LOOPS_H
+#define QVR_VECTOR_LOOPS_H
+
+#include "frame/simd.h"
+#include "frame/status.h"
+
+namespace {
+
+using Index = int64_t;
+
+// From here on a head of less than one vector aligns the destination. A store across a cache line costs two, which
+// from about 16 vectors on is more than the head.
+template<class T> constexpr Index kAlignFrom = 16 * kLanes<T>;
+
+template<class T, bool Aligned, class Op, class... S>
+QVR_INLINE Index mapVectors(T* dst, Index i, Index n, Op& op, const S*... src)
+{
+    using V = Full<T>;
+    constexpr int N = kLanes<T>;
+    for (; i + 4 * N <= n; i += 4 * N) {
+        const V a = op(loadIf<Aligned, V>(src + i)...);
+        const V b = op(loadIf<Aligned, V>(src + i + N)...);
+        const V c = op(loadIf<Aligned, V>(src + i + 2 * N)...);
+        const V d = op(loadIf<Aligned, V>(src + i + 3 * N)...);
+        store(dst + i, a);
+        store(dst + i + N, b);
+        store(dst + i + 2 * N, c);
+        store(dst + i + 3 * N, d);
+    }
+    for (; i + N <= n; i += N)
+        store(dst + i, op(loadIf<Aligned, V>(src + i)...));
+    return i;
+}
+
+template<class T, class Op, class... S> QVR_INLINE void mapLong(T* dst, Index n, Op& op, const S*... src)
+{
+    using V = Full<T>;
+    constexpr int N = kLanes<T>;
+    const V last = op(load<V>(src + n - N)...);
+    Index i = 0;
+    const uintptr_t address = reinterpret_cast<uintptr_t>(dst);
+    if (n >= kAlignFrom<T> && address % kVecBytes != 0 && address % sizeof(T) == 0) {
+        i = static_cast<Index>(-address % kVecBytes / sizeof(T));
+        const V head = op(load<V>(src)...), first = op(load<V>(src + i)...);
+        store(dst, head);
+        store(dst + i, first);
+        i += N;
+    }
+    // Below AVX an operand in memory must be aligned, so an aligned source saves its load instructions.
+    if constexpr (!kAvx) {
+        if (((reinterpret_cast<uintptr_t>(src + i) | ...) % kVecBytes) == 0)
+            mapVectors<T, true>(dst, i, n, op, src...);
+        else
+            mapVectors<T, false>(dst, i, n, op, src...);
+    } else {
+        mapVectors<T, false>(dst, i, n, op, src...);
+    }
+    store(dst + n - N, last);
+}
+
+// Fewer elements than a vector of N lanes: two overlapping vectors of half the lanes, or of half of those.
+template<int N, class T, class Op, class... S> QVR_INLINE void mapShort(T* dst, Index n, Op& op, const S*... src)
+{
+    if constexpr (N > 1) {
+        constexpr int H = N / 2;
+        using V = Vec<T, H>;
+        if (n >= H) {
+            const V first = op(load<V>(src)...), last = op(load<V>(src + n - H)...);
+            store(dst, first);
+            store(dst + n - H, last);
+        } else {
+            mapShort<H>(dst, n, op, src...);
+        }
+    }
+}
+
+template<class T, class Op, class... S> QVR_INLINE void mapElements(T* dst, Index n, Op&& op, const S*... src)
+{
+    if (n >= kLanes<T>)
+        mapLong(dst, n, op, src...);
+    else
+        mapShort<kLanes<T>>(dst, n, op, src...);
+}
+
+// Source and destination are different arrays here, so the overlapping last block needs no care.
+template<int B, class TS, class TD, class Op> QVR_INLINE void convertShort(const TS* src, TD* dst, Index n, Op& op)
+{
+    if constexpr (B > 1) {
+        constexpr int H = B / 2;
+        if (n >= H) {
+            store(dst, op(load<Vec<TS, H>>(src)));
+            store(dst + n - H, op(load<Vec<TS, H>>(src + n - H)));
+        } else {
+            convertShort<H>(src, dst, n, op);
+        }
+    }
+}
+
+template<int B, class TS, class TD, class Op> QVR_INLINE void convertBlocks(const TS* src, TD* dst, Index n, Op&& op)
+{
+    using V = Vec<TS, B>;
+    if (n < B)
+        return convertShort<B>(src, dst, n, op);
+    Index i = 0;
+    const uintptr_t address = reinterpret_cast<uintptr_t>(dst);
+    if (n >= 8 * B && address % sizeof(TD) == 0 && address % kVecBytes != 0) {
+        store(dst, op(load<V>(src)));
+        i = static_cast<Index>(-address % kVecBytes / sizeof(TD));
+    }
+    for (; i + 2 * B <= n; i += 2 * B) {
+        const auto a = op(load<V>(src + i)), b = op(load<V>(src + i + B));
+        store(dst + i, a);
+        store(dst + i + B, b);
+    }
+    if (i + B <= n)
+        store(dst + i, op(load<V>(src + i)));
+    store(dst + n - B, op(load<V>(src + n - B)));
+}
+
+// ---- Checks, then the loop: the whole of a plain element-wise function ----------------------------------------------
+
+template<class T, class Op> QVR_INLINE qvrStatus unary(const T* pSrc, T* pDst, int len, Op&& op)
+{
+    if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
+        return status;
+    mapElements(pDst, len, op, pSrc);
+    return qvrOk;
+}
+
+template<class T, class Op> QVR_INLINE qvrStatus binary(const T* pSrc1, const T* pSrc2, T* pDst, int len, Op&& op)
+{
+    if (const qvrStatus status = checkPointersThenLength(len, pSrc1, pSrc2, pDst))
+        return status;
+    mapElements(pDst, len, op, pSrc1, pSrc2);
+    return qvrOk;
+}
+
+template<int B, class TS, class TD, class Op>
+QVR_INLINE qvrStatus conversion(const TS* pSrc, TD* pDst, int len, Op&& op)
+{
+    if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
+        return status;
+    convertBlocks<B>(pSrc, pDst, len, op);
+    return qvrOk;
+}
+
+} // namespace
+
+#endif
