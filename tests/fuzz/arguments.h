@@ -82,7 +82,8 @@ private:
     {
         const std::vector<uint8_t> bytes = provider_.ConsumeBytes<uint8_t>(sizeof(T));
         T x{};
-        memcpy(&x, bytes.data(), bytes.size());
+        if (!bytes.empty())
+            memcpy(&x, bytes.data(), bytes.size());
         return x;
     }
 

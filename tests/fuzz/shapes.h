@@ -17,38 +17,24 @@ template<class Name> struct Shape {
     template<class F> static void call(F f, Input& in) { callUsual(f, in); }
 };
 
-// Blocks live across calls and are written to their ends.
-inline std::vector<std::pair<qvr8u*, int>>& liveBlocks()
+// Allocated in one slot, written to its end and released in another.
+template<class Allocate, class Release> void allocateAndRelease(Allocate allocate, Release release, Input& in)
 {
-    static std::vector<std::pair<qvr8u*, int>> blocks;
-    return blocks;
+    const int len = in.oneIn(4) ? in.any<int>() & INT32_MIN : in.range(0, 100000);
+    qvr8u* p = allocate(len);
+    if ((len >= 1) != (p != nullptr))
+        __builtin_trap();
+    if (p)
+        memset(p, 0x77, static_cast<size_t>(len));
+    release(p);
 }
 
 template<> struct Shape<qvrsMalloc_8u> {
-    template<class F> static void call(F f, Input& in)
-    {
-        const int len = in.oneIn(4) ? in.any<int>() & INT32_MIN : in.range(0, 100000);
-        qvr8u* p = f(len);
-        if ((len >= 1) != (p != nullptr))
-            __builtin_trap();
-        if (p) {
-            memset(p, 0x77, static_cast<size_t>(len));
-            liveBlocks().emplace_back(p, len);
-        }
-    }
+    template<class F> static void call(F f, Input& in) { allocateAndRelease(f, Morven_qvrsFree, in); }
 };
 
 template<> struct Shape<qvrsFree> {
-    template<class F> static void call(F f, Input&)
-    {
-        if (liveBlocks().empty())
-            return f(nullptr);
-        for (int i = 0; i < liveBlocks().back().second; i++)
-            if (liveBlocks().back().first[i] != 0x77)
-                __builtin_trap();
-        f(liveBlocks().back().first);
-        liveBlocks().pop_back();
-    }
+    template<class F> static void call(F f, Input& in) { allocateAndRelease(Morven_qvrsMalloc_8u, f, in); }
 };
 
 template<> struct Shape<qvrsSplitScaled_16s32f_D2L> {
