@@ -97,6 +97,11 @@ def echo_shorter_than_a_block():
     check(noise(9000), 1, ms=0.125, feedback=0.5)
 
 
+def echo_longer_than_a_block():
+    check(noise(2 * 9000), 2, ms=400, feedback=0.7)
+    check(noise(9000), 1, ms=10000, feedback=0.7)
+
+
 def no_echo():
     check(noise(9000), 1, ms=0, feedback=0.5)
 
