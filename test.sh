@@ -74,7 +74,7 @@ start=$SECONDS
 if scripts/packages.sh build test; then
     for stage in "${stages[@]}"; do
         case $stage in
-        release) build release -DQVR_TESTS=ON && tests release ;;
+        release) build release && tests release ;;
         asan)
             export ASAN_OPTIONS=detect_stack_use_after_return=1:${ASAN_OPTIONS:-} UBSAN_OPTIONS=print_stacktrace=1
             build asan && tests asan
