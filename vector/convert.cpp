@@ -35,13 +35,11 @@ template<int mode, class V> QVR_INLINE Vec<int16_t, lanes<V>> roundTo16(V x)
     } else if constexpr (mode == qvrRoundNearest) {
         return packSaturate(toInt(clamped));
     } else {
-        // (trunc(2 |x|) + 1) / 2 with the sign put back. Adding 0.5 instead would round 0.49999997 up. A magnitude
-        // past the int32 range comes out as 0x80000000, hence the unsigned shift; it saturates to -32768.
-        const V magnitude = abs(clamped);
-        const auto twice = bitcast<Vec<uint32_t, lanes<V>>>(toIntTruncate(magnitude + magnitude));
-        const auto half = bitcast<Vec<int32_t, lanes<V>>>((twice + 1) >> 1);
-        const auto negative = convert<int32_t>(clamped < V{});
-        return packSaturate((half ^ negative) - negative);
+        // With t = trunc(2 x): (t + 1) >> 1 from zero on and t >> 1 below, for truncation has taken the fraction of a
+        // negative t toward zero already. Adding 0.5 to x instead would round 0.49999997 up. What is too small has
+        // t = 0x80000000, whose half still saturates to -32768.
+        const auto twice = toIntTruncate(clamped + clamped);
+        return packSaturate((twice - (twice >= 0)) >> 1);
     }
 }
 

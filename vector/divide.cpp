@@ -22,13 +22,38 @@ template<class V> QVR_INLINE V overZero(V n)
     return bitcast<V>(bitcast<U>(n != V{} & n == n) ? infinity : splat<U>(kNan));
 }
 
-// n / d, with 1 in place of a zero divisor.
-template<class V> QVR_INLINE V quotient(V n, V d, int& flagged)
+// The compiler may not see that lanes are discarded after the instruction: it would drop their replacement before it.
+template<class V> QVR_INLINE V opaque(V v)
+{
+    if constexpr (lanes<V> == 1) {
+        Elem<V> x = v[0];
+        __asm__("" : "+x"(x));
+        return V{x};
+    } else {
+        static_assert(sizeof(V) >= 16 && sizeof(V) <= kVecBytes);
+        __asm__("" : "+x"(v));
+        return v;
+    }
+}
+
+// A vector with a zero among its divisors: 1 is divided by in its place.
+template<class V> __attribute__((noinline)) V quotientWithZeros(V n, V d)
 {
     const Mask<V> zero = d == V{};
-    flagged |= anyTrue(zero);
-    const V one = splat<V>(1);
-    return zero ? overZero(n) : n / (zero ? one : d);
+    return zero ? overZero(n) : n / opaque(zero ? splat<V>(1) : d);
+}
+
+template<class V> QVR_INLINE V quotient(V n, V d, int& flagged)
+{
+    // In the unused lanes of half a register there would be 0 / 0 and its exception.
+    if constexpr (lanes<V> > 1 && sizeof(V) < 16) {
+        return slice<0, lanes<V>>(quotient(padTo16(n), padTo16(d), flagged));
+    } else if (__builtin_expect(anyTrue(d == V{}) != 0, 0)) {
+        flagged = 1;
+        return quotientWithZeros(n, d);
+    } else {
+        return n / d;
+    }
 }
 
 __attribute__((noinline)) int divide(const float* divisors, const float* dividends, float* dst, Index n)
@@ -47,18 +72,29 @@ __attribute__((noinline)) int divideConstant(const float* src, float val, float*
     return flagged;
 }
 
+// sqrt(x), with 0 in place of what has no root.
+template<class V> __attribute__((noinline)) V rootWithNegatives(V x)
+{
+    const Mask<V> ok = x >= V{};
+    return ok ? sqrt(opaque(ok ? x : V{})) : bitcast<V>(splat<Bits<V>>(kNan));
+}
+
+template<class V> QVR_INLINE V root(V x, int& flagged)
+{
+    if constexpr (lanes<V> > 1 && sizeof(V) < 16)
+        return slice<0, lanes<V>>(root(padTo16(x), flagged));
+    else if (__builtin_expect(anyTrue(~(x >= V{})) != 0, 0)) {
+        flagged = 1;
+        return rootWithNegatives(x);
+    } else {
+        return sqrt(x);
+    }
+}
+
 __attribute__((noinline)) int squareRoot(const float* src, float* dst, Index n)
 {
     int flagged = 0;
-    mapElements(
-        dst, n,
-        [&](auto x) {
-            using V = decltype(x);
-            const Mask<V> ok = x >= V{};
-            flagged |= anyTrue(~ok);
-            return ok ? sqrt(ok ? x : V{}) : bitcast<V>(splat<Bits<V>>(kNan));
-        },
-        src);
+    mapElements(dst, n, [&](auto x) { return root(x, flagged); }, src);
     return flagged;
 }
 
