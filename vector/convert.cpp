@@ -38,8 +38,15 @@ template<int mode, class V> QVR_INLINE Vec<int16_t, lanes<V>> roundTo16(V x)
         // With t = trunc(2 x): (t + 1) >> 1 from zero on and t >> 1 below, for truncation has taken the fraction of a
         // negative t toward zero already. Adding 0.5 to x instead would round 0.49999997 up. What is too small has
         // t = 0x80000000, whose half still saturates to -32768.
-        const auto twice = toIntTruncate(clamped + clamped);
-        return packSaturate((twice - (twice >= 0)) >> 1);
+        // Doubles by halves: their integers are half as wide.
+        const auto halfAway = [](auto v) {
+            const auto twice = toIntTruncate(v + v);
+            return (twice - (twice >= 0)) >> 1;
+        };
+        if constexpr (sizeof(Elem<V>) == 8 && lanes<V> >= 8)
+            return packSaturate(byHalves(halfAway, clamped));
+        else
+            return packSaturate(halfAway(clamped));
     }
 }
 

@@ -29,8 +29,9 @@ template<class V> QVR_INLINE V opaque(V v)
         Elem<V> x = v[0];
         __asm__("" : "+x"(x));
         return V{x};
+    } else if constexpr (sizeof(V) > kVecBytes) {
+        return byHalves([](auto half) { return opaque(half); }, v);
     } else {
-        static_assert(sizeof(V) >= 16 && sizeof(V) <= kVecBytes);
         __asm__("" : "+x"(v));
         return v;
     }

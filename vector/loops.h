@@ -5,7 +5,8 @@
 //
 // Tails. The last vector of an array is computed first and stored last, overlapping the one before it: its elements get
 // the same values twice, and in place the sources are read before the loop changes them. So no tail runs lane by lane,
-// and nothing is read past an end. Below one vector the same is done with half vectors.
+// and nothing is read past an end. An array below four vectors is cut into powers of two without overlap: a vector that
+// straddles two stores of the call before could only be loaded when both have left for the cache.
 #ifndef QVR_VECTOR_LOOPS_H
 #define QVR_VECTOR_LOOPS_H
 
@@ -95,12 +96,24 @@ template<int N, class T, class Op, class... S> QVR_INLINE void mapShort(T* dst, 
     }
 }
 
+// The last elements by falling powers of two, each once.
+template<int N, class T, class Op, class... S> QVR_INLINE void mapPowers(T* dst, Index n, Op& op, const S*... src)
+{
+    if (n & N) {
+        store(dst, op(load<Vec<T, N>>(src)...));
+        dst += N;
+        ((src += N), ...);
+    }
+    if constexpr (N > 1)
+        mapPowers<N / 2>(dst, n, op, src...);
+}
+
 template<class T, class Op, class... S> QVR_INLINE void mapElements(T* dst, Index n, Op&& op, const S*... src)
 {
-    if (n >= kLanes<T>)
-        mapLong(dst, n, op, src...);
-    else
-        mapShort<kLanes<T>>(dst, n, op, src...);
+    constexpr int N = kLanes<T>;
+    if (n >= 4 * N)
+        return mapLong(dst, n, op, src...);
+    mapPowers<2 * N>(dst, n, op, src...);
 }
 
 // Source and destination are different arrays here, so the overlapping last block needs no care.
