@@ -29,6 +29,12 @@ def load_runs(folder):
     return runs
 
 
+def compact(run):
+    """A result to a line."""
+    head = json.dumps({key: value for key, value in run.items() if key != "results"})
+    return head[:-1] + ', "results": [\n' + ",\n".join(json.dumps(r) for r in run["results"]) + "]}"
+
+
 def store_families(runs, own_slot, folder):
     families = sorted({r["family"] for run in runs for r in run["results"]})
     for family in families:
@@ -38,8 +44,9 @@ def store_families(runs, own_slot, folder):
             if part["results"]:
                 slots[run["slot"]] = part
         with open(os.path.join(folder, family + ".json"), "w") as f:
-            json.dump({"family": family, "own": own_slot, "slots": slots}, f, indent=1)
-            f.write("\n")
+            f.write(f'{{"family": "{family}", "own": "{own_slot}", "slots": {{\n')
+            f.write(",\n".join(f'"{slot}": ' + compact(part) for slot, part in sorted(slots.items())))
+            f.write("\n}}\n")
 
 
 def geometric_mean(values):

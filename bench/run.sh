@@ -37,4 +37,4 @@ $program $only --json=$results/bench.json
 for slot in y8 mx; do
     $program $only --slot=$slot --no-memory --json=$results/bench-$slot.json || true
 done
-python3 bench/report.py $results docs
+/usr/bin/python3 bench/report.py $results docs # the interpreter that the package of matplotlib is for

@@ -143,14 +143,21 @@ template<int B, class TS, class TD, class Op> QVR_INLINE void convertBlocks(cons
         store(dst, op(load<V>(src)));
         i = static_cast<Index>(-address % boundary / sizeof(TD));
     }
-    for (; i + 2 * B <= n; i += 2 * B) {
-        const auto a = op(load<V>(src + i)), b = op(load<V>(src + i + B));
-        store(dst + i, a);
-        store(dst + i + B, b);
+    const V last = load<V>(src + n - B);
+    TD* const lastAt = dst + n - B;
+    src += i;
+    dst += i;
+    Index left = n - i;
+    for (; left >= 2 * B; left -= 2 * B) {
+        const auto a = op(load<V>(src)), b = op(load<V>(src + B));
+        store(dst, a);
+        store(dst + B, b);
+        advance(src, 2 * B);
+        advance(dst, 2 * B);
     }
-    if (i + B <= n)
-        store(dst + i, op(load<V>(src + i)));
-    store(dst + n - B, op(load<V>(src + n - B)));
+    if (left >= B)
+        store(dst, op(load<V>(src)));
+    store(lastAt, op(last));
 }
 
 // ---- Checks, then the loop: the whole of a plain element-wise function ----------------------------------------------
