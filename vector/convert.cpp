@@ -7,6 +7,10 @@ namespace {
 constexpr int kBlock32 = 2 * kLanes<float>;
 constexpr int kBlock64 = 2 * kLanes<double>;
 
+// The same from 16 bits: with AVX a quarter register is widened as it is read, where the upper quarter of a loaded half
+// would have to be moved down first.
+constexpr int kFrom16To64 = kAvx ? kLanes<double> : kBlock64;
+
 // 2 to the power of -scale, for a scale whose power is a normal double.
 double scaleFactor64(int scale)
 {
@@ -105,8 +109,8 @@ qvrStatus SLOT(qvrsConvert_32s16s)(const qvr32s* pSrc, qvr16s* pDst, int len)
 qvrStatus SLOT(qvrsConvert_16s64f_Sfs)(const qvr16s* pSrc, qvr64f* pDst, int len, int scaleFactor)
 {
     const double factor = scaleFactor64(scaleFactor);
-    return conversion<kBlock64>(pSrc, pDst, len,
-                                [factor](auto x) { return convert<double>(convert<int32_t>(x)) * factor; });
+    return conversion<kFrom16To64>(pSrc, pDst, len,
+                                   [factor](auto x) { return convert<double>(convert<int32_t>(x)) * factor; });
 }
 
 qvrStatus SLOT(qvrsConvert_32f16s_Sfs)(const qvr32f* pSrc, qvr16s* pDst, int len, int rndMode, int scaleFactor)
