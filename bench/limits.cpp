@@ -93,6 +93,19 @@ Limits measureLimits(bool memory, double seconds)
     return limits;
 }
 
+void keepBetter(Limits& limits, const Limits& other)
+{
+    for (int level = 0; level < levelCount; level++)
+        for (int pattern = 0; pattern < patternCount; pattern++)
+            limits.bandwidth[level][pattern] =
+                std::max(limits.bandwidth[level][pattern], other.bandwidth[level][pattern]);
+    for (double Limits::* const rate :
+         {&Limits::fma32, &Limits::add32, &Limits::divide32, &Limits::root32, &Limits::divide64})
+        limits.*rate = std::max(limits.*rate, other.*rate);
+    for (double Limits::* const cost : {&Limits::pointerCall, &Limits::exportedCall})
+        limits.*cost = std::min(limits.*cost, other.*cost);
+}
+
 namespace {
 
 // Where reads and writes are not in a measured proportion, the common part runs as a copy and the rest on its own.

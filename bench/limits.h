@@ -18,6 +18,7 @@ struct Limits {
 };
 
 Limits measureLimits(bool memory, double seconds);
+void keepBetter(Limits& limits, const Limits& other);
 
 // Nanoseconds that the machine needs for so much work on so many elements, and what sets them. 0: not known.
 double limitTime(const Limits& limits, Level level, const Work& work, double elements, std::string& by);

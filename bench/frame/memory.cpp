@@ -14,6 +14,8 @@ void pair(const Sink& sink)
         sink.add(std::to_string(bytes) + " bytes", [=](Case& c) {
             c.elements = 1;
             c.ours([=] { Morven_qvrsFree(Morven_qvrsMalloc_8u(bytes)); });
+            if (!ownSlot())
+                return;
             c.peer("aligned_alloc", [=] {
                 void* p = aligned_alloc(64, static_cast<size_t>(bytes + 63) / 64 * 64);
                 __asm__ volatile("" : "+r"(p));

@@ -31,7 +31,6 @@ namespace bench {
 template<class A, class B, class D> struct Arrays {
     Data first, second, destination;
     Work work;
-    bool scaled = false; // elements per array fall with the element size in the large cases
 };
 
 template<class T> constexpr double bytesOf = sizeof(T);
