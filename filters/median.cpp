@@ -96,12 +96,13 @@ using Block = Vec<float, 8>;
 struct Window {
     float* sorted;
     Index size;
-    int odd; // samples that are NaN or -0: with any of these the order of equal bits matters
+    int negativeZeros; // with any of these in the window equal samples may differ in their bits
+    bool disordered; // a NaN has been met: the window need not be sorted from there on
 };
 
-bool isOdd(float x)
+bool isNegativeZero(float x)
 {
-    return x != x || __builtin_bit_cast(uint32_t, x) == 0x80000000;
+    return __builtin_bit_cast(uint32_t, x) == 0x80000000;
 }
 
 // One block after the other from aligned loads, which meet the stores of the previous output without delay.
@@ -159,11 +160,12 @@ void bubbleSort(float* a, Index n)
 void medianGeneral(float* x, Index n, Index m, float* sorted, float* ring)
 {
     const Index h = m / 2;
-    Window w = {sorted, m, 0};
+    Window w = {sorted, m, 0, false};
     for (Index k = 0; k < m; k++) {
         const Index i = k < h ? 0 : k - h;
         sorted[k] = ring[k] = at(x, i < n ? i : n - 1);
-        w.odd += isOdd(ring[k]);
+        w.negativeZeros += isNegativeZero(ring[k]);
+        w.disordered |= ring[k] != ring[k];
     }
     bubbleSort(sorted, m);
     for (Index k = 1; k <= 8; k++)
@@ -177,12 +179,13 @@ void medianGeneral(float* x, Index n, Index m, float* sorted, float* ring)
         const float leaving = ring[position];
         ring[position] = entering;
         position = position + 1 < m ? position + 1 : 0;
-        const int odd = w.odd + isOdd(entering);
-        if (odd == 0)
+        w.negativeZeros += isNegativeZero(entering);
+        w.disordered |= entering != entering;
+        if (w.negativeZeros == 0 && !w.disordered)
             replaceByFormula(w, leaving, entering);
         else
             replaceBySearch(w, leaving, entering);
-        w.odd = odd - isOdd(leaving);
+        w.negativeZeros -= isNegativeZero(leaving);
         store(x + out, Vec<float, 1>{sorted[h]});
     }
 }
