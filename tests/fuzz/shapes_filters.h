@@ -74,7 +74,7 @@ template<> struct Shape<qvrsFilterMedian_32f_I> {
     template<class F> static void call(F f, Input& in)
     {
         const int len = in.range(1, 400);
-        f(in.array<float>(len), len, in.oneIn(10) ? in.any<int>() & 0xFFF : in.range(0, 130));
+        f(in.array<float>(len), len, in.oneIn(10) ? in.any<int>() & 0x1FF : in.range(0, 130));
     }
 };
 
