@@ -445,8 +445,10 @@ template<class V> QVR_INLINE int anyTrue(V mask)
 {
     if constexpr (sizeof(V) > kVecBytes)
         return anyTrue(lo(mask) | hi(mask));
-    else if constexpr (sizeof(V) == 32)
+    else if constexpr (sizeof(V) == 32 && sizeof(Elem<V>) >= 4)
         return _mm256_movemask_ps(bitcast<__m256>(mask));
+    else if constexpr (sizeof(V) == 32)
+        return !_mm256_testz_si256(bitcast<__m256i>(mask), bitcast<__m256i>(mask));
     else if constexpr (sizeof(V) == 16)
         return _mm_movemask_epi8(bitcast<__m128i>(mask));
     else if constexpr (lanes<V> == 1)

@@ -71,7 +71,8 @@ template<class T, class Table> void checkBoth(Table& table)
             kMoreLengths);
         T x[4] = {}, least = 55, most = 55;
         checkPointersThenLengthOrder(3, [&](int null, int len) {
-            const qvrStatus s = f(null == 0 ? nullptr : x, len, null == 1 ? nullptr : &least, null == 2 ? nullptr : &most);
+            const qvrStatus s =
+                f(null == 0 ? nullptr : x, len, null == 1 ? nullptr : &least, null == 2 ? nullptr : &most);
             EXPECT_EQ(least, 55);
             EXPECT_EQ(most, 55);
             return s;

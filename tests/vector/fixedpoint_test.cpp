@@ -35,7 +35,8 @@ template<class T> std::vector<T> edgeValues(size_t n, uint32_t seed)
 }
 
 // call(src, dst, n, scale) reads both or, with `constant`, dst alone.
-template<class T, class Call, class Model> void checkScales(Call call, Model model, bool constant)
+template<class T, class Call, class Model>
+void checkScales(Call call, Model model, bool constant, bool everyPlace = true)
 {
     for (int s : allScales()) {
         SCOPED_TRACE(testing::Message() << "scale " << s);
@@ -49,6 +50,8 @@ template<class T, class Call, class Model> void checkScales(Call call, Model mod
         if (testing::Test::HasFailure())
             return;
     }
+    if (!everyPlace)
+        return;
     for (int s : {0, 1, 2, 7, -4, -20, 18}) {
         SCOPED_TRACE(testing::Message() << "scale " << s);
         if (constant)
@@ -163,7 +166,7 @@ TEST(FixedPoint, AddConstantUnsigned)
     slots::each(qvrTable_qvrsAddC_16u_ISfs, [&](auto f, int) {
         for (T val : {0, 1, 2, 3, 32767, 32768, 65535})
             checkScales<T>([=](const T*, T* d, int n, int s) { return f(val, d, n, s); },
-                           [=](int64_t, int64_t y) { return y + val; }, true);
+                           [=](int64_t, int64_t y) { return y + val; }, true, val == 3);
         for (T val : {0, 5})
             for (int s : {0, 1, 18, -1, -16, INT32_MIN, INT32_MAX})
                 checkOrder<T>(1, [=](const T*, const T*, T* d, int n) { return f(val, d, n, s); });
@@ -180,7 +183,7 @@ TEST(FixedPoint, SubtractConstantUnsigned)
     slots::each(qvrTable_qvrsSubC_16u_ISfs, [&](auto f, int) {
         for (T val : {0, 1, 2, 3, 32767, 32768, 65535})
             checkScales<T>([=](const T*, T* d, int n, int s) { return f(val, d, n, s); },
-                           [=](int64_t, int64_t y) { return y > val ? y - val : 0; }, true);
+                           [=](int64_t, int64_t y) { return y > val ? y - val : 0; }, true, val == 3);
         for (T val : {0, 5})
             for (int s : {0, 1, 17, -1, -16, INT32_MIN, INT32_MAX})
                 checkOrder<T>(1, [=](const T*, const T*, T* d, int n) { return f(val, d, n, s); });
@@ -234,8 +237,8 @@ TEST(FixedPoint, Magnitude)
 {
     using T = int32_t;
     slots::each(qvrTable_qvrsAbs_32s_I, [&](auto f, int) {
-        checkInPlace<T, T>({[=](const T*, T* d, int n) { return f(d, n); },
-                            [](T x) { return saturated<T>(std::abs(int64_t{x})); }});
+        checkInPlace<T, T>(
+            {[=](const T*, T* d, int n) { return f(d, n); }, [](T x) { return saturated<T>(std::abs(int64_t{x})); }});
         checkOrder<T>(1, [=](const T*, const T*, T* d, int n) { return f(d, n); });
         T x[5] = {INT32_MIN, INT32_MAX, -1, 0, INT32_MIN};
         EXPECT_EQ(f(x, 5), qvrOk);

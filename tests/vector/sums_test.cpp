@@ -6,7 +6,8 @@ namespace {
 
 std::vector<int> scales()
 {
-    std::vector<int> v = {INT32_MIN, INT32_MIN + 1, -1026, -1025, -1024, -1023, 1022, 1023, 1024, INT32_MAX - 1, INT32_MAX};
+    std::vector<int> v = {INT32_MIN, INT32_MIN + 1, -1026, -1025,         -1024,    -1023,
+                          1022,      1023,          1024,  INT32_MAX - 1, INT32_MAX};
     for (int s = -66; s <= 66; s++)
         v.push_back(s);
     return v;
@@ -95,8 +96,15 @@ TEST(Sums, LargeScalesRoundOnce)
 {
     constexpr int n = 1 << 24;
     std::vector<int16_t> v(n);
-    for (const auto [x, last] : {std::pair<int, int>{32767, 32767}, {-32768, -32768}, {256, 256}, {256, 255}, {256, 257},
-                                 {-256, -256}, {-256, -257}, {768, 768}, {-768, -768}}) {
+    for (const auto [x, last] : {std::pair<int, int>{32767, 32767},
+                                 {-32768, -32768},
+                                 {256, 256},
+                                 {256, 255},
+                                 {256, 257},
+                                 {-256, -256},
+                                 {-256, -257},
+                                 {768, 768},
+                                 {-768, -768}}) {
         std::fill(v.begin(), v.end(), static_cast<int16_t>(x));
         v.back() = static_cast<int16_t>(last);
         const Wide t = exactSum(v);
@@ -137,8 +145,16 @@ TEST(Sums, MeanOfShorts)
         };
         sweepArrays<T>(full<T>, [&](const T* p, const std::vector<T>& v) { check(p, v, {0, 1, -3}); },
                        {65535, 65536, 65537, 200001});
-        for (const std::vector<T>& v : {std::vector<T>{1}, {-1}, {0}, {1, -1}, {1, 2}, {0, 1}, {-1, -2}, {32767, 32766},
-                                        {-32768, -32767}, {1, 0, 0, 0, 0}})
+        for (const std::vector<T>& v : {std::vector<T>{1},
+                                        {-1},
+                                        {0},
+                                        {1, -1},
+                                        {1, 2},
+                                        {0, 1},
+                                        {-1, -2},
+                                        {32767, 32766},
+                                        {-32768, -32767},
+                                        {1, 0, 0, 0, 0}})
             check(v.data(), v, scales());
         // The caller's rounding decides.
         const T tie[2] = {1, 2};
@@ -183,10 +199,24 @@ TEST(Sums, MeanOfInts)
             }
         };
         sweepArrays<T>(full<T>, [&](const T* p, const std::vector<T>& v) { check(p, v, {0, 1, -3}); });
-        for (const std::vector<T>& v :
-             {std::vector<T>{1}, {-1}, {0}, {1, 2}, {0, 1}, {-1, -2}, {-1, 0}, {INT32_MAX}, {INT32_MIN},
-              {INT32_MAX, INT32_MAX}, {INT32_MIN, INT32_MIN}, {INT32_MIN, INT32_MIN, 1}, {1, 1, 0}, {5, 5, 0, 0},
-              {INT32_MAX, 1, 0, 0, 0, 0, 0}, {1, 0, 0}, {-1, 0, 0, 0}, {3, 0, 0, 0, 0, 0}})
+        for (const std::vector<T>& v : {std::vector<T>{1},
+                                        {-1},
+                                        {0},
+                                        {1, 2},
+                                        {0, 1},
+                                        {-1, -2},
+                                        {-1, 0},
+                                        {INT32_MAX},
+                                        {INT32_MIN},
+                                        {INT32_MAX, INT32_MAX},
+                                        {INT32_MIN, INT32_MIN},
+                                        {INT32_MIN, INT32_MIN, 1},
+                                        {1, 1, 0},
+                                        {5, 5, 0, 0},
+                                        {INT32_MAX, 1, 0, 0, 0, 0, 0},
+                                        {1, 0, 0},
+                                        {-1, 0, 0, 0},
+                                        {3, 0, 0, 0, 0, 0}})
             check(v.data(), v, scales());
         T result = 0;
         const T a[2] = {1, 2}, b[2] = {0, 1};
@@ -237,24 +267,24 @@ template<class T> double groupedSum(const std::vector<T>& v, bool squares)
 template<class T, class Table> void checkMean(Table& table)
 {
     slots::each(table, [&](auto f, int slot) {
-        sweepArrays<T>(
-            [](size_t n, uint32_t seed) { return randomValues<T>(n, seed, -1000, 3000); },
-            [&](const T* p, const std::vector<T>& v) {
-                T result = 77;
-                EXPECT_EQ(f(p, static_cast<int>(v.size()), &result), qvrOk);
-                if (slot == 0) {
-                    EXPECT_EQ(result, static_cast<T>(groupedSum(v, false) / static_cast<double>(v.size())));
-                } else {
-                    long double sum = 0, magnitude = 0;
-                    for (T x : v) {
-                        sum += x;
-                        magnitude += std::fabs(x);
-                    }
-                    const long double n = static_cast<long double>(v.size());
-                    const long double bound = magnitude / n * n * 0x1p-53L + std::fabs(sum / n) * std::numeric_limits<T>::epsilon();
-                    EXPECT_LE(std::fabs(result - sum / n), bound);
-                }
-            });
+        sweepArrays<T>([](size_t n, uint32_t seed) { return randomValues<T>(n, seed, -1000, 3000); },
+                       [&](const T* p, const std::vector<T>& v) {
+                           T result = 77;
+                           EXPECT_EQ(f(p, static_cast<int>(v.size()), &result), qvrOk);
+                           if (slot == 0) {
+                               EXPECT_EQ(result, static_cast<T>(groupedSum(v, false) / static_cast<double>(v.size())));
+                           } else {
+                               long double sum = 0, magnitude = 0;
+                               for (T x : v) {
+                                   sum += x;
+                                   magnitude += std::fabs(x);
+                               }
+                               const long double n = static_cast<long double>(v.size());
+                               const long double bound = magnitude / n * n * 0x1p-53L +
+                                                         std::fabs(sum / n) * std::numeric_limits<T>::epsilon();
+                               EXPECT_LE(std::fabs(result - sum / n), bound);
+                           }
+                       });
         // In single precision the ones would be lost beside the large value.
         std::vector<T> v(4001, 1);
         v[0] = static_cast<T>(1e9);
@@ -293,24 +323,24 @@ TEST(Sums, StandardDeviation)
 {
     using T = float;
     slots::each(qvrTable_qvrsStdDev_32f, [&](auto f, int slot) {
-        sweepArrays<T>(
-            [](size_t n, uint32_t seed) { return randomValues<T>(n, seed, -1000, 3000); },
-            [&](const T* p, const std::vector<T>& v) {
-                T result = 77;
-                EXPECT_EQ(f(p, static_cast<int>(v.size()), &result), qvrOk);
-                const double n = static_cast<double>(v.size());
-                const double s1 = groupedSum(v, false), s2 = groupedSum(v, true);
-                const double variance = s2 * n - s1 * s1;
-                const double want = variance > 0 ? std::sqrt(variance / ((n - 1) * n)) : 0;
-                if (slot == 0) {
-                    EXPECT_EQ(result, static_cast<T>(want));
-                } else {
-                    // s2 and s1 of any order differ by n 2^-53 of themselves; half of that relative error is the root's.
-                    const double error = 2 * n * 0x1p-53 * (s2 * n + s1 * s1) / variance;
-                    EXPECT_NEAR(result, want, want * (0x1p-23 + error));
-                }
-            },
-            {}, 2);
+        sweepArrays<T>([](size_t n, uint32_t seed) { return randomValues<T>(n, seed, -1000, 3000); },
+                       [&](const T* p, const std::vector<T>& v) {
+                           T result = 77;
+                           EXPECT_EQ(f(p, static_cast<int>(v.size()), &result), qvrOk);
+                           const double n = static_cast<double>(v.size());
+                           const double s1 = groupedSum(v, false), s2 = groupedSum(v, true);
+                           const double variance = s2 * n - s1 * s1;
+                           const double want = variance > 0 ? std::sqrt(variance / ((n - 1) * n)) : 0;
+                           if (slot == 0) {
+                               EXPECT_EQ(result, static_cast<T>(want));
+                           } else {
+                               // s2 and s1 of any order differ by n 2^-53 of themselves; half of that relative error is
+                               // the root's.
+                               const double error = 2 * n * 0x1p-53 * (s2 * n + s1 * s1) / variance;
+                               EXPECT_NEAR(result, want, want * (0x1p-23 + error));
+                           }
+                       },
+                       {}, 2);
         for (int n : {2, 3, 8, 9, 100, 1001})
             for (T x : {0.5f, 3.0f, -7.0f, 0.0f, 1024.0f}) {
                 const std::vector<T> v(n, x);
@@ -341,22 +371,30 @@ TEST(Sums, StandardDeviation)
     });
 }
 
-// The last difference of the formula is of products rounded on their own: a fused one gives another result here.
+// The last difference of the formula is of products rounded on their own: a fused one gives another result here. The
+// elements are integers of 20 bits, so that both sums are exact in any order and their products are not.
 TEST(Sums, StandardDeviationIsNotFused)
 {
+    constexpr int n = 1001;
     slots::each(qvrTable_qvrsStdDev_32f, [&](auto f, int) {
         int fusedDiffers = 0;
-        for (uint32_t seed = 1; seed < 2000; seed++) {
-            const std::vector<float> base = randomValues<float>(1, seed, 1000, 30000);
-            const float v[2] = {base[0], std::nextafter(base[0], 1e9f)};
-            // Two elements: s1 and s2 have one possible order each.
-            const double s1 = double{v[0]} + v[1], s2 = double{v[0]} * v[0] + double{v[1]} * v[1];
-            const double plain = s2 * 2 - s1 * s1, fused = std::fma(s2, 2, -(s1 * s1)), other = std::fma(-s1, s1, s2 * 2);
-            const auto result = [](double x) { return static_cast<float>(x > 0 ? std::sqrt(x / 2) : 0); };
-            fusedDiffers += result(other) != result(plain) || result(fused) != result(plain);
+        for (uint32_t seed = 1; seed < 100; seed++) {
+            std::mt19937 engine(seed);
+            std::vector<float> v(n);
+            double s1 = 0, s2 = 0;
+            for (float& x : v) {
+                x = static_cast<float>(1000003 + engine() % 3);
+                s1 += x;
+                s2 += double{x} * x;
+            }
+            const auto result = [](double x) {
+                return static_cast<float>(x > 0 ? std::sqrt(x / (double{n - 1} * n)) : 0);
+            };
+            const float plain = result(s2 * n - s1 * s1);
+            fusedDiffers += result(std::fma(s2, n, -(s1 * s1))) != plain && result(std::fma(-s1, s1, s2 * n)) != plain;
             float got = 77;
-            EXPECT_EQ(f(v, 2, &got), qvrOk);
-            ASSERT_EQ(got, result(plain)) << seed;
+            EXPECT_EQ(f(v.data(), n, &got), qvrOk);
+            ASSERT_EQ(got, plain) << seed;
         }
         EXPECT_GT(fusedDiffers, 10);
     });
