@@ -271,6 +271,12 @@ template<class V> QVR_INLINE V sqrt(V v)
     return __builtin_elementwise_sqrt(v);
 }
 
+// The processor's estimate of 1 / sqrt(x), about twelve bits.
+QVR_INLINE float reciprocalRootEstimate(float x)
+{
+    return _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(x)));
+}
+
 // a * b + c, in one rounding where the level has fused operations and in two elsewhere.
 template<class V> QVR_INLINE V fma(V a, V b, V c)
 {
