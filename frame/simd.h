@@ -153,6 +153,15 @@ template<class V> QVR_INLINE V zipHi(V a, V b)
     return zipLanes<lanes<V> / 2>(a, b, Iota<lanes<V>>{});
 }
 
+template<class V, int... I> QVR_INLINE V reversedLanesOf(V v, Indices<I...>)
+{
+    return __builtin_shufflevector(v, v, (lanes<V> - 1 - I)...);
+}
+template<class V> QVR_INLINE V reversedLanes(V v)
+{
+    return reversedLanesOf(v, Iota<lanes<V>>{});
+}
+
 // Even and odd lanes of two vectors taken one behind the other.
 template<int From, class V, int... I> QVR_INLINE V unzipLanes(V a, V b, Indices<I...>)
 {

@@ -518,6 +518,45 @@ qvrStatus Morven_qvrsFFTInv_CCSToR_64f(const qvr64f* pSrc, qvr64f* pDst, const q
 
 /** @} */
 
+/**
+ * @defgroup windows Windows
+ *
+ * In-place multiplication of a signal by a symmetric window of its own length L. With t = 2 pi / (L - 1), the weights
+ * for k = 0 .. from either end:
+ *
+ *     Bartlett     2k / (L - 1)
+ *     Hann         0.5 - 0.5 cos(k t)
+ *     Hamming      0.54 - 0.46 cos(k t)
+ *     BlackmanStd  0.42 - 0.5 cos(k t) + 0.08 cos(2 k t)
+ *
+ * The weights come from recurrences in double precision; Bartlett's in single precision, except in the SSE2 build.
+ * The middle element of an odd length keeps its value bit for bit, whatever it is. Bartlett sets both ends to +0, at
+ * length 3 Hann and BlackmanStd do so too; at other lengths their ends are multiplied by a weight of about zero.
+ *
+ * All functions return qvrErrNullPointer for null and then qvrErrBadSize for `len` below 3.
+ * @{
+ */
+
+/** Triangle; both ends become +0. */
+qvrStatus Morven_qvrsWinBartlett_32f_I(qvr32f* pSrcDst, int len);
+
+/** Hann window, also called raised cosine. */
+qvrStatus Morven_qvrsWinHann_32f_I(qvr32f* pSrcDst, int len);
+
+/** Hamming window; the ends keep 0.08 of their value. */
+qvrStatus Morven_qvrsWinHamming_32f_I(qvr32f* pSrcDst, int len);
+
+/**
+ * Hamming window on 16-bit samples. The two ends are truncated toward zero; the others are rounded to nearest by the
+ * caller's MXCSR, except in the SSE2 build, which truncates them all.
+ */
+qvrStatus Morven_qvrsWinHamming_16s_I(qvr16s* pSrcDst, int len);
+
+/** Blackman window with the alpha of -0.16. */
+qvrStatus Morven_qvrsWinBlackmanStd_32f_I(qvr32f* pSrcDst, int len);
+
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif
