@@ -3,9 +3,10 @@
 
 namespace {
 
-// Lanes to a block: two registers of the wider type.
+// Lanes to a block: two registers of the wider type, or what fills one register of a 16-bit destination.
 constexpr int kBlock32 = 2 * kLanes<float>;
 constexpr int kBlock64 = 2 * kLanes<double>;
+constexpr int kBlock16 = kLanes<int16_t>;
 
 // 2 to the power of -scale, for a scale whose power is a normal double.
 double scaleFactor64(int scale)
@@ -48,11 +49,10 @@ template<int mode, class V> QVR_INLINE Vec<int16_t, lanes<V>> roundTo16(V x)
 template<int mode, class T>
 __attribute__((noinline)) void scaledTo16(const T* src, int16_t* dst, Index n, T factor, bool scale)
 {
-    constexpr int block = sizeof(T) == 4 ? kBlock32 : kBlock64;
     if (scale)
-        convertBlocks<block>(src, dst, n, [=](auto x) { return roundTo16<mode>(x * factor); });
+        convertBlocks<kBlock16>(src, dst, n, [=](auto x) { return roundTo16<mode>(x * factor); });
     else
-        convertBlocks<block>(src, dst, n, [](auto x) { return roundTo16<mode>(x); });
+        convertBlocks<kBlock16>(src, dst, n, [](auto x) { return roundTo16<mode>(x); });
 }
 
 template<class T> QVR_INLINE qvrStatus to16(const T* pSrc, qvr16s* pDst, int len, int rndMode, T factor, bool scale)

@@ -76,16 +76,18 @@ template<class T> QVR_INLINE qvrStatus copy(const T* pSrc, T* pDst, int len)
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
         return status;
     const int64_t bytes = int64_t{len} * sizeof(T);
+    const char* from = reinterpret_cast<const char*>(pSrc);
+    char* to = reinterpret_cast<char*>(pDst);
     if constexpr (kAvx) {
         copyWide(pSrc, pDst, len);
     } else if constexpr (kSlot == slotMx) {
         if (bytes > kBlockCopyAbove)
-            memmove(pDst, pSrc, static_cast<size_t>(bytes));
+            memmove(to, from, static_cast<size_t>(bytes));
         else
             copyVectors(pSrc, pDst, len);
     } else {
         if (bytes >= kStreamFrom && exceedsCache(bytes))
-            copyStreaming(reinterpret_cast<const char*>(pSrc), reinterpret_cast<char*>(pDst), bytes);
+            copyStreaming(from, to, bytes);
         else
             copyVectors(pSrc, pDst, len);
     }

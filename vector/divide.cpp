@@ -1,7 +1,8 @@
 // Division and square root: the functions with a warning, and with a parallel region in the slots from u8 up.
 //
 // Elements that must not reach the instruction (zero divisors, roots of negatives) are replaced by harmless ones
-// before it, so no exception flag is raised on their account, and by their substitute after it.
+// before it, so no exception flag is raised on their account, and by their substitute after it. The first replacement
+// is made on bits: one by selection the compiler would drop, seeing that the second hides it.
 #include "frame/region.h"
 #include "vector/loops.h"
 
@@ -22,13 +23,14 @@ template<class V> QVR_INLINE V overZero(V n)
     return bitcast<V>(bitcast<U>(n != V{} & n == n) ? infinity : splat<U>(kNan));
 }
 
-// n / d, with 1 in place of a zero divisor.
+// n / d, with 1 or -1 in place of a zero divisor.
 template<class V> QVR_INLINE V quotient(V n, V d, int& flagged)
 {
     const Mask<V> zero = d == V{};
     flagged |= anyTrue(zero);
     const V one = splat<V>(1);
-    return zero ? overZero(n) : n / (zero ? one : d);
+    const V harmless = bitcast<V>(bits(d) | (bits(one) & bitcast<Bits<V>>(zero)));
+    return zero ? overZero(n) : n / harmless;
 }
 
 __attribute__((noinline)) int divide(const float* divisors, const float* dividends, float* dst, Index n)
@@ -56,7 +58,8 @@ __attribute__((noinline)) int squareRoot(const float* src, float* dst, Index n)
             using V = decltype(x);
             const Mask<V> ok = x >= V{};
             flagged |= anyTrue(~ok);
-            return ok ? sqrt(ok ? x : V{}) : bitcast<V>(splat<Bits<V>>(kNan));
+            const V harmless = bitcast<V>(bits(x) & bitcast<Bits<V>>(ok));
+            return ok ? sqrt(harmless) : bitcast<V>(splat<Bits<V>>(kNan));
         },
         src);
     return flagged;

@@ -107,6 +107,7 @@ template<int B, class TS, class TD, class Op> QVR_INLINE void convertShort(const
 template<int B, class TS, class TD, class Op> QVR_INLINE void convertBlocks(const TS* src, TD* dst, Index n, Op&& op)
 {
     using V = Vec<TS, B>;
+    static_assert(B * sizeof(TD) >= kVecBytes, "a block must reach the first aligned destination");
     if (n < B)
         return convertShort<B>(src, dst, n, op);
     Index i = 0;

@@ -1,0 +1,28 @@
+// The seven slots, their tables, and which of them this processor runs.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/processor.h"
+#include "morvenqvr.h"
+
+#define QVR_SHARED(name) extern "C" decltype(&Morven_##name) const qvrTable_##name[7];
+#define QVR_OWN(name) QVR_SHARED(name)
+#include "frame/exports.def"
+
+namespace slots {
+
+inline constexpr int kCount = 7;
+inline constexpr const char* kNames[kCount] = {"mx", "m7", "u8", "n8", "y8", "e9", "l9"};
+
+// What the code of a slot may assume of the processor.
+inline constexpr uint64_t kNeeds[kCount] = {0x7, 0xF, 0x1F, 0x3F, 0x5F, 0x35F, 0x835F};
+
+inline bool canRun(int slot)
+{
+    uint64_t have = 0;
+    qvrGetFeatures(&have, nullptr);
+    return (have & kNeeds[slot]) == kNeeds[slot];
+}
+
+} // namespace slots
