@@ -60,7 +60,8 @@ template<class T> struct StageCursor {
 };
 
 // All stages up to length 2^limit, the last of the transform left out, on `points` points.
-template<class T> inline StageCursor<T> runStages(T* area, Index points, int m, int limit, StageCursor<T> at)
+template<class T, class G>
+inline StageCursor<T> runStages(T* area, Index points, int m, int limit, StageCursor<T> at, G groups)
 {
     while (at.s < m) {
         const int radix = nextRadix(m, at.s), order = at.s + orderOf(radix);
@@ -68,10 +69,10 @@ template<class T> inline StageCursor<T> runStages(T* area, Index points, int m, 
             break;
         const Index q = Index{1} << at.s;
         if (radix == 4) {
-            stage<4, kFlatSteps>(area, points, q, at.tw);
+            stage<4, kFlatSteps>(area, points, q, at.tw, groups);
             at.tw += q / kLanes<T> * kRecord<T, 4, kFlatSteps>;
         } else {
-            stage<8, kFlatSteps>(area, points, q, at.tw);
+            stage<8, kFlatSteps>(area, points, q, at.tw, groups);
             at.tw += q / kLanes<T> * kRecord<T, 8, kFlatSteps>;
         }
         at.s = order;
@@ -80,19 +81,20 @@ template<class T> inline StageCursor<T> runStages(T* area, Index points, int m, 
 }
 
 // Everything after the first pass; the last stage writes dst through `to`, which may be the area itself.
-template<class T, class Out> inline void allStages(T* area, T* dst, int m, const T* tw, Out to)
+template<class T, class G, class Out>
+inline void allStages(T* area, T* dst, int m, const T* tw, G groups, Out to)
 {
     const Index points = Index{1} << m, run = Index{1} << (m < kRunOrder ? m : kRunOrder);
     const StageCursor<T> start = {kFirstOrder<T>, tw};
     StageCursor<T> at = start;
     for (Index b = 0; b < points; b += run)
-        at = runStages(area + 2 * b, run, m, kRunOrder, start);
-    at = runStages(area, points, m, m, at);
+        at = runStages(area + 2 * b, run, m, kRunOrder, start, groups);
+    at = runStages(area, points, m, m, at, groups);
     const Index q = Index{1} << at.s;
     if (at.s + 2 == m)
-        stageBlock<4, kFlatSteps>(area, 2 * q, dst, 2 * q, q, at.tw, GroupsIn{}, to);
+        stageBlock<4, kFlatSteps>(area, 2 * q, dst, 2 * q, q, at.tw, groups, to);
     else
-        stageBlock<8, kFlatSteps>(area, 2 * q, dst, 2 * q, q, at.tw, GroupsIn{}, to);
+        stageBlock<8, kFlatSteps>(area, 2 * q, dst, 2 * q, q, at.tw, groups, to);
 }
 
 template<class T> inline bool alignedToVector(const T* p)
@@ -135,7 +137,7 @@ inline void flatTransform(const T* src, T* dst, int m, const T* tw, const int32_
         firstPass<Swap, true>(src, area, m, bitRev);
     else
         firstPass<Swap, false>(src, area, m, bitRev);
-    allStages(area, dst, m, tw, to);
+    allStages(area, dst, m, tw, AreaGroups{}, to);
 }
 
 } // namespace

@@ -13,6 +13,18 @@ namespace {
 
 using Index = int64_t;
 
+// One element at any address.
+template<class T> QVR_INLINE T get(const T* p, Index i)
+{
+    T v;
+    __builtin_memcpy(&v, p + i, sizeof v);
+    return v;
+}
+template<class T> QVR_INLINE void put(T* p, Index i, T v)
+{
+    __builtin_memcpy(p + i, &v, sizeof v);
+}
+
 // A group of points.
 template<class V> struct Cx {
     V re, im;
@@ -91,14 +103,15 @@ template<class V> QVR_INLINE void storePairs(Elem<V>* p, Cx<V> z)
     store(p + lanes<V>, v.v1);
 }
 
-template<class V> QVR_INLINE Cx<V> loadGroup(const Elem<V>* p)
+// Groups of tables and work memory. The wide levels lose nothing by the form for any address.
+template<class V, bool Aligned = !kAvx> QVR_INLINE Cx<V> loadGroup(const Elem<V>* p)
 {
-    return {loadAligned<V>(p), loadAligned<V>(p + lanes<V>)};
+    return {loadIf<Aligned, V>(p), loadIf<Aligned, V>(p + lanes<V>)};
 }
-template<class V> QVR_INLINE void storeGroup(Elem<V>* p, Cx<V> z)
+template<bool Aligned = !kAvx, class V> QVR_INLINE void storeGroup(Elem<V>* p, Cx<V> z)
 {
-    storeAligned(p, z.re);
-    storeAligned(p + lanes<V>, z.im);
+    storeIf<Aligned>(p, z.re);
+    storeIf<Aligned>(p + lanes<V>, z.im);
 }
 
 // Halves exchanged, the load of a vector that is read backwards.
@@ -127,6 +140,21 @@ template<class V> QVR_INLINE Pairs<V> joinReversed(Cx<V> z)
         v.v1 = shuffleBlocks<2, 3, 0, 1>(v.v1);
     }
     return {swapHalves(v.v1), swapHalves(v.v0)};
+}
+
+// The last vector of pairs behind which `next` stands, moved on by one point: the points 1 .. and then `next`.
+template<class V> QVR_INLINE V shiftInPoint(V v, V next)
+{
+    using W = Vec<double, lanes<V> * static_cast<int>(sizeof(Elem<V>)) / 8>;
+    constexpr int step = sizeof(Elem<V>) == 4 ? 1 : 2;
+    return bitcast<V>(shiftedLanes<step>(bitcast<W>(v), bitcast<W>(next)));
+}
+// Back: the last point of `before` and the points of v but the last.
+template<class V> QVR_INLINE V shiftOutPoint(V before, V v)
+{
+    using W = Vec<double, lanes<V> * static_cast<int>(sizeof(Elem<V>)) / 8>;
+    constexpr int step = sizeof(Elem<V>) == 4 ? 1 : 2;
+    return bitcast<V>(shiftedLanes<lanes<W> - step>(bitcast<W>(before), bitcast<W>(v)));
 }
 
 // Square transposition: rows to columns, r[i] lane j to r[j] lane i.

@@ -169,21 +169,22 @@ inline T* fillRecords(T* out, const Quarter<T>& quarter, int order, Index first,
 // ---- Stages ---------------------------------------------------------------------------------------------------------
 
 // Where a stage reads and writes: groups, or pairs of the caller's array (swapped for the inverse, and scaled).
-struct GroupsIn {
-    template<class V> QVR_INLINE Cx<V> get(const Elem<V>* p) const { return loadGroup<V>(p); }
+template<bool Aligned> struct Groups {
+    static constexpr bool aligned = Aligned;
+    template<class V> QVR_INLINE Cx<V> get(const Elem<V>* p) const { return loadGroup<V, Aligned>(p); }
+    template<class V> QVR_INLINE void put(Elem<V>* p, Cx<V> z) const { storeGroup<Aligned>(p, z); }
 };
+using AreaGroups = Groups<!kAvx>; // in memory aligned to the vector
+using AnyGroups = Groups<false>;
 template<bool Swap> struct PairsIn {
     template<class V> QVR_INLINE Cx<V> get(const Elem<V>* p) const { return swapIf<Swap>(loadPairs<V>(p)); }
 };
-struct GroupsOut {
-    template<class V> QVR_INLINE void put(Elem<V>* p, Cx<V> z) const { storeGroup(p, z); }
-};
-template<class T> struct ScaledGroupsOut {
+template<bool Aligned, class T> struct ScaledGroups {
     T factor;
     template<class V> QVR_INLINE void put(Elem<V>* p, Cx<V> z) const
     {
         const V f = splat<V>(factor);
-        storeGroup(p, Cx<V>{z.re * f, z.im * f});
+        storeGroup<Aligned>(p, Cx<V>{z.re * f, z.im * f});
     }
 };
 template<bool Swap> struct PairsOut {
@@ -260,10 +261,10 @@ QVR_INLINE void stageBlock(const T* in, Index inLeg, T* out, Index outLeg, Index
 }
 
 // All blocks of a stage in place, on `points` points.
-template<int R, bool Steps, class T> QVR_INLINE void stage(T* area, Index points, Index q, const T* tw)
+template<int R, bool Steps, class T, class G> QVR_INLINE void stage(T* area, Index points, Index q, const T* tw, G groups)
 {
     for (Index b = 0; b < points; b += R * q)
-        stageBlock<R, Steps>(area + 2 * b, 2 * q, area + 2 * b, 2 * q, q, tw, GroupsIn{}, GroupsOut{});
+        stageBlock<R, Steps>(area + 2 * b, 2 * q, area + 2 * b, 2 * q, q, tw, groups, groups);
 }
 
 // ---- First pass -----------------------------------------------------------------------------------------------------
@@ -324,7 +325,7 @@ QVR_INLINE void firstPass(const T* src, T* area, int m, const int32_t* bitRev)
 }
 
 // The same on input already reversed, in place.
-template<bool Swap, class T> QVR_INLINE void firstPassReversed(T* data, Index points)
+template<bool Swap, class T, class G> QVR_INLINE void firstPassReversed(T* data, Index points, G groups)
 {
     using V = Full<T>;
     constexpr int W = kLanes<T>, R = kFirstRadix<T>, orderR = kFirstOrder<T>;
@@ -360,7 +361,7 @@ template<bool Swap, class T> QVR_INLINE void firstPassReversed(T* data, Index po
             transpose(im);
 #pragma clang loop unroll(full)
             for (int l = 0; l < W; l++)
-                storeGroup(p + 2 * (l * R + g), Cx<V>{re[l], im[l]});
+                groups.put(p + 2 * (l * R + g), Cx<V>{re[l], im[l]});
         }
     }
 }

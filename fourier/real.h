@@ -92,10 +92,10 @@ template<class T> inline qvrStatus forwardPacked(const T* pSrc, T* pDst, const S
     if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
         return status;
     complexTransform<false>(spec, pSrc, pDst, work.p, scale);
-    const T re = pDst[0], im = pDst[1];
-    pDst[0] = re + im;
-    pDst[1] = re - im;
     recombineBy<false>(spec.order >= kFftLimits<T>.twoLevel, pDst, pDst, spec.order - 1, spec.pFwdRecomb);
+    const T re = get(pDst, 0), im = get(pDst, 1);
+    put(pDst, 0, re + im);
+    put(pDst, 1, re - im);
     giveWork(work);
     return qvrOk;
 }
@@ -106,10 +106,10 @@ template<class T> inline qvrStatus forwardCcs(const T* pSrc, T* pDst, const Spec
         return status;
     const Index n = Index{1} << pSpec->order;
     if (n > 1) {
-        pDst[n] = pDst[1];
-        pDst[n + 1] = 0;
+        put(pDst, n, get(pDst, 1));
+        put(pDst, n + 1, T{0});
     }
-    pDst[1] = 0;
+    put(pDst, 1, T{0});
     return qvrOk;
 }
 
@@ -120,9 +120,9 @@ inline qvrStatus forwardTailPacked(const T* pSrc, T* pDst, const SpecType<T>* pS
         return status;
     const Index n = Index{1} << pSpec->order;
     if (n >= 4) {
-        const T last = pDst[1];
+        const T last = get(pDst, 1);
         moveValues(pDst + 2, pDst + 1, n - 2);
-        pDst[n - 1] = last;
+        put(pDst, n - 1, last);
     }
     return qvrOk;
 }
@@ -134,22 +134,22 @@ inline qvrStatus inverseFrom(const T* pSrc, T* pDst, Index lastAt, const SpecTyp
     const bool scale = spec.doInvScale != 0;
     const Index n = Index{1} << spec.order;
     if (classOf<T>(spec.order) == FftClass::real) {
-        const T first = pSrc[0], last = n > 1 ? pSrc[lastAt] : T{0};
+        const T first = get(pSrc, 0), last = n > 1 ? get(pSrc, lastAt) : T{0};
         if (n > 2)
             moveValues(pSrc + 2, pDst + 2, n - 2);
-        pDst[0] = first;
+        put(pDst, 0, first);
         if (n > 1)
-            pDst[1] = last;
+            put(pDst, 1, last);
         realInverseOf<T>(spec.order, pDst, spec.normFactor, scale);
         return qvrOk;
     }
     Work<T> work;
     if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
         return status;
-    const T first = pSrc[0], last = pSrc[lastAt];
+    const T first = get(pSrc, 0), last = get(pSrc, lastAt);
     recombineBy<true>(spec.order >= kFftLimits<T>.twoLevel, pSrc, pDst, spec.order - 1, spec.pInvRecomb);
-    pDst[0] = first + last;
-    pDst[1] = first - last;
+    put(pDst, 0, first + last);
+    put(pDst, 1, first - last);
     complexTransform<true>(spec, pDst, pDst, work.p, scale);
     giveWork(work);
     return qvrOk;
@@ -180,12 +180,12 @@ inline qvrStatus inverseTailPacked(const T* pSrc, T* pDst, const SpecType<T>* pS
     if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
         return status;
     const Index n = Index{1} << spec.order;
-    const T first = pSrc[0], last = pSrc[n - 1];
+    const T first = get(pSrc, 0), last = get(pSrc, n - 1);
     if (n > 2)
         moveValues(pSrc + 1, pDst + 2, n - 2);
-    pDst[0] = first;
+    put(pDst, 0, first);
     if (n > 1)
-        pDst[1] = last;
+        put(pDst, 1, last);
     const qvrStatus status = inverseFrom<T>(pDst, pDst, 1, spec, reinterpret_cast<uint8_t*>(work.p));
     giveWork(work);
     return status;

@@ -96,24 +96,27 @@ template<bool TwoLevel, class V> QVR_INLINE Cx<V> recombinationTwiddle(const Ele
     }
 }
 
+// M >= 2 W. dst[0] and dst[1] are left as they were.
 template<bool Inverse, bool TwoLevel, class T> inline void recombine(const T* src, T* dst, int m, const T* table)
 {
     using V = Full<T>;
-    using S = Vec<T, 1>;
     constexpr int W = kLanes<T>;
     const Index M = Index{1} << m;
-    for (Index k = 1; k < W && k < M / 2; k++) {
-        const Index j = M - k;
-        Cx<S> a = {load<S>(src + 2 * k), load<S>(src + 2 * k + 1)};
-        Cx<S> b = {load<S>(src + 2 * j), load<S>(src + 2 * j + 1)};
-        // Within the first vector the coarse factor is 1.
-        const Cx<S> w = {load<S>(table + 2 * k), load<S>(table + 2 * k + 1)};
-        recombinePair<Inverse, TwoLevel>(a, b, w);
-        store(dst + 2 * k, a.re);
-        store(dst + 2 * k + 1, a.im);
-        store(dst + 2 * j, b.re);
-        store(dst + 2 * j + 1, b.im);
+    // The first group has k = 0 in its first lane, whose partner is itself; it comes out of place and is not kept.
+    const T first[2] = {get(dst, 0), get(dst, 1)};
+    {
+        Cx<V> a = loadPairs<V>(src);
+        const Index j = M - W + 1;
+        const V last = shiftInPoint(load<V>(src + 2 * M - W), load<V>(src));
+        Cx<V> b = splitReversed(load<V>(src + 2 * j), last);
+        recombinePair<Inverse, TwoLevel>(a, b, loadPairs<V>(table));
+        storePairs(dst, a);
+        const Pairs<V> back = joinReversed(b);
+        store(dst + 2 * j, back.v0);
+        store(dst + 2 * M - W, shiftOutPoint(back.v0, back.v1));
     }
+    put(dst, 0, first[0]);
+    put(dst, 1, first[1]);
     for (Index k = W; k < M / 2; k += W) {
         const Index j = M - k - W + 1;
         Cx<V> a = loadPairs<V>(src + 2 * k);
@@ -124,11 +127,8 @@ template<bool Inverse, bool TwoLevel, class T> inline void recombine(const T* sr
         store(dst + 2 * j, back.v0);
         store(dst + 2 * j + W, back.v1);
     }
-    if (M > 1) {
-        const T re = src[M], im = src[M + 1];
-        dst[M] = Inverse ? re * 2 : re;
-        dst[M + 1] = Inverse ? im * -2 : -im;
-    }
+    put(dst, M, Inverse ? 2 * get(src, M) : get(src, M));
+    put(dst, M + 1, Inverse ? -2 * get(src, M + 1) : -get(src, M + 1));
 }
 
 template<bool Inverse, class T>

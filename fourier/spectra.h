@@ -32,14 +32,19 @@ template<bool Conjugate, class T> inline void multiplyPairs(const T* src, T* src
     }
 }
 
+template<class T> QVR_INLINE void multiplyOne(const T* src, T* srcDst, Index i)
+{
+    put(srcDst, i, get(srcDst, i) * get(src, i));
+}
+
 template<class T> inline qvrStatus mulPacked(const T* pSrc, T* pSrcDst, int len)
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pSrcDst))
         return status;
-    pSrcDst[0] *= pSrc[0];
+    multiplyOne(pSrc, pSrcDst, 0);
     const int head = len % 2 == 0 ? 2 : 1;
     if (head == 2)
-        pSrcDst[1] *= pSrc[1];
+        multiplyOne(pSrc, pSrcDst, 1);
     multiplyPairs<false>(pSrc + head, pSrcDst + head, (len - head) / 2);
     return qvrOk;
 }
@@ -48,9 +53,9 @@ template<class T> inline qvrStatus mulTailPackedConj(const T* pSrc, T* pSrcDst, 
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pSrcDst))
         return status;
-    pSrcDst[0] *= pSrc[0];
+    multiplyOne(pSrc, pSrcDst, 0);
     if (len % 2 == 0)
-        pSrcDst[len - 1] *= pSrc[len - 1];
+        multiplyOne(pSrc, pSrcDst, len - 1);
     multiplyPairs<true>(pSrc + 1, pSrcDst + 1, (len - 1) / 2);
     return qvrOk;
 }

@@ -85,11 +85,11 @@ inline void splitTiles(T* data, int m, const T* tw, T* work, In from, Out to)
             if (first && last)
                 run(tile, from, 2 * rowLength, tile, to, 2 * rowLength);
             else if (first)
-                run(tile, from, 2 * rowLength, work, GroupsOut{}, tileStep);
+                run(tile, from, 2 * rowLength, work, AreaGroups{}, tileStep);
             else if (last)
-                run(work, GroupsIn{}, tileStep, tile, to, 2 * rowLength);
+                run(work, AreaGroups{}, tileStep, tile, to, 2 * rowLength);
             else
-                run(work, GroupsIn{}, tileStep, work, GroupsOut{}, tileStep);
+                run(work, AreaGroups{}, tileStep, work, AreaGroups{}, tileStep);
             bits = next;
         }
     }
@@ -114,8 +114,8 @@ template<class T> struct SplitTables {
 };
 
 // Rows and tiles of reversed data; `factor` scales the row results where Scale is set.
-template<bool Swap, bool Scale, class T>
-inline void splitStages(T* data, int m, SplitTables<T> tables, int level, T* work, T factor)
+template<bool Swap, bool Scale, class T, class G>
+inline void splitStages(T* data, int m, SplitTables<T> tables, int level, T* work, T factor, G groups)
 {
     const int f = splitOrder<T>(m), r = m - f;
     const Index rowLength = Index{1} << r;
@@ -123,18 +123,18 @@ inline void splitStages(T* data, int m, SplitTables<T> tables, int level, T* wor
     for (Index row = 0; row < Index{1} << f; row++) {
         T* p = data + 2 * row * rowLength;
         if (nested) {
-            splitStages<Swap, Scale>(p, r, tables, level + 1, work, factor);
+            splitStages<Swap, Scale>(p, r, tables, level + 1, work, factor, groups);
             continue;
         }
-        firstPassReversed<Swap>(p, rowLength);
+        firstPassReversed<Swap>(p, rowLength, groups);
         if (f == 0 && Scale)
-            allStages(p, p, r, tables.rows, ScaledPairsOut<Swap, T>{factor});
+            allStages(p, p, r, tables.rows, groups, ScaledPairsOut<Swap, T>{factor});
         else if (f == 0)
-            allStages(p, p, r, tables.rows, PairsOut<Swap>{});
+            allStages(p, p, r, tables.rows, groups, PairsOut<Swap>{});
         else if (Scale)
-            allStages(p, p, r, tables.rows, ScaledGroupsOut<T>{factor});
+            allStages(p, p, r, tables.rows, groups, ScaledGroups<G::aligned, T>{factor});
         else
-            allStages(p, p, r, tables.rows, GroupsOut{});
+            allStages(p, p, r, tables.rows, groups, groups);
     }
     if (f == 0)
         return;
@@ -142,17 +142,23 @@ inline void splitStages(T* data, int m, SplitTables<T> tables, int level, T* wor
     if (nested)
         splitTiles(data, m, tables.tiles[level], work, PairsIn<Swap>{}, PairsOut<Swap>{});
     else
-        splitTiles(data, m, tables.tiles[level], work, GroupsIn{}, PairsOut<Swap>{});
+        splitTiles(data, m, tables.tiles[level], work, groups, PairsOut<Swap>{});
 }
 
 template<bool Swap, class T>
 inline void splitTransform(const T* src, T* dst, int m, SplitTables<T> tables, T* work, bool scale, T factor)
 {
     reverseBits(src, dst, m, work);
-    if (scale)
-        splitStages<Swap, true>(dst, m, tables, 0, work, factor);
+    const auto run = [&](auto groups) {
+        if (scale)
+            splitStages<Swap, true>(dst, m, tables, 0, work, factor, groups);
+        else
+            splitStages<Swap, false>(dst, m, tables, 0, work, factor, groups);
+    };
+    if (kAvx || !alignedToVector(dst))
+        run(AnyGroups{});
     else
-        splitStages<Swap, false>(dst, m, tables, 0, work, factor);
+        run(AreaGroups{});
 }
 
 } // namespace

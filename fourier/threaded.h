@@ -49,9 +49,9 @@ inline void columns4(const T* src, T* dst, int r, const T* tw, const int32_t* bi
     for (int c = 0; c < 4; c++) {
         T* column = dst + 2 * c * points;
         if (scale)
-            allStages(column, column, r, tw, ScaledGroupsOut<T>{factor});
+            allStages(column, column, r, tw, AreaGroups{}, ScaledGroups<!kAvx, T>{factor});
         else
-            allStages(column, column, r, tw, GroupsOut{});
+            allStages(column, column, r, tw, AreaGroups{}, AreaGroups{});
     }
 }
 

@@ -162,6 +162,16 @@ template<class V> QVR_INLINE V reversedLanes(V v)
     return reversedLanesOf(v, Iota<lanes<V>>{});
 }
 
+// Lanes From .. From + N - 1 of a and b in a row.
+template<int From, class V, int... I> QVR_INLINE V shiftedLanesOf(V a, V b, Indices<I...>)
+{
+    return __builtin_shufflevector(a, b, (From + I)...);
+}
+template<int From, class V> QVR_INLINE V shiftedLanes(V a, V b)
+{
+    return shiftedLanesOf<From>(a, b, Iota<lanes<V>>{});
+}
+
 // Even and odd lanes of two vectors taken one behind the other.
 template<int From, class V, int... I> QVR_INLINE V unzipLanes(V a, V b, Indices<I...>)
 {
@@ -218,6 +228,14 @@ template<class V> QVR_INLINE void store(void* p, V v)
 template<class V> QVR_INLINE void storeAligned(void* p, V v)
 {
     store(__builtin_assume_aligned(p, sizeof(V) < kVecBytes ? sizeof(V) : kVecBytes), v);
+}
+
+template<bool Aligned, class V> QVR_INLINE void storeIf(void* p, V v)
+{
+    if constexpr (Aligned)
+        storeAligned(p, v);
+    else
+        store(p, v);
 }
 
 // Past the caches, to an aligned address; streamFence orders it before later stores.
