@@ -108,7 +108,7 @@ template<class T, int N> QVR_INLINE void realForward(const T* src, T* dst, T fac
 #pragma clang loop unroll(full)
         for (int k = 1; k < M / 2; k++) {
             // X[k] = (a + conj b)/2 - i w (a - conj b)/2
-            const Cx<S> a = z[k], b = z[M - k], w = constantTwiddle<S>(k, N);
+            const Cx<S> a = z[k], b = z[M - k], w = constantTwiddle<N, S>(k);
             const Cx<S> even = {(a.re + b.re) * half, (a.im - b.im) * half};
             const Cx<S> odd = Cx<S>{(a.im + b.im) * half, (b.re - a.re) * half} * w;
             put(2 * k, even.re + odd.re);
@@ -141,7 +141,7 @@ template<class T, int N> QVR_INLINE void realInverse(T* p, T factor, bool scale)
             // 2 Z[k] = a + conj b + i conj(w) (a - conj b)
             const Cx<S> a = {load<S>(p + 2 * k), load<S>(p + 2 * k + 1)};
             const Cx<S> b = {load<S>(p + 2 * (M - k)), load<S>(p + 2 * (M - k) + 1)};
-            const Cx<S> t = constantTwiddle<S>(k, N), w = {t.re, -t.im};
+            const Cx<S> t = constantTwiddle<N, S>(k), w = {t.re, -t.im};
             const Cx<S> even = {a.re + b.re, a.im - b.im}, d = Cx<S>{a.re - b.re, a.im + b.im} * w;
             z[k] = {even.im + d.re, even.re - d.im};
             z[M - k] = {d.re - even.im, even.re + d.im};

@@ -61,9 +61,24 @@ template<class C> QVR_INLINE void dft8(C* x)
     x[7] = e3 - o3;
 }
 
-template<class V> QVR_INLINE Cx<V> constantTwiddle(int k, int n)
+// exp(-2 pi i k / n) as a table of the compiler.
+template<class T, int N> struct Circle {
+    T re[N], im[N];
+};
+template<class T, int N> constexpr Circle<T, N> makeCircle()
 {
-    return {splat<V>(static_cast<Elem<V>>(constantCosine(k, n))), splat<V>(static_cast<Elem<V>>(-constantSine(k, n)))};
+    Circle<T, N> c{};
+    for (int k = 0; k < N; k++) {
+        c.re[k] = static_cast<T>(constantCosine(k, N));
+        c.im[k] = static_cast<T>(-constantSine(k, N));
+    }
+    return c;
+}
+template<class T, int N> constexpr Circle<T, N> kCircle = makeCircle<T, N>();
+
+template<int N, class V> QVR_INLINE Cx<V> constantTwiddle(int k)
+{
+    return {splat<V>(kCircle<Elem<V>, N>.re[k]), splat<V>(kCircle<Elem<V>, N>.im[k])};
 }
 
 // Transform of sixteen points in natural order, as 4 by 4: columns, twiddles, rows.
@@ -73,7 +88,7 @@ template<class C> QVR_INLINE void dft16(C* x)
 #pragma clang loop unroll(full)
     for (int j = 0; j < 4; j++)
         dft4(x[j], x[j + 4], x[j + 8], x[j + 12]);
-    const C w1 = constantTwiddle<V>(1, 16), w3 = constantTwiddle<V>(3, 16), w9 = constantTwiddle<V>(9, 16);
+    const C w1 = constantTwiddle<16, V>(1), w3 = constantTwiddle<16, V>(3), w9 = constantTwiddle<16, V>(9);
     C r[4][4];
     r[0][0] = x[0], r[0][1] = x[1], r[0][2] = x[2], r[0][3] = x[3];
     r[1][0] = x[4], r[1][1] = x[5] * w1, r[1][2] = eighthTurn(x[6]), r[1][3] = x[7] * w3;

@@ -105,10 +105,8 @@ template<bool Inverse, bool TwoLevel, class T> inline void recombine(const T* sr
     // The first group has k = 0 in its first lane, whose partner is itself; it comes out of place and is not kept.
     const T first[2] = {get(dst, 0), get(dst, 1)};
     {
-        Cx<V> a = loadPairs<V>(src);
         const Index j = M - W + 1;
-        const V last = shiftInPoint(load<V>(src + 2 * M - W), load<V>(src));
-        Cx<V> b = splitReversed(load<V>(src + 2 * j), last);
+        Cx<V> a = loadPairs<V>(src), b = splitBackwards<V>(src + 2 * M, load<Vec<T, 2>>(src));
         recombinePair<Inverse, TwoLevel>(a, b, loadPairs<V>(table));
         storePairs(dst, a);
         const Pairs<V> back = joinReversed(b);
@@ -120,7 +118,8 @@ template<bool Inverse, bool TwoLevel, class T> inline void recombine(const T* sr
     for (Index k = W; k < M / 2; k += W) {
         const Index j = M - k - W + 1;
         Cx<V> a = loadPairs<V>(src + 2 * k);
-        Cx<V> b = splitReversed(load<V>(src + 2 * j), load<V>(src + 2 * j + W));
+        const T* end = src + 2 * (M - k);
+        Cx<V> b = splitBackwards<V>(end, load<Vec<T, 2>>(end));
         recombinePair<Inverse, TwoLevel>(a, b, recombinationTwiddle<TwoLevel, V>(table, k));
         storePairs(dst + 2 * k, a);
         const Pairs<V> back = joinReversed(b);
