@@ -123,37 +123,16 @@ template<class V> QVR_INLINE V swapHalves(V v)
         return v;
 }
 
-// The group of points end[-laneIndex(l)], `first` being end[0]. It is put together from aligned 16-byte blocks: loads
-// across the boundary of two vectors just stored would wait for both to reach the cache.
-template<class V> QVR_INLINE Cx<V> splitBackwards(const Elem<V>* end, Vec<Elem<V>, 2> first)
+// Pairs in rising order to the group that has the last point first, and back.
+template<class V> QVR_INLINE Cx<V> splitReversed(Pairs<V> v)
 {
-    using T = Elem<V>;
-    if constexpr (sizeof(T) == 8) {
-        using P = Vec<T, 2>;
-        if constexpr (lanes<V> == 2)
-            return split(first, load<P>(end - 2));
-        else
-            return split(concat(first, load<P>(end - 2)), concat(load<P>(end - 4), load<P>(end - 6)));
+    if constexpr (sizeof(Elem<V>) == 4) {
+        using P = Vec<double, static_cast<int>(sizeof(V) / 8)>;
+        return split(bitcast<V>(reversedLanes(bitcast<P>(v.v1))), bitcast<V>(reversedLanes(bitcast<P>(v.v0))));
     } else {
-        using B = Vec<T, 4>;
-        const auto block = [&](int i) { return load<B>(end - 4 * i); };
-        const B head = concat(first, first);
-        // (end[-1], end[0]) and so on: the second point of one block, the first of the one behind it.
-        const auto across = [](auto low, auto high) { return __builtin_shufflevector(low, high, 2, 3, 4, 5); };
-        if constexpr (lanes<V> == 4) {
-            const B b1 = block(1), v0 = across(b1, head), v1 = across(block(2), b1);
-            return {shuffleBlocks<2, 0, 6, 4>(v0, v1), shuffleBlocks<3, 1, 7, 5>(v0, v1)};
-        } else {
-            const B b1 = block(1), b2 = block(2), b3 = block(3), b4 = block(4);
-            const auto acrossWide = [](V low, V high) {
-                return __builtin_shufflevector(low, high, 2, 3, 8, 9, 6, 7, 12, 13);
-            };
-            const V v0 = acrossWide(concat(b1, b2), concat(head, b1)), v1 = acrossWide(concat(b3, b4), concat(b2, b3));
-            return {shuffleBlocks<2, 0, 6, 4>(v0, v1), shuffleBlocks<3, 1, 7, 5>(v0, v1)};
-        }
+        return split(swapHalves(v.v1), swapHalves(v.v0));
     }
 }
-// Back to pairs in rising order.
 template<class V> QVR_INLINE Pairs<V> joinReversed(Cx<V> z)
 {
     using P = Vec<double, static_cast<int>(sizeof(V) / 8)>;
@@ -164,6 +143,13 @@ template<class V> QVR_INLINE Pairs<V> joinReversed(Cx<V> z)
         return {swapHalves(v.v1), swapHalves(v.v0)};
 }
 
+// The points of v but the first, and then the first one of `next`.
+template<class V> QVR_INLINE V shiftInPoint(V v, V next)
+{
+    using W = Vec<double, lanes<V> * static_cast<int>(sizeof(Elem<V>)) / 8>;
+    constexpr int step = sizeof(Elem<V>) == 4 ? 1 : 2;
+    return bitcast<V>(shiftedLanes<step>(bitcast<W>(v), bitcast<W>(next)));
+}
 // The last point of `before` and the points of v but the last.
 template<class V> QVR_INLINE V shiftOutPoint(V before, V v)
 {

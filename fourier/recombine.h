@@ -106,7 +106,8 @@ template<bool Inverse, bool TwoLevel, class T> inline void recombine(const T* sr
     const T first[2] = {get(dst, 0), get(dst, 1)};
     {
         const Index j = M - W + 1;
-        Cx<V> a = loadPairs<V>(src), b = splitBackwards<V>(src + 2 * M, load<Vec<T, 2>>(src));
+        const V last = shiftInPoint(load<V>(src + 2 * M - W), load<V>(src));
+        Cx<V> a = loadPairs<V>(src), b = splitReversed(Pairs<V>{load<V>(src + 2 * j), last});
         recombinePair<Inverse, TwoLevel>(a, b, loadPairs<V>(table));
         storePairs(dst, a);
         const Pairs<V> back = joinReversed(b);
@@ -118,8 +119,7 @@ template<bool Inverse, bool TwoLevel, class T> inline void recombine(const T* sr
     for (Index k = W; k < M / 2; k += W) {
         const Index j = M - k - W + 1;
         Cx<V> a = loadPairs<V>(src + 2 * k);
-        const T* end = src + 2 * (M - k);
-        Cx<V> b = splitBackwards<V>(end, load<Vec<T, 2>>(end));
+        Cx<V> b = splitReversed(Pairs<V>{load<V>(src + 2 * j), load<V>(src + 2 * j + W)});
         recombinePair<Inverse, TwoLevel>(a, b, recombinationTwiddle<TwoLevel, V>(table, k));
         storePairs(dst + 2 * k, a);
         const Pairs<V> back = joinReversed(b);
