@@ -22,52 +22,80 @@ QVR_INLINE Index reverseIndex(Index i, int bits)
                      : static_cast<Index>(__builtin_bitreverse64(static_cast<uint64_t>(i)) >> (64 - bits));
 }
 
-// The rows of a tile: 2^k rows of 2^k points, `step` points apart.
-template<class T> inline void reverseTile(const T* src, Index srcStep, T* dst, Index dstStep, int k)
+// Points to a vector, and vectors of points as whole pieces: rows to columns.
+template<class T> constexpr int kVecPoints = kLanes<T> / 2;
+template<class T> QVR_INLINE void transposePoints(Full<double>* r)
 {
-    const Index side = Index{1} << k;
-    for (Index r = 0; r < side; r++) {
-        const T* column = src + 2 * reverseIndex(r, k);
-        for (Index c = 0; c < side; c++)
-            store(dst + 2 * (r * dstStep + c), load<Point<T>>(column + 2 * reverseIndex(c, k) * srcStep));
+    if constexpr (sizeof(T) == 4) {
+        transpose(r);
+    } else if constexpr (kVecPoints<T> == 2) {
+        const Full<double> a = r[0], b = r[1];
+        r[0] = concat(lo(a), lo(b));
+        r[1] = concat(hi(a), hi(b));
     }
 }
 
-// Copies a tile row by row to or from a dense area.
-template<class T> inline void copyTile(const T* src, Index srcStep, T* dst, Index dstStep, Index side)
+constexpr int8_t kReversed6[64] = {
+    0, 32, 16, 48, 8,  40, 24, 56, 4, 36, 20, 52, 12, 44, 28, 60, 2, 34, 18, 50, 10, 42, 26, 58, 6, 38, 22, 54, 14, 46, 30, 62,
+    1, 33, 17, 49, 9,  41, 25, 57, 5, 37, 21, 53, 13, 45, 29, 61, 3, 35, 19, 51, 11, 43, 27, 59, 7, 39, 23, 55, 15, 47, 31, 63};
+
+// dst[rev j][c] = src[rev c][j] over a dense tile of 2^K rows of 2^K points.
+template<int K, class T> inline void reverseTile(const T* src, T* dst, Index dstStep)
 {
-    using V = Full<T>;
-    for (Index r = 0; r < side; r++)
-        for (Index c = 0; c < 2 * side; c += kLanes<T>)
-            store(dst + 2 * r * dstStep + c, load<V>(src + 2 * r * srcStep + c));
+    constexpr Index side = Index{1} << K;
+    constexpr int P = kVecPoints<T>, drop = kTileBits - K;
+    using V = Full<double>;
+    for (Index j = 0; j < side; j += P)
+        for (Index c = 0; c < side; c += P) {
+            V r[P];
+#pragma clang loop unroll(full)
+            for (int i = 0; i < P; i++)
+                r[i] = load<V>(src + 2 * ((kReversed6[c + i] >> drop) * side + j));
+            transposePoints<T>(r);
+#pragma clang loop unroll(full)
+            for (int i = 0; i < P; i++)
+                store(dst + 2 * ((kReversed6[j + i] >> drop) * dstStep + c), r[i]);
+        }
 }
 
-// dst = src reversed; dst may be src. `work` holds two tiles of 2^(2k) points.
-template<class T> inline void reverseByTiles(const T* src, T* dst, int m, int k, T* work)
+// Copies the rows of a tile, `step` points apart, to a dense area.
+template<int K, class T> inline void gatherTile(const T* src, Index step, T* tile)
 {
-    const int middleBits = m - 2 * k;
-    const Index side = Index{1} << k, rowStep = Index{1} << (m - k), middles = Index{1} << middleBits;
+    using V = Full<T>;
+    constexpr Index side = Index{1} << K;
+    for (Index r = 0; r < side; r++)
+#pragma clang loop unroll_count(8)
+        for (Index c = 0; c < 2 * side; c += kLanes<T>)
+            store(tile + 2 * r * side + c, load<V>(src + 2 * r * step + c));
+}
+
+// dst = src reversed; dst may be src. `work` holds two tiles.
+template<int K, class T> inline void reverseByTiles(const T* src, T* dst, int m, T* work)
+{
+    const int middleBits = m - 2 * K;
+    constexpr Index side = Index{1} << K;
+    const Index rowStep = Index{1} << (m - K), middles = Index{1} << middleBits;
     T *const first = work, *const second = work + 2 * side * side;
     for (Index i = 0; i < middles; i++) {
         const Index r = reverseIndex(i, middleBits);
         if (r < i)
             continue;
-        copyTile(src + 2 * i * side, rowStep, first, side, side);
+        gatherTile<K>(src + 2 * i * side, rowStep, first);
         if (r != i) {
-            copyTile(src + 2 * r * side, rowStep, second, side, side);
-            reverseTile(second, side, dst + 2 * i * side, rowStep, k);
+            gatherTile<K>(src + 2 * r * side, rowStep, second);
+            reverseTile<K>(second, dst + 2 * i * side, rowStep);
         }
-        reverseTile(first, side, dst + 2 * r * side, rowStep, k);
+        reverseTile<K>(first, dst + 2 * r * side, rowStep);
     }
 }
 
 template<class T> inline void reverseBits(const T* src, T* dst, int m, T* work)
 {
-    if (m >= kTiledFrom)
-        reverseByTiles(src, dst, m, kTileBits, work);
-    else {
+    if (m >= kTiledFrom) {
+        reverseByTiles<kTileBits>(src, dst, m, work);
+    } else {
         alignas(64) T tiles[2 * 2 * 64];
-        reverseByTiles(src, dst, m, 3, tiles);
+        reverseByTiles<3>(src, dst, m, tiles);
     }
 }
 
