@@ -59,6 +59,11 @@ template<class T> struct StageCursor {
     const T* tw; // records of the next stage
 };
 
+template<class T, int R> constexpr Index stageRecords(Index q)
+{
+    return q / kLanes<T> * kRecord<T, R, kFlatSteps>;
+}
+
 // All stages up to length 2^limit, the last of the transform left out, on `points` points.
 template<class T, class G>
 inline StageCursor<T> runStages(T* area, Index points, int m, int limit, StageCursor<T> at, G groups)
@@ -70,14 +75,48 @@ inline StageCursor<T> runStages(T* area, Index points, int m, int limit, StageCu
         const Index q = Index{1} << at.s;
         if (radix == 4) {
             stage<4, kFlatSteps>(area, points, q, at.tw, groups);
-            at.tw += q / kLanes<T> * kRecord<T, 4, kFlatSteps>;
+            at.tw += stageRecords<T, 4>(q);
         } else {
             stage<8, kFlatSteps>(area, points, q, at.tw, groups);
-            at.tw += q / kLanes<T> * kRecord<T, 8, kFlatSteps>;
+            at.tw += stageRecords<T, 8>(q);
         }
         at.s = order;
     }
     return at;
+}
+
+// Two stages in one pass over the array: strips of columns go through a dense tile, which also keeps rows a power of
+// two apart from evicting each other.
+constexpr Index kStripBytes = 256;
+
+template<int R1, int R2, class T, class In, class Out>
+inline void stagePair(const T* in, T* out, Index points, Index q, const T* tw, In from, Out to)
+{
+    constexpr Index columns = kStripBytes / static_cast<Index>(2 * sizeof(T));
+    alignas(64) T tile[2 * R1 * R2 * columns];
+    const T* second = tw + stageRecords<T, R1>(q);
+    for (Index b = 0; b < points; b += R1 * R2 * q)
+        for (Index k = 0; k < q; k += columns) {
+            for (int g = 0; g < R2; g++)
+                stageBlock<R1, kFlatSteps>(in + 2 * (b + g * R1 * q + k), 2 * q, tile + 2 * g * R1 * columns,
+                                           2 * columns, columns, tw + stageRecords<T, R1>(k), from, AreaGroups{});
+            for (int c = 0; c < R1; c++)
+                stageBlock<R2, kFlatSteps>(tile + 2 * c * columns, 2 * R1 * columns, out + 2 * (b + c * q + k),
+                                           2 * R1 * q, columns, second + stageRecords<T, R2>(c * q + k), AreaGroups{},
+                                           to);
+        }
+}
+template<class T, class In, class Out>
+inline void stagePairOf(int r1, int r2, const T* in, T* out, Index points, Index q, const T* tw, In from, Out to)
+{
+    if (r1 == 4 && r2 == 4)
+        stagePair<4, 4>(in, out, points, q, tw, from, to);
+    else if (r1 == 4)
+        stagePair<4, 8>(in, out, points, q, tw, from, to);
+    else if (r2 == 4)
+        stagePair<8, 4>(in, out, points, q, tw, from, to);
+    else
+        stagePair<8, 8>(in, out, points, q, tw, from, to);
 }
 
 // Everything after the first pass; the last stage writes dst through `to`, which may be the area itself.
@@ -89,12 +128,24 @@ inline void allStages(T* area, T* dst, int m, const T* tw, G groups, Out to)
     StageCursor<T> at = start;
     for (Index b = 0; b < points; b += run)
         at = runStages(area + 2 * b, run, m, kRunOrder, start, groups);
-    at = runStages(area, points, m, m, at, groups);
-    const Index q = Index{1} << at.s;
-    if (at.s + 2 == m)
-        stageBlock<4, kFlatSteps>(area, 2 * q, dst, 2 * q, q, at.tw, groups, to);
-    else
-        stageBlock<8, kFlatSteps>(area, 2 * q, dst, 2 * q, q, at.tw, groups, to);
+    while (at.s < m) {
+        const Index q = Index{1} << at.s;
+        const int r1 = nextRadix(m, at.s), next = at.s + orderOf(r1);
+        if (next == m) {
+            if (r1 == 4)
+                stageBlock<4, kFlatSteps>(area, 2 * q, dst, 2 * q, q, at.tw, groups, to);
+            else
+                stageBlock<8, kFlatSteps>(area, 2 * q, dst, 2 * q, q, at.tw, groups, to);
+            return;
+        }
+        const int r2 = nextRadix(m, next);
+        const Index records = (r1 == 4 ? stageRecords<T, 4>(q) : stageRecords<T, 8>(q)) +
+                              (r2 == 4 ? stageRecords<T, 4>(q * r1) : stageRecords<T, 8>(q * r1));
+        if (next + orderOf(r2) == m)
+            return stagePairOf(r1, r2, area, dst, points, q, at.tw, groups, to);
+        stagePairOf(r1, r2, area, area, points, q, at.tw, groups, groups);
+        at = {next + orderOf(r2), at.tw + records};
+    }
 }
 
 template<class T> inline bool alignedToVector(const T* p)
@@ -129,16 +180,22 @@ template<class T> constexpr Index flatWork(int m)
 }
 
 // One whole flat transform. The passes run in an aligned destination that is not the source, else in the work memory.
-template<bool Swap, class T, class Out>
-inline void flatTransform(const T* src, T* dst, int m, const T* tw, const int32_t* bitRev, T* work, Out to)
+template<bool Swap, class T, class Reversed, class G, class Out>
+inline void flatTransform(const T* src, T* dst, int m, const T* tw, const Reversed& reversed, T* work, G groups, Out to)
 {
     T* area = src != dst && alignedToVector(dst) ? dst : work;
     if (!kAvx && alignedToVector(src))
-        firstPass<Swap, true>(src, area, m, bitRev);
+        firstPass<Swap, true>(src, area, m, reversed);
     else
-        firstPass<Swap, false>(src, area, m, bitRev);
-    allStages(area, dst, m, tw, AreaGroups{}, to);
+        firstPass<Swap, false>(src, area, m, reversed);
+    allStages(area, dst, m, tw, groups, to);
 }
+
+// The reversal by the table of a 2^m transform: over log2(M/R) bits of i it is that over m - 2 bits of i R / 4.
+template<class T> struct TableReversal {
+    const int32_t* bitRev;
+    QVR_INLINE Index operator()(Index i) const { return bitRev[i * (kFirstRadix<T> / 4)] / 2; }
+};
 
 } // namespace
 

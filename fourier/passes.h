@@ -317,10 +317,9 @@ template<class T, class Place> QVR_INLINE void scatterTransposed(const Cx<Full<T
     }
 }
 
-// src in natural order, legs M/R apart; bitRev as in the object of a 2^m transform: entry i holds 2 rev(i) over m - 2
-// bits, so entry 4i / R * R ... of the low indices is the reversal over fewer bits.
-template<bool Swap, bool Aligned, class T>
-QVR_INLINE void firstPass(const T* src, T* area, int m, const int32_t* bitRev)
+// src in natural order, legs M/R apart; reversed(i) is the reversal of a leg index over its log2(M/R) bits.
+template<bool Swap, bool Aligned, class T, class Reversed>
+inline void firstPass(const T* src, T* area, int m, const Reversed& reversed)
 {
     using V = Full<T>;
     constexpr int W = kLanes<T>, R = kFirstRadix<T>;
@@ -333,8 +332,7 @@ QVR_INLINE void firstPass(const T* src, T* area, int m, const int32_t* bitRev)
         for (int c = 0; c < R; c++)
             x[c] = swapIf<Swap>(loadPairs<V, Aligned>(src + 2 * (i + c * legs)));
         dft<R>(x);
-        // rev over log2(legs) bits of i is rev over m - 2 bits of i R / 4.
-        T* base = area + Index{bitRev[i * (R / 4)]} * R;
+        T* base = area + 2 * R * reversed(i);
         scatterTransposed<T>(x, [&](int l) { return base + reversedBits(l, laneBits) * laneStep; });
     }
 }

@@ -35,10 +35,11 @@ inline void complexTransform(const SpecType<T>& spec, const T* src, T* dst, T* w
         firstGenTransform<Inverse>(src, dst, m, spec.pBitRev, tables, work, scale, factor);
     } else if (c == FftClass::flat) {
         if (scale)
-            flatTransform<Inverse>(src, dst, m, spec.pTwiddle, spec.pBitRev, work,
+            flatTransform<Inverse>(src, dst, m, spec.pTwiddle, TableReversal<T>{spec.pBitRev}, work, AreaGroups{},
                                    ScaledPairsOut<Inverse, T>{factor});
         else
-            flatTransform<Inverse>(src, dst, m, spec.pTwiddle, spec.pBitRev, work, PairsOut<Inverse>{});
+            flatTransform<Inverse>(src, dst, m, spec.pTwiddle, TableReversal<T>{spec.pBitRev}, work, AreaGroups{},
+                                   PairsOut<Inverse>{});
     } else if (c == FftClass::threaded) {
         if constexpr (kThreadedBand)
             bandTransform<Inverse>(src, dst, m, spec.pTwiddle, spec.pSweepTwiddle, spec.pBitRev, work, scale, factor,

@@ -92,11 +92,36 @@ template<int K, class T> inline void reverseByTiles(const T* src, T* dst, int m,
 template<class T> inline void reverseBits(const T* src, T* dst, int m, T* work)
 {
     if (m >= kTiledFrom) {
-        reverseByTiles<kTileBits>(src, dst, m, work);
+        // Copied first: two arrays at once would double the pages that a pair of tiles touches.
+        if (src != dst)
+            __builtin_memcpy(dst, src, (sizeof(T) * 2) << m);
+        reverseByTiles<kTileBits>(dst, dst, m, work);
     } else {
         alignas(64) T tiles[2 * 2 * 64];
         reverseByTiles<3>(src, dst, m, tiles);
     }
+}
+
+// The points n = residue mod 2^f of 2^m to the row of the reversed residue, in order: what reversal does to rows, with
+// the points of a row left in natural order. Each row gets a cache line at a time.
+template<class T> inline void dealRows(const T* src, T* dst, int m, int f)
+{
+    constexpr int P = kVecPoints<T>, L = static_cast<int>(64 / (2 * sizeof(T)));
+    using V = Full<double>;
+    const Index rows = Index{1} << f, length = Index{1} << (m - f);
+    for (Index n = 0; n < length; n += L)
+        for (Index residue = 0; residue < rows; residue += P)
+#pragma clang loop unroll(full)
+            for (int j = 0; j < L; j += P) {
+                V r[P];
+#pragma clang loop unroll(full)
+                for (int i = 0; i < P; i++)
+                    r[i] = load<V>(src + 2 * ((n + j + i) * rows + residue));
+                transposePoints<T>(r);
+#pragma clang loop unroll(full)
+                for (int i = 0; i < P; i++)
+                    store(dst + 2 * (reverseIndex(residue + i, f) * length + n + j), r[i]);
+            }
 }
 
 } // namespace

@@ -113,9 +113,23 @@ template<class T> struct SplitTables {
     const T* const* tiles;
 };
 
-// Rows and tiles of reversed data; `factor` scales the row results where Scale is set.
+// Bits reversed, or only the points dealt to their rows in natural order.
+enum class RowInput { reversed, natural };
+
+// Rows and tiles; `factor` scales the row results where Scale is set.
+template<bool Swap, class T, class G, class Out>
+inline void splitRow(T* row, int r, const T* tw, RowInput input, T* work, G groups, Out to)
+{
+    if (input == RowInput::natural) {
+        const auto reversed = [&](Index i) { return reverseIndex(i, r - kFirstOrder<T>); };
+        return flatTransform<Swap>(row, row, r, tw, reversed, work, groups, to);
+    }
+    firstPassReversed<Swap>(row, Index{1} << r, groups);
+    allStages(row, row, r, tw, groups, to);
+}
+
 template<bool Swap, bool Scale, class T, class G>
-inline void splitStages(T* data, int m, SplitTables<T> tables, int level, T* work, T factor, G groups)
+inline void splitStages(T* data, int m, SplitTables<T> tables, int level, RowInput input, T* work, T factor, G groups)
 {
     const int f = splitOrder<T>(m), r = m - f;
     const Index rowLength = Index{1} << r;
@@ -123,18 +137,17 @@ inline void splitStages(T* data, int m, SplitTables<T> tables, int level, T* wor
     for (Index row = 0; row < Index{1} << f; row++) {
         T* p = data + 2 * row * rowLength;
         if (nested) {
-            splitStages<Swap, Scale>(p, r, tables, level + 1, work, factor, groups);
+            splitStages<Swap, Scale>(p, r, tables, level + 1, input, work, factor, groups);
             continue;
         }
-        firstPassReversed<Swap>(p, rowLength, groups);
         if (f == 0 && Scale)
-            allStages(p, p, r, tables.rows, groups, ScaledPairsOut<Swap, T>{factor});
+            splitRow<Swap>(p, r, tables.rows, input, work, groups, ScaledPairsOut<Swap, T>{factor});
         else if (f == 0)
-            allStages(p, p, r, tables.rows, groups, PairsOut<Swap>{});
+            splitRow<Swap>(p, r, tables.rows, input, work, groups, PairsOut<Swap>{});
         else if (Scale)
-            allStages(p, p, r, tables.rows, groups, ScaledGroups<G::aligned, T>{factor});
+            splitRow<Swap>(p, r, tables.rows, input, work, groups, ScaledGroups<G::aligned, T>{factor});
         else
-            allStages(p, p, r, tables.rows, groups, groups);
+            splitRow<Swap>(p, r, tables.rows, input, work, groups, groups);
     }
     if (f == 0)
         return;
@@ -145,15 +158,25 @@ inline void splitStages(T* data, int m, SplitTables<T> tables, int level, T* wor
         splitTiles(data, m, tables.tiles[level], work, groups, PairsOut<Swap>{});
 }
 
+// Rows up to this size are dealt in natural order; of longer ones, row and work area together would fall out of the
+// second-level cache.
+constexpr Index kNaturalRowBytes = 256 * 1024;
+
 template<bool Swap, class T>
 inline void splitTransform(const T* src, T* dst, int m, SplitTables<T> tables, T* work, bool scale, T factor)
 {
-    reverseBits(src, dst, m, work);
+    const int f = splitOrder<T>(m);
+    const bool deals = src != dst && f > 0 && !rowSplits<T>(m - f) && flatWork<T>(m - f) <= kNaturalRowBytes;
+    const RowInput input = deals ? RowInput::natural : RowInput::reversed;
+    if (input == RowInput::natural)
+        dealRows(src, dst, m, f);
+    else
+        reverseBits(src, dst, m, work);
     const auto run = [&](auto groups) {
         if (scale)
-            splitStages<Swap, true>(dst, m, tables, 0, work, factor, groups);
+            splitStages<Swap, true>(dst, m, tables, 0, input, work, factor, groups);
         else
-            splitStages<Swap, false>(dst, m, tables, 0, work, factor, groups);
+            splitStages<Swap, false>(dst, m, tables, 0, input, work, factor, groups);
     };
     if (kAvx || !alignedToVector(dst))
         run(AnyGroups{});
