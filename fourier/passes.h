@@ -317,6 +317,11 @@ template<class T, class Place> QVR_INLINE void scatterTransposed(const Cx<Full<T
     }
 }
 
+// The places of the results jump through the whole array, which no hardware prefetcher follows: from this order on they
+// are fetched this many vectors of indices ahead.
+constexpr int kPrefetchFrom = 15;
+constexpr Index kPrefetchAhead = 2;
+
 // src in natural order, legs M/R apart; reversed(i) is the reversal of a leg index over its log2(M/R) bits.
 template<bool Swap, bool Aligned, class T, class Reversed>
 inline void firstPass(const T* src, T* area, int m, const Reversed& reversed)
@@ -326,11 +331,20 @@ inline void firstPass(const T* src, T* area, int m, const Reversed& reversed)
     constexpr int laneBits = W == 8 ? 3 : W == 4 ? 2 : 1;
     const Index legs = (Index{1} << m) / R;        // indices
     const Index laneStep = 2 * R * (legs / W);     // elements between the places of neighbouring reversed lanes
+    const Index ahead = m >= kPrefetchFrom ? kPrefetchAhead * W : 0;
     for (Index i = 0; i < legs; i += W) {
         Cx<V> x[R];
 #pragma clang loop unroll(full)
         for (int c = 0; c < R; c++)
             x[c] = swapIf<Swap>(loadPairs<V, Aligned>(src + 2 * (i + c * legs)));
+        if (ahead != 0) {
+            const T* later = area + 2 * R * reversed((i + ahead) & (legs - 1));
+#pragma clang loop unroll(full)
+            for (int l = 0; l < W; l++)
+#pragma clang loop unroll(full)
+                for (int line = 0; line < static_cast<int>(2 * R * sizeof(T)); line += 64)
+                    __builtin_prefetch(reinterpret_cast<const char*>(later + l * laneStep) + line, 1);
+        }
         dft<R>(x);
         T* base = area + 2 * R * reversed(i);
         scatterTransposed<T>(x, [&](int l) { return base + reversedBits(l, laneBits) * laneStep; });
