@@ -341,6 +341,14 @@ template<class V> QVR_INLINE V subAdd(V a, V b)
 // must not come here.
 template<class To, class From> QVR_INLINE Vec<To, lanes<From>> convert(From v)
 {
+    // Below SSE4.1 nothing extends a sign: 16 bits come in as the upper half of 32 and are shifted down. Seeing that,
+    // the compiler would take whatever a register holds for the lower half, and wait for it.
+    if constexpr (!kSse41 && sizeof(Elem<From>) == 2 && Elem<From>(-1) < 0 && sizeof(To) >= 4 && lanes<From> == 8) {
+        using Wide = Vec<int32_t, 4>;
+        Wide low = bitcast<Wide>(zipLo(v, v)), high = bitcast<Wide>(zipHi(v, v));
+        __asm__("" : "+x"(low), "+x"(high));
+        return concat(convert<To>(low >> 16), convert<To>(high >> 16));
+    }
     return __builtin_convertvector(v, Vec<To, lanes<From>>);
 }
 

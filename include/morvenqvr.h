@@ -557,6 +557,134 @@ qvrStatus Morven_qvrsWinBlackmanStd_32f_I(qvr32f* pSrcDst, int len);
 
 /** @} */
 
+/**
+ * @defgroup iir Recursive (IIR) filters
+ *
+ * A filter of order L with taps b[0..L] and a[0..L]:
+ * y[n] = (sum of b[k] x[n - k] for k = 0..L, minus the sum of a[k] y[n - k] for k = 1..L) / a[0].
+ *
+ * A state belongs to the caller from creation to release, keeps the delay line from run to run, so that consecutive runs
+ * filter one continuous signal, and is used by one thread at a time. A fresh state is the way to start anew.
+ * @{
+ */
+
+/** A recursive filter with its delay line. */
+typedef struct qvrsIIRState_64f qvrsIIRState_64f;
+
+/** Filter types of the design functions. */
+enum {
+    qvrIirButterworth = 0, /**< flat in the pass band */
+    qvrIirChebyshev = 1    /**< Chebyshev type I: ripple in the pass band, steeper beyond it */
+};
+
+/**
+ * Creates a recursive filter of any order.
+ * @param statePtr receives the state; release it with Morven_qvrsIIRFree_64f
+ * @param taps 2 * (order + 1) doubles: b[0] .. b[order], then a[0] .. a[order]; all are divided by a[0]
+ * @param order L, at least 1
+ * @param dlyLine L doubles: the start of the delay line in the transposed form, in which element k is what the k + 1
+ *     newest samples owe the output (not a list of past samples); null for zeros
+ * @return qvrErrNullPointer for null taps or statePtr; qvrErrBadOrder for an order below 1; qvrErrNoMemory, also when
+ *     the state would pass 2^31 - 1 bytes; qvrErrDivByZero if a[0] is zero, in which case nothing stays allocated and
+ *     *statePtr is not to be used
+ */
+qvrStatus Morven_qvrsIIRInitAlloc_64f(qvrsIIRState_64f** statePtr, const qvr64f* taps, int order,
+                                      const qvr64f* dlyLine);
+
+/**
+ * Filters numIters samples.
+ *
+ * Runs of more than 4 * order samples use a block form on processors with SSE3, which agrees with the sample-by-sample
+ * form up to rounding. Instability is not detected.
+ * @param src samples
+ * @param dst results; may be src
+ * @param numIters samples, at least 1
+ * @param state the filter, whose delay line is carried on
+ * @return qvrErrNullPointer, qvrErrBadSize, then qvrErrBadContext for an object that is no recursive filter
+ */
+qvrStatus Morven_qvrsIIR_64f(const qvr64f* src, qvr64f* dst, int numIters, qvrsIIRState_64f* state);
+
+/** Releases a recursive filter. @return qvrErrNullPointer, qvrErrBadContext */
+qvrStatus Morven_qvrsIIRFree_64f(qvrsIIRState_64f* state);
+
+/**
+ * Designs a low-pass filter in the taps layout of Morven_qvrsIIRInitAlloc_64f, with a[0] = 1.
+ * @param order 1..12
+ * @param taps receives 2 * (order + 1) doubles
+ * @param filterType qvrIirButterworth or qvrIirChebyshev; with any other value the function returns qvrOk and writes
+ *     nothing
+ * @param rFreq cut-off as a fraction of the sampling rate, in (0, 0.5): 3 dB down for Butterworth, the end of the ripple
+ *     for Chebyshev
+ * @param rippleDb pass-band ripple in decibels, in (0, 29]; Chebyshev only
+ * @return in order: qvrErrNullPointer, qvrErrBadCutoff, qvrErrBadFilterOrder, qvrErrBadRipple
+ */
+qvrStatus Morven_qvrsIIRGenLowpass_64f(int order, qvr64f* taps, int filterType, qvr64f rFreq, qvr64f rippleDb);
+
+/** Designs a high-pass filter; otherwise as Morven_qvrsIIRGenLowpass_64f. */
+qvrStatus Morven_qvrsIIRGenHighpass_64f(int order, qvr64f* taps, int filterType, qvr64f rFreq, qvr64f rippleDb);
+
+/** @} */
+
+/**
+ * @defgroup median Median filter
+ * @{
+ */
+
+/**
+ * Replaces each sample but the first and the last by the median of the window of maskSize samples round it, taken from
+ * the input. Where a window reaches over an end it takes the end's sample for each missing one.
+ *
+ * Work grows with maskSize for each sample; masks of 3 and 5 have forms of their own. What a NaN in a window gives is
+ * not defined.
+ * @param srcDst the signal, filtered in place; unchanged if it has fewer than 3 samples or the mask is 1
+ * @param len samples, at least 1
+ * @param maskSize window length, at least 1; an even one is reduced by one
+ * @return qvrErrNullPointer, qvrErrBadSize; qvrErrNoMemory for masks above 5 with the signal unchanged; qvrWarnEvenMask
+ *     for an even mask
+ */
+qvrStatus Morven_qvrsFilterMedian_32f_I(qvr32f* srcDst, int len, int maskSize);
+
+/** @} */
+
+/**
+ * @defgroup samplerate Sample-rate change by integer factors
+ *
+ * Zero stuffing and dropping of samples, without any filter. Source and destination do not overlap.
+ *
+ * Statuses in order: qvrErrNullPointer, qvrErrBadSize for srcLen below 1, qvrErrBadSampleFactor for a factor below 1,
+ * qvrErrBadSamplePhase for a phase outside 0 .. factor - 1. After an error neither *dstLen nor *phase has changed.
+ * @{
+ */
+
+/**
+ * dst[i * factor + *phase] = src[i], and zero everywhere else in srcLen * factor outputs.
+ * @param src samples
+ * @param srcLen input samples, at least 1
+ * @param dst srcLen * factor outputs
+ * @param dstLen receives srcLen * factor
+ * @param factor rate factor, at least 1
+ * @param phase place of the sample in its group; it is not changed
+ * @return also qvrErrBadSize if srcLen * factor passes 2^31 - 1
+ */
+qvrStatus Morven_qvrsSampleUp_32f(const qvr32f* src, int srcLen, qvr32f* dst, int* dstLen, int factor, int* phase);
+
+/**
+ * Keeps src[*phase], src[*phase + factor], ...
+ * @param src samples
+ * @param srcLen input samples, at least 1
+ * @param dst the samples kept: (srcLen + factor - 1 - *phase) / factor of them, rounded down
+ * @param dstLen receives their number, which may be 0
+ * @param factor rate factor, at least 1
+ * @param phase place of the first sample to keep; receives the place of the next one in the samples that follow, so that
+ *     consecutive calls continue one signal
+ */
+qvrStatus Morven_qvrsSampleDown_32f(const qvr32f* src, int srcLen, qvr32f* dst, int* dstLen, int factor, int* phase);
+
+/** Keeps every factor-th of 16-bit samples, as Morven_qvrsSampleDown_32f. */
+qvrStatus Morven_qvrsSampleDown_16s(const qvr16s* src, int srcLen, qvr16s* dst, int* dstLen, int factor, int* phase);
+
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

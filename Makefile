@@ -1,0 +1,32 @@
+# The commands of the project, each a line; the work is in CMake and in the scripts.
+PREFIX ?= /usr/local
+ONLY ?=
+
+.PHONY: demo test fuzz bench install uninstall
+.DEFAULT_GOAL := demo
+
+demo:
+	./demo.sh $(ARGS)
+
+test:
+	./test.sh
+
+# Ten minutes for each fuzz target.
+fuzz:
+	FUZZ_SECONDS=600 ./test.sh fuzz
+
+bench:
+	bench/run.sh $(ONLY)
+
+install:
+	scripts/packages.sh build
+	cmake --preset release -DQVR_TESTS=OFF
+	cmake --build --preset release
+	cmake --install build/release --prefix $(PREFIX)
+	cp build/release/install_manifest.txt build/installed.txt
+	if [ "$$(id -u)" = 0 ]; then ldconfig; fi
+
+# Removes what the last `make install` installed.
+uninstall:
+	xargs -d '\n' -a build/installed.txt rm -fv
+	rm -f build/installed.txt

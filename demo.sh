@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Builds the library, installs it into build/stage, builds the examples against that copy and runs them:
+#   ./demo.sh [FILE.wav]
+# FILE.wav holds 16-bit samples; without one, a recorded voice that comes with Debian is used. Results are in build/demo.
+set -euo pipefail
+sound=/usr/share/sounds/alsa/Front_Center.wav
+if [ $# -gt 1 ]; then
+    echo "usage: ./demo.sh [FILE.wav]" >&2
+    exit 2
+elif [ $# -eq 1 ]; then
+    sound=$(realpath -m -- "$1")
+fi
+cd "$(dirname "$0")"
+root=$PWD
+
+scripts/packages.sh build demo
+echo "Building the library (build/release)"
+mkdir -p build/demo
+log=build/demo/build.log
+if ! { cmake --preset release -DQVR_TESTS=OFF && cmake --build --preset release -j "$(nproc)"; } >"$log" 2>&1; then
+    tail -30 "$log" >&2
+    exit 1
+fi
+echo "Installing it into build/stage and building the examples against that copy (build/examples)"
+scripts/build_examples.sh build/release "$root/build/stage" build/examples
+
+echo
+echo "effects: gain, soft clipping, echo, normalisation; back to 16 bits with each of three roundings"
+build/examples/effects --out build/demo/effects "$sound"
+
+# The same program found through pkg-config does the same.
+mkdir -p build/demo/pkgconfig
+build/examples/pkgconfig/effects --out build/demo/pkgconfig/effects "$sound" >/dev/null
+for rounding in truncate even away; do
+    cmp "build/demo/effects-$rounding.wav" "build/demo/pkgconfig/effects-$rounding.wav"
+done
+rm -r build/demo/pkgconfig
+echo
+echo "Sounds are in build/demo; the program built through pkg-config wrote the same bytes as the one built through CMake."
+echo "Listen with: aplay build/demo/effects-even.wav"

@@ -1,0 +1,31 @@
+// What a small command-line program needs: messages of one line, numbers from arguments, progress on long work.
+#ifndef EXAMPLES_CLI_H
+#define EXAMPLES_CLI_H
+
+#include <stdint.h>
+
+// Name in front of every message; set by the program.
+extern const char* programName;
+
+// Ends the program with one line on standard error: exit status 1 for bad files, 2 for bad arguments.
+_Noreturn void fail(const char* format, ...) __attribute__((format(printf, 1, 2)));
+_Noreturn void failUsage(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+// Parses `count` numbers separated by commas, each inside its [low, high], or ends the program.
+void parseNumbers(const char* option, const char* text, int count, double* values, const double (*range)[2]);
+
+// Seconds on a clock that only moves forward.
+double seconds(void);
+
+// Progress on standard error, once the work has lasted a second: a line that rewrites itself on a terminal, a line
+// every few seconds elsewhere.
+typedef struct {
+    const char* what;
+    int64_t total;
+    double started, shown;
+} Progress;
+Progress progressStart(const char* what, int64_t total);
+void progressShow(Progress* progress, int64_t done);
+void progressEnd(Progress* progress);
+
+#endif

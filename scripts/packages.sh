@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that a command needs and that are missing: scripts/packages.sh build|demo|test|bench ...
+set -euo pipefail
+
+declare -A lists=(
+    [build]="clang-19 lld-19 libomp-19-dev cmake ninja-build"
+    [demo]="pkgconf libsndfile1-dev alsa-utils"
+    [test]="libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev"
+)
+
+# Only what is configured counts as present.
+present() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
+
+missing=()
+for list in "$@"; do
+    [ -n "${lists[$list]:-}" ] || { echo "packages.sh: no list '$list'; there are: ${!lists[*]}" >&2; exit 2; }
+    for package in ${lists[$list]}; do
+        present "$package" || missing+=("$package")
+    done
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+if [ "$(id -u)" = 0 ]; then
+    as_root=(env DEBIAN_FRONTEND=noninteractive)
+elif command -v sudo >/dev/null; then
+    as_root=(sudo DEBIAN_FRONTEND=noninteractive)
+else
+    echo "Some packages are missing. As root, run:  apt-get install --no-install-recommends ${missing[*]}" >&2
+    exit 1
+fi
+echo "Installing ${missing[*]}"
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
