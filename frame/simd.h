@@ -153,6 +153,25 @@ template<class V> QVR_INLINE V zipHi(V a, V b)
     return zipLanes<lanes<V> / 2>(a, b, Iota<lanes<V>>{});
 }
 
+template<class V, int... I> QVR_INLINE V reversedLanesOf(V v, Indices<I...>)
+{
+    return __builtin_shufflevector(v, v, (lanes<V> - 1 - I)...);
+}
+template<class V> QVR_INLINE V reversedLanes(V v)
+{
+    return reversedLanesOf(v, Iota<lanes<V>>{});
+}
+
+// Lanes From .. From + N - 1 of a and b in a row.
+template<int From, class V, int... I> QVR_INLINE V shiftedLanesOf(V a, V b, Indices<I...>)
+{
+    return __builtin_shufflevector(a, b, (From + I)...);
+}
+template<int From, class V> QVR_INLINE V shiftedLanes(V a, V b)
+{
+    return shiftedLanesOf<From>(a, b, Iota<lanes<V>>{});
+}
+
 // Even and odd lanes of two vectors taken one behind the other.
 template<int From, class V, int... I> QVR_INLINE V unzipLanes(V a, V b, Indices<I...>)
 {
@@ -209,6 +228,14 @@ template<class V> QVR_INLINE void store(void* p, V v)
 template<class V> QVR_INLINE void storeAligned(void* p, V v)
 {
     store(__builtin_assume_aligned(p, sizeof(V) < kVecBytes ? sizeof(V) : kVecBytes), v);
+}
+
+template<bool Aligned, class V> QVR_INLINE void storeIf(void* p, V v)
+{
+    if constexpr (Aligned)
+        storeAligned(p, v);
+    else
+        store(p, v);
 }
 
 // Past the caches, to an aligned address; streamFence orders it before later stores.
@@ -269,6 +296,12 @@ template<class V> QVR_INLINE V abs(V v)
 template<class V> QVR_INLINE V sqrt(V v)
 {
     return __builtin_elementwise_sqrt(v);
+}
+
+// The processor's estimate of 1 / sqrt(x), about twelve bits.
+QVR_INLINE float reciprocalRootEstimate(float x)
+{
+    return _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(x)));
 }
 
 // a * b + c, in one rounding where the level has fused operations and in two elsewhere.

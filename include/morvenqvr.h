@@ -741,6 +741,153 @@ qvrStatus Morven_qvrsCopyColumn_Indirect_16s_D2L(const qvr16s** ppSrc, int srcCo
 /** @} */
 
 /**
+ * @defgroup fft Real FFT
+ *
+ * Transforms of N = 2^order real values to the half spectrum of N/2 + 1 bins and back:
+ *
+ *     forward   X[k] = sum over n of x[n] exp(-2 pi i k n / N),  k = 0 .. N/2
+ *     inverse   the reverse without the factor 1/N: forward and inverse in a row give N x
+ *
+ * times the factor that the object's flag asks for. A specification object holds all that a length needs. It is
+ * created once and then only read: one object serves any number of transforms, from several threads at once too, as
+ * long as they do not share a work buffer.
+ *
+ * CCS layout, N + 2 values: the real and imaginary parts of X[0], X[1], .. X[N/2] in turn; the imaginary parts of
+ * X[0] and X[N/2] are 0. A forward transform writes the zeros, an inverse one never reads those two places. At order
+ * 0 the spectrum is two values, X[0] and 0, and no more.
+ *
+ * Work buffer. `pBuffer` may be null: a transform that needs work memory then allocates it for the call. Otherwise it
+ * is used from its next 64-byte boundary on. With e the bytes of an element, a buffer of e * 2^order + 64 bytes, and
+ * never less than 131136, serves every order; orders up to 6 need none.
+ *
+ * Aliasing: pSrc and pDst may be one array, which then has N + 2 elements.
+ *
+ * Threads: in the builds for SSSE3 and SSE4.1 processors, transforms of orders 14 to 18 (32f) and 13 to 17 (64f) run
+ * on up to two threads. The result does not depend on their number.
+ *
+ * Accuracy: docs/fft-accuracy.md gives the measured error of each order.
+ * @{
+ */
+
+/** What a transform multiplies by. */
+enum {
+    qvrFftDivFwdByN = 1,  /**< forward by 1/N */
+    qvrFftDivInvByN = 2,  /**< inverse by 1/N */
+    qvrFftDivBySqrtN = 4, /**< both by 1/sqrt(N); in 32f from the processor's estimate and one Newton step */
+    qvrFftNoDiv = 8       /**< neither */
+};
+
+/** A wish of the caller; the floating-point transforms do not look at it. */
+enum {
+    qvrHintNone = 0,    /**< no wish */
+    qvrHintFast = 1,    /**< speed before accuracy */
+    qvrHintAccurate = 2 /**< accuracy before speed */
+};
+
+typedef struct qvrsFFTSpec_R_32f qvrsFFTSpec_R_32f; /**< prepared real transform, single precision */
+typedef struct qvrsFFTSpec_R_64f qvrsFFTSpec_R_64f; /**< prepared real transform, double precision */
+
+/**
+ * Creates the specification object of a length.
+ *
+ * Checks in order: ppSpec null (qvrErrNullPointer), order outside 0..30 (qvrErrFFTOrder), flag (qvrErrFFTFlag), order
+ * above the largest (qvrErrFFTOrder): 28 or 29 in 32f and 27 or 28 in 64f, by processor.
+ * @param ppSpec receives the object; untouched after an error. Release it with Morven_qvrsFFTFree_R_32f.
+ * @param order log2 of the length
+ * @param flag qvrFftDivFwdByN, qvrFftDivInvByN, qvrFftDivBySqrtN or qvrFftNoDiv
+ * @param hint any value
+ * @return qvrErrNoMemory if memory could not be had
+ */
+qvrStatus Morven_qvrsFFTInitAlloc_R_32f(qvrsFFTSpec_R_32f** ppSpec, int order, int flag, int hint);
+
+/** Creates the specification object of a length in double precision, as Morven_qvrsFFTInitAlloc_R_32f. */
+qvrStatus Morven_qvrsFFTInitAlloc_R_64f(qvrsFFTSpec_R_64f** ppSpec, int order, int flag, int hint);
+
+/**
+ * Releases an object of Morven_qvrsFFTInitAlloc_R_32f.
+ * @return qvrErrNullPointer for null, qvrErrBadContext for anything but such an object
+ */
+qvrStatus Morven_qvrsFFTFree_R_32f(qvrsFFTSpec_R_32f* pSpec);
+
+/** Releases an object of Morven_qvrsFFTInitAlloc_R_64f. */
+qvrStatus Morven_qvrsFFTFree_R_64f(qvrsFFTSpec_R_64f* pSpec);
+
+/**
+ * Real values to their half spectrum.
+ *
+ * Checks in order: pSpec null (qvrErrNullPointer), its kind (qvrErrBadContext), pSrc or pDst null (qvrErrNullPointer).
+ * @param pSrc N values
+ * @param pDst the spectrum, N + 2 values (2 at order 0)
+ * @param pSpec the object
+ * @param pBuffer work buffer or null
+ * @return qvrErrNoMemory if work memory could not be had; nothing is written then
+ */
+qvrStatus Morven_qvrsFFTFwd_RToCCS_32f(const qvr32f* pSrc, qvr32f* pDst, const qvrsFFTSpec_R_32f* pSpec,
+                                       qvr8u* pBuffer);
+
+/** Real values to their half spectrum in double precision, as Morven_qvrsFFTFwd_RToCCS_32f. */
+qvrStatus Morven_qvrsFFTFwd_RToCCS_64f(const qvr64f* pSrc, qvr64f* pDst, const qvrsFFTSpec_R_64f* pSpec,
+                                       qvr8u* pBuffer);
+
+/**
+ * Half spectrum to real values.
+ *
+ * Checks as in Morven_qvrsFFTFwd_RToCCS_32f.
+ * @param pSrc the spectrum, N + 2 values, of which index 1 and N + 1 are not read
+ * @param pDst N values; nothing behind them is written
+ * @param pSpec the object
+ * @param pBuffer work buffer or null
+ * @return qvrErrNoMemory if work memory could not be had; nothing is written then
+ */
+qvrStatus Morven_qvrsFFTInv_CCSToR_32f(const qvr32f* pSrc, qvr32f* pDst, const qvrsFFTSpec_R_32f* pSpec,
+                                       qvr8u* pBuffer);
+
+/** Half spectrum to real values in double precision, as Morven_qvrsFFTInv_CCSToR_32f. */
+qvrStatus Morven_qvrsFFTInv_CCSToR_64f(const qvr64f* pSrc, qvr64f* pDst, const qvrsFFTSpec_R_64f* pSpec,
+                                       qvr8u* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup windows Windows
+ *
+ * In-place multiplication of a signal by a symmetric window of its own length L. With t = 2 pi / (L - 1), the weights
+ * for k = 0 .. from either end:
+ *
+ *     Bartlett     2k / (L - 1)
+ *     Hann         0.5 - 0.5 cos(k t)
+ *     Hamming      0.54 - 0.46 cos(k t)
+ *     BlackmanStd  0.42 - 0.5 cos(k t) + 0.08 cos(2 k t)
+ *
+ * The weights come from recurrences in double precision; Bartlett's in single precision, except in the SSE2 build.
+ * The middle element of an odd length keeps its value bit for bit, whatever it is. Bartlett sets both ends to +0, at
+ * length 3 Hann and BlackmanStd do so too; at other lengths their ends are multiplied by a weight of about zero.
+ *
+ * All functions return qvrErrNullPointer for null and then qvrErrBadSize for `len` below 3.
+ * @{
+ */
+
+/** Triangle; both ends become +0. */
+qvrStatus Morven_qvrsWinBartlett_32f_I(qvr32f* pSrcDst, int len);
+
+/** Hann window, also called raised cosine. */
+qvrStatus Morven_qvrsWinHann_32f_I(qvr32f* pSrcDst, int len);
+
+/** Hamming window; the ends keep 0.08 of their value. */
+qvrStatus Morven_qvrsWinHamming_32f_I(qvr32f* pSrcDst, int len);
+
+/**
+ * Hamming window on 16-bit samples. The two ends are truncated toward zero; the others are rounded to nearest by the
+ * caller's MXCSR, except in the SSE2 build, which truncates them all.
+ */
+qvrStatus Morven_qvrsWinHamming_16s_I(qvr16s* pSrcDst, int len);
+
+/** Blackman window with the alpha of -0.16. */
+qvrStatus Morven_qvrsWinBlackmanStd_32f_I(qvr32f* pSrcDst, int len);
+
+/** @} */
+
+/**
  * @defgroup iir Recursive (IIR) filters
  *
  * A filter of order L with taps b[0..L] and a[0..L]:
