@@ -6,8 +6,7 @@
 // No table and no cosine per element. Slot mx turns (cos kt, sin kt) by t and multiplies in double. The others run a
 // second-order recurrence in double, d[k + 2n] = 2 cos(nt) d[k + n] - d[k], round the weight to single and multiply
 // there. The middle element of an odd length is never touched.
-#include <math.h>
-
+#include "fourier/sines.h"
 #include "frame/simd.h"
 #include "frame/status.h"
 
@@ -37,7 +36,7 @@ inline double baseAngle(int len)
 // Multiplies the pairs from both ends by weight(cos kt).
 template<class T, class Weight> inline void rotateWindow(T* p, int len, const Weight& weight)
 {
-    const double c = cos(baseAngle(len)), s = __builtin_sqrt(1 - c * c);
+    const double c = qvrCosine(baseAngle(len)), s = __builtin_sqrt(1 - c * c);
     double cosine = 1, sine = 0;
     const int half = (len - 1) >> 1, pairs = len % 2 == 0 ? half + 1 : half;
     for (int k = 0; k < pairs; k++) {
@@ -70,10 +69,10 @@ inline void applyRest(float* front, float* back, F w, int pairs)
 // Two chains of two lanes, d[k + 4] = 2 cos(2t) d[k + 2] - d[k], from amplitude * cos kt; weight(d) is offset - d.
 inline void cosineWindow(float* p, int len, double amplitude, double offset)
 {
-    const double t = baseAngle(len), c = cos(t), twice = 2 * c;
+    const double t = baseAngle(len), c = qvrCosine(t), twice = 2 * c;
     const double d0 = amplitude, before = amplitude * c, d1 = twice * d0 - before, d2 = twice * d1 - d0;
     D a = {d0, d1}, b = {d2, twice * d2 - d1};
-    const D factor = splat<D>(2 * cos(2 * t)), o = splat<D>(offset);
+    const D factor = splat<D>(2 * qvrCosine(2 * t)), o = splat<D>(offset);
     float *front = p, *back = p + len - 1;
     int pairs = len >> 1;
     for (; pairs > 0; pairs -= 4, front += 4, back -= 4) {
@@ -89,7 +88,7 @@ inline void cosineWindow(float* p, int len, double amplitude, double offset)
 // w = -4a r r + ((0.5 + a) - r) with r = 0.5 cos kt rounded: the window by cos 2x = 2 cos^2 x - 1.
 inline void blackmanWindow(float* p, int len)
 {
-    const double c = cos(baseAngle(len)), twice = 2 * c;
+    const double c = qvrCosine(baseAngle(len)), twice = 2 * c;
     double d = 0.5, before = 0.5 * c;
     const F square = splat<F>(-4 * kBlackmanAlpha), offset = splat<F>(0.5f + kBlackmanAlpha);
     float *front = p, *back = p + len - 1;
@@ -170,7 +169,7 @@ inline void hammingShort(qvr16s* p, int len)
 {
     p[0] = static_cast<qvr16s>(static_cast<float>(p[0]) * (0.54f - 0.46f));
     p[len - 1] = static_cast<qvr16s>(static_cast<float>(p[len - 1]) * (0.54f - 0.46f));
-    const Turn one = {cos(baseAngle(len)), sin(baseAngle(len))};
+    const Turn one = {qvrCosine(baseAngle(len)), qvrSine(baseAngle(len))};
     // Distances 1, 2, .. or, by the half-angle formulas, 1/2, 3/2, ..
     const Turn half = {__builtin_sqrt((1 + one.c) * 0.5), __builtin_sqrt((1 - one.c) * 0.5)};
     const Turn two = turn(one, one), four = turn(two, two);
