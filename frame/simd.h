@@ -313,6 +313,48 @@ template<class V> QVR_INLINE V fma(V a, V b, V c)
         return a * b + c;
 }
 
+// Integer sums and differences that stop at the ends of the lane's range.
+template<class V> QVR_INLINE V addSaturate(V a, V b)
+{
+    return __builtin_elementwise_add_sat(a, b);
+}
+template<class V> QVR_INLINE V subSaturate(V a, V b)
+{
+    return __builtin_elementwise_sub_sat(a, b);
+}
+
+// Shifts of every lane by one count, which is below the lane's width; to the right the sign fills signed lanes.
+template<class V> QVR_INLINE V shiftLeft(V v, int count)
+{
+    return bitcast<V>(bits(v) << splat<Bits<V>>(static_cast<Elem<Bits<V>>>(count)));
+}
+template<class V> QVR_INLINE V shiftRight(V v, int count)
+{
+    return v >> splat<V>(static_cast<Elem<V>>(count));
+}
+
+// The sum of all lanes, halves first.
+template<class V> QVR_INLINE Elem<V> sumLanes(V v)
+{
+    if constexpr (lanes<V> == 1)
+        return v[0];
+    else
+        return sumLanes(lo(v) + hi(v));
+}
+
+// Lane k: the sum of the lanes 0 to k.
+template<int K, class V, int... I> QVR_INLINE V moveLanesUp(V v, Indices<I...>)
+{
+    return __builtin_shufflevector(V{}, v, (lanes<V> - K + I)...);
+}
+template<int K = 1, class V> QVR_INLINE V prefixSums(V v)
+{
+    if constexpr (K >= lanes<V>)
+        return v;
+    else
+        return prefixSums<2 * K>(v + moveLanesUp<K>(v, Iota<lanes<V>>{}));
+}
+
 // Even lanes a - b, odd lanes a + b.
 template<class V> QVR_INLINE V subAdd(V a, V b)
 {
@@ -405,6 +447,38 @@ template<class V> QVR_INLINE Vec<int16_t, lanes<V>> packSaturate(V v)
     }
 }
 
+// Sums of neighbouring 16-bit lanes, in 32 bits.
+template<class V> QVR_INLINE Vec<int32_t, lanes<V> / 2> pairSums(V v)
+{
+    using R = Vec<int32_t, lanes<V> / 2>;
+    if constexpr (sizeof(V) > (kAvx2 ? 32 : 16))
+        return concat(pairSums(lo(v)), pairSums(hi(v)));
+    else if constexpr (sizeof(V) == 32)
+        return bitcast<R>(_mm256_madd_epi16(bitcast<__m256i>(v), _mm256_set1_epi16(1)));
+    else
+        return bitcast<R>(_mm_madd_epi16(bitcast<__m128i>(v), _mm_set1_epi16(1)));
+}
+
+// 16-bit products with saturation: the halves of each 32-bit product come from two multiplications, and the high half
+// repeats the sign of the low one exactly when the product fits.
+template<class V> QVR_INLINE V mulSaturate(V a, V b)
+{
+    static_assert(sizeof(Elem<V>) == 2);
+    V low, high;
+    if constexpr (sizeof(V) > (kAvx2 ? 32 : 16)) {
+        return byHalves([](auto... x) { return mulSaturate(x...); }, a, b);
+    } else if constexpr (sizeof(V) < 16) {
+        return slice<0, lanes<V>>(mulSaturate(padTo16(a), padTo16(b)));
+    } else if constexpr (sizeof(V) == 32) {
+        low = bitcast<V>(_mm256_mullo_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)));
+        high = bitcast<V>(_mm256_mulhi_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)));
+    } else {
+        low = bitcast<V>(_mm_mullo_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
+        high = bitcast<V>(_mm_mulhi_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
+    }
+    return high == low >> 15 ? low : high >> 15 ^ 0x7FFF;
+}
+
 // ---- Masks ----------------------------------------------------------------------------------------------------------
 
 // Nonzero if any lane of a comparison's result is true.
@@ -412,14 +486,32 @@ template<class V> QVR_INLINE int anyTrue(V mask)
 {
     if constexpr (sizeof(V) > kVecBytes)
         return anyTrue(lo(mask) | hi(mask));
-    else if constexpr (sizeof(V) == 32)
+    else if constexpr (sizeof(V) == 32 && sizeof(Elem<V>) >= 4)
         return _mm256_movemask_ps(bitcast<__m256>(mask));
+    else if constexpr (sizeof(V) == 32)
+        return !_mm256_testz_si256(bitcast<__m256i>(mask), bitcast<__m256i>(mask));
     else if constexpr (sizeof(V) == 16)
         return _mm_movemask_epi8(bitcast<__m128i>(mask));
     else if constexpr (lanes<V> == 1)
         return mask[0] != 0;
     else
         return anyTrue(padTo16(mask));
+}
+
+// One bit for each byte of a comparison's result of at most 32 bytes.
+template<class V> QVR_INLINE uint32_t byteBits(V mask)
+{
+    if constexpr (sizeof(V) == 32 && kAvx2)
+        return static_cast<uint32_t>(_mm256_movemask_epi8(bitcast<__m256i>(mask)));
+    else if constexpr (sizeof(V) == 32)
+        return byteBits(lo(mask)) | byteBits(hi(mask)) << 16;
+    else
+        return static_cast<uint32_t>(_mm_movemask_epi8(bitcast<__m128i>(mask)));
+}
+// The number of the first true lane; there must be one.
+template<class V> QVR_INLINE int firstTrue(V mask)
+{
+    return __builtin_ctz(byteBits(mask)) / static_cast<int>(sizeof(Elem<V>));
 }
 
 } // namespace
