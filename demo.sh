@@ -28,6 +28,10 @@ echo
 echo "effects: gain, soft clipping, echo, normalisation; back to 16 bits with each of three roundings"
 build/examples/effects --out build/demo/effects "$sound"
 
+echo
+echo "spectrogram: window, real FFT, decibels"
+build/examples/spectrogram --fft 1024 --overlap 90 --out build/demo/spectrogram.png "$sound"
+
 # The same program found through pkg-config does the same.
 mkdir -p build/demo/pkgconfig
 build/examples/pkgconfig/effects --out build/demo/pkgconfig/effects "$sound" >/dev/null

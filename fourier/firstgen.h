@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr int kKernelOrder = 10;  // the radix-4 kernel's longest transform
-constexpr int kSweepBlock = 14;   // points swept together
+constexpr int kKernelOrder = 10;   // the radix-4 kernel's longest transform
+constexpr int kSweepBlock = 14;    // points swept together
 constexpr Index kSweepChunk = 128; // butterflies whose twiddles stay in cache while all blocks pass
 
 template<class T> using PairVec = Vec<T, static_cast<int>(16 / sizeof(T))>;
@@ -245,8 +245,7 @@ template<bool Inverse, class T> inline void radix4Kernel(T* data, int m, const T
 
 // Stages of doubling length from 2^from to 2^to; the table is of order tableOrder >= to. The second half of a block's
 // twiddles is the first one turned by -i.
-template<bool Inverse, class T>
-inline void sweep(T* data, int from, int to, const T* table, int tableOrder)
+template<bool Inverse, class T> inline void sweep(T* data, int from, int to, const T* table, int tableOrder)
 {
     using V = PairVec<T>;
     constexpr int P = kPoints<T>;

@@ -120,8 +120,7 @@ inline void stagePairOf(int r1, int r2, const T* in, T* out, Index points, Index
 }
 
 // Everything after the first pass; the last stage writes dst through `to`, which may be the area itself.
-template<class T, class G, class Out>
-inline void allStages(T* area, T* dst, int m, const T* tw, G groups, Out to)
+template<class T, class G, class Out> inline void allStages(T* area, T* dst, int m, const T* tw, G groups, Out to)
 {
     const Index points = Index{1} << m, run = Index{1} << (m < kRunOrder ? m : kRunOrder);
     const StageCursor<T> start = {kFirstOrder<T>, tw};

@@ -39,10 +39,14 @@ template<class T> constexpr Index workBytes(int order)
     const int m = order - 1;
     switch (classOf<T>(order)) {
     case FftClass::real:
-    case FftClass::complex: return 0;
-    case FftClass::flat: return kFirstGeneration ? 0 : flatWork<T>(m);
-    case FftClass::threaded: return flatWork<T>(m);
-    case FftClass::split: break;
+    case FftClass::complex:
+        return 0;
+    case FftClass::flat:
+        return kFirstGeneration ? 0 : flatWork<T>(m);
+    case FftClass::threaded:
+        return flatWork<T>(m);
+    case FftClass::split:
+        break;
     }
     if constexpr (!kFirstGeneration)
         return splitWork<T>(m);
@@ -69,11 +73,9 @@ template<class T> inline void firstGenTables(FftSpec<T>& spec, BlockWalk& walk, 
     while (rows > kKernelOrder && splitOrder<T>(rows) != 0)
         rows -= splitOrder<T>(rows);
     const int kernel = kernelTableOrder(rows);
-    spec.pTwiddle =
-        placeTable<T>(walk, kernelTableSize(kernel), [&](T* p) { fillKernelTable(p, quarter, kernel); });
+    spec.pTwiddle = placeTable<T>(walk, kernelTableSize(kernel), [&](T* p) { fillKernelTable(p, quarter, kernel); });
     if (rows > kKernelOrder)
-        spec.pSweepTwiddle =
-            placeTable<T>(walk, sweepTableSize(rows), [&](T* p) { fillSweepTable(p, quarter, rows); });
+        spec.pSweepTwiddle = placeTable<T>(walk, sweepTableSize(rows), [&](T* p) { fillSweepTable(p, quarter, rows); });
     for (int level = 0, r = m; r > kKernelOrder && splitOrder<T>(r) != 0; level++) {
         const int f = splitOrder<T>(r);
         spec.pLevelColumnTwiddle[level] =
@@ -94,8 +96,7 @@ template<class T> inline void secondGenTables(FftSpec<T>& spec, BlockWalk& walk,
     else if (c == FftClass::split)
         for (rows -= splitOrder<T>(m); rowSplits<T>(rows);)
             rows -= splitOrder<T>(rows);
-    spec.pTwiddle =
-        placeTable<T>(walk, stageTableSize<T>(rows), [&](T* p) { fillStageTable(p, quarter, rows); });
+    spec.pTwiddle = placeTable<T>(walk, stageTableSize<T>(rows), [&](T* p) { fillStageTable(p, quarter, rows); });
     if (c == FftClass::threaded)
         spec.pSweepTwiddle = placeTable<T>(walk, topTableSize(m), [&](T* p) { fillTopTable(p, quarter, m); });
     if (c != FftClass::split)

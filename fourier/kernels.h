@@ -73,8 +73,12 @@ template<class T, bool Swap, class Out> inline void complexKernelOf(int m, const
 {
     constexpr int W = kLanes<T>, narrow = W > 4 ? 4 : W;
     switch (m) {
-    case 4: complexKernel<Vec<T, narrow>, 4, 4, Swap>(src, dst, to); break;
-    case 5: complexKernel<Vec<T, narrow>, 8, 4, Swap>(src, dst, to); break;
+    case 4:
+        complexKernel<Vec<T, narrow>, 4, 4, Swap>(src, dst, to);
+        break;
+    case 5:
+        complexKernel<Vec<T, narrow>, 8, 4, Swap>(src, dst, to);
+        break;
     case 6:
         if constexpr (kAvx)
             complexKernel<Full<T>, 8, 8, Swap>(src, dst, to);
@@ -161,11 +165,21 @@ template<class T, int N> QVR_INLINE void realInverse(T* p, T factor, bool scale)
 template<class T> inline void realForwardOf(int order, const T* src, T* dst, T factor, bool scale)
 {
     switch (order) {
-    case 0: realForward<T, 1>(src, dst, factor, scale); break;
-    case 1: realForward<T, 2>(src, dst, factor, scale); break;
-    case 2: realForward<T, 4>(src, dst, factor, scale); break;
-    case 3: realForward<T, 8>(src, dst, factor, scale); break;
-    case 4: realForward<T, 16>(src, dst, factor, scale); break;
+    case 0:
+        realForward<T, 1>(src, dst, factor, scale);
+        break;
+    case 1:
+        realForward<T, 2>(src, dst, factor, scale);
+        break;
+    case 2:
+        realForward<T, 4>(src, dst, factor, scale);
+        break;
+    case 3:
+        realForward<T, 8>(src, dst, factor, scale);
+        break;
+    case 4:
+        realForward<T, 16>(src, dst, factor, scale);
+        break;
     case 5:
         if constexpr (kFftLimits<T>.real == 5)
             realForward<T, 32>(src, dst, factor, scale);
@@ -175,11 +189,21 @@ template<class T> inline void realForwardOf(int order, const T* src, T* dst, T f
 template<class T> inline void realInverseOf(int order, T* p, T factor, bool scale)
 {
     switch (order) {
-    case 0: realInverse<T, 1>(p, factor, scale); break;
-    case 1: realInverse<T, 2>(p, factor, scale); break;
-    case 2: realInverse<T, 4>(p, factor, scale); break;
-    case 3: realInverse<T, 8>(p, factor, scale); break;
-    case 4: realInverse<T, 16>(p, factor, scale); break;
+    case 0:
+        realInverse<T, 1>(p, factor, scale);
+        break;
+    case 1:
+        realInverse<T, 2>(p, factor, scale);
+        break;
+    case 2:
+        realInverse<T, 4>(p, factor, scale);
+        break;
+    case 3:
+        realInverse<T, 8>(p, factor, scale);
+        break;
+    case 4:
+        realInverse<T, 16>(p, factor, scale);
+        break;
     case 5:
         if constexpr (kFftLimits<T>.real == 5)
             realInverse<T, 32>(p, factor, scale);

@@ -146,14 +146,14 @@ template<class V> QVR_INLINE Pairs<V> joinReversed(Cx<V> z)
 // The points of v but the first, and then the first one of `next`.
 template<class V> QVR_INLINE V shiftInPoint(V v, V next)
 {
-    using W = Vec<double, lanes<V> * static_cast<int>(sizeof(Elem<V>)) / 8>;
+    using W = Vec<double, lanes<V>* static_cast<int>(sizeof(Elem<V>)) / 8>;
     constexpr int step = sizeof(Elem<V>) == 4 ? 1 : 2;
     return bitcast<V>(shiftedLanes<step>(bitcast<W>(v), bitcast<W>(next)));
 }
 // The last point of `before` and the points of v but the last.
 template<class V> QVR_INLINE V shiftOutPoint(V before, V v)
 {
-    using W = Vec<double, lanes<V> * static_cast<int>(sizeof(Elem<V>)) / 8>;
+    using W = Vec<double, lanes<V>* static_cast<int>(sizeof(Elem<V>)) / 8>;
     constexpr int step = sizeof(Elem<V>) == 4 ? 1 : 2;
     return bitcast<V>(shiftedLanes<lanes<W> - step>(bitcast<W>(before), bitcast<W>(v)));
 }

@@ -276,7 +276,8 @@ QVR_INLINE void stageBlock(const T* in, Index inLeg, T* out, Index outLeg, Index
 }
 
 // All blocks of a stage in place, on `points` points.
-template<int R, bool Steps, class T, class G> QVR_INLINE void stage(T* area, Index points, Index q, const T* tw, G groups)
+template<int R, bool Steps, class T, class G>
+QVR_INLINE void stage(T* area, Index points, Index q, const T* tw, G groups)
 {
     for (Index b = 0; b < points; b += R * q)
         stageBlock<R, Steps>(area + 2 * b, 2 * q, area + 2 * b, 2 * q, q, tw, groups, groups);
@@ -329,8 +330,8 @@ inline void firstPass(const T* src, T* area, int m, const Reversed& reversed)
     using V = Full<T>;
     constexpr int W = kLanes<T>, R = kFirstRadix<T>;
     constexpr int laneBits = W == 8 ? 3 : W == 4 ? 2 : 1;
-    const Index legs = (Index{1} << m) / R;        // indices
-    const Index laneStep = 2 * R * (legs / W);     // elements between the places of neighbouring reversed lanes
+    const Index legs = (Index{1} << m) / R;    // indices
+    const Index laneStep = 2 * R * (legs / W); // elements between the places of neighbouring reversed lanes
     const Index ahead = m >= kPrefetchFrom ? kPrefetchAhead * W : 0;
     for (Index i = 0; i < legs; i += W) {
         Cx<V> x[R];

@@ -1,5 +1,7 @@
-// The constant quarter wave in both precisions, made by the compiler.
+// The constant quarter wave in both precisions, made by the compiler, and the sines of run time.
 #include "fourier/sines.h"
+
+#include <math.h>
 
 #define QVR_1(k) quarterSine(k, 1 << kConstantBase)
 #define QVR_4(T, k)                                                                                                    \
@@ -10,3 +12,13 @@
 
 constexpr float qvrQuarterWave_32f[kConstantQuarter + 1] = {QVR_256(float), 1.0f};
 constexpr double qvrQuarterWave_64f[kConstantQuarter + 1] = {QVR_256(double), 1.0};
+
+extern "C" double qvrSine(double x)
+{
+    return sin(x);
+}
+
+extern "C" double qvrCosine(double x)
+{
+    return cos(x);
+}

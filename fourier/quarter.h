@@ -6,8 +6,6 @@
 #ifndef QVR_FOURIER_QUARTER_H
 #define QVR_FOURIER_QUARTER_H
 
-#include <math.h>
-
 #include "fourier/sines.h"
 #include "frame/slot.h"
 
@@ -34,9 +32,9 @@ template<class T> inline void fillQuarter(T* s, int order)
     const int64_t n = int64_t{1} << order;
     const double h = kTwoPi / static_cast<double>(n);
     for (int64_t k = 0; k <= n / 8; k++)
-        s[k] = static_cast<T>(::sin(static_cast<double>(k) * h));
+        s[k] = static_cast<T>(qvrSine(static_cast<double>(k) * h));
     for (int64_t k = n / 8 + 1; k <= n / 4; k++)
-        s[k] = static_cast<T>(::cos(static_cast<double>(n / 4 - k) * h));
+        s[k] = static_cast<T>(qvrCosine(static_cast<double>(n / 4 - k) * h));
 }
 
 template<class T> struct Twiddle {
@@ -54,10 +52,14 @@ template<class T> struct Quarter {
         const int64_t p = (k << (base - order)) & (4 * quarter - 1), r = p & (quarter - 1);
         const T sine = s[r], cosine = s[quarter - r];
         switch (p / quarter) {
-        case 0: return {cosine, -sine};
-        case 1: return {-sine, -cosine};
-        case 2: return {-cosine, sine};
-        default: return {sine, cosine};
+        case 0:
+            return {cosine, -sine};
+        case 1:
+            return {-sine, -cosine};
+        case 2:
+            return {-cosine, sine};
+        default:
+            return {sine, cosine};
         }
     }
 };

@@ -45,8 +45,7 @@ inline void complexTransform(const SpecType<T>& spec, const T* src, T* dst, T* w
             bandTransform<Inverse>(src, dst, m, spec.pTwiddle, spec.pSweepTwiddle, spec.pBitRev, work, scale, factor,
                                    spec.threadLimit.value);
     } else {
-        splitTransform<Inverse>(src, dst, m, SplitTables<T>{spec.pTwiddle, spec.pLevelMidTwiddle}, work, scale,
-                                factor);
+        splitTransform<Inverse>(src, dst, m, SplitTables<T>{spec.pTwiddle, spec.pLevelMidTwiddle}, work, scale, factor);
     }
 }
 
@@ -114,8 +113,7 @@ template<class T> inline qvrStatus forwardCcs(const T* pSrc, T* pDst, const Spec
     return qvrOk;
 }
 
-template<class T>
-inline qvrStatus forwardTailPacked(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
+template<class T> inline qvrStatus forwardTailPacked(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
 {
     if (const qvrStatus status = forwardPacked<T>(pSrc, pDst, pSpec, pBuffer))
         return status;
@@ -170,8 +168,7 @@ template<class T> inline qvrStatus inversePacked(const T* pSrc, T* pDst, const S
     return inverseFrom<T>(pSrc, pDst, 1, *pSpec, pBuffer);
 }
 
-template<class T>
-inline qvrStatus inverseTailPacked(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
+template<class T> inline qvrStatus inverseTailPacked(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
 {
     if (const qvrStatus status = checkTransform<T>(pSpec, pSrc, pDst))
         return status;

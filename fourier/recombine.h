@@ -1,7 +1,7 @@
 // Recombination: the spectrum Z of z[n] = x[2n] + i x[2n+1] to the packed spectrum X of x, and back, in place.
 //
-// With k and j = M - k, a and b the values there, and e = exp(-2 pi i k / N): X[k] = (a + conj b)/2 - i e (a - conj b)/2,
-// X[j] the same with roles exchanged. One sweep from both ends to the middle, a group of each at a time.
+// With k and j = M - k, a and b the values there, and e = exp(-2 pi i k / N): X[k] = (a + conj b)/2 - i e (a - conj
+// b)/2, X[j] the same with roles exchanged. One sweep from both ends to the middle, a group of each at a time.
 //
 // Tables. Forward: (0.5 cos t, 0.5 - 0.5 sin t) for k below N/4; inverse: (cos t, -sin t). In two levels both hold 1024
 // fine pairs (cos t, -sin t) and then the coarse ones of k = 0, 1024, ...; the twiddle is their product.
@@ -22,8 +22,7 @@ constexpr Index recombinationSize(int order, bool twoLevel)
     const Index n = Index{1} << order;
     return twoLevel ? 2 * (kFine + n / 4096 + 1) : 2 * (n / 4);
 }
-template<class T>
-inline void fillRecombination(T* fwd, T* inv, const Quarter<T>& quarter, int order, bool twoLevel)
+template<class T> inline void fillRecombination(T* fwd, T* inv, const Quarter<T>& quarter, int order, bool twoLevel)
 {
     const Index n = Index{1} << order;
     const auto put = [&](T* table, Index at, Index k) {
@@ -130,8 +129,7 @@ template<bool Inverse, bool TwoLevel, class T> inline void recombine(const T* sr
     put(dst, M + 1, Inverse ? -2 * get(src, M + 1) : -get(src, M + 1));
 }
 
-template<bool Inverse, class T>
-inline void recombineBy(bool twoLevel, const T* src, T* dst, int m, const T* table)
+template<bool Inverse, class T> inline void recombineBy(bool twoLevel, const T* src, T* dst, int m, const T* table)
 {
     if (twoLevel)
         recombine<Inverse, true>(src, dst, m, table);

@@ -1,7 +1,8 @@
 // Bit reversal of whole arrays of complex points.
 //
-// An index of m bits is (a | middle | b) with a and b of k bits. Reversal takes the 2^k by 2^k tile of one `middle` to the tile
-// of the reversed middle, transposed with both sides reversed. A tile's rows are whole cache lines on both sides.
+// An index of m bits is (a | middle | b) with a and b of k bits. Reversal takes the 2^k by 2^k tile of one `middle` to
+// the tile of the reversed middle, transposed with both sides reversed. A tile's rows are whole cache lines on both
+// sides.
 #ifndef QVR_FOURIER_REVERSE_H
 #define QVR_FOURIER_REVERSE_H
 
@@ -12,14 +13,13 @@ namespace {
 // A complex point moved as one piece.
 template<class T> using Point = Vec<T, 2>;
 
-constexpr int kTileBits = 6;                        // the 64 by 64 tiles of long transforms
+constexpr int kTileBits = 6; // the 64 by 64 tiles of long transforms
 constexpr Index kTilePoints = Index{1} << (2 * kTileBits);
-constexpr int kTiledFrom = 20;                      // complex order from which reversal goes by those tiles
+constexpr int kTiledFrom = 20; // complex order from which reversal goes by those tiles
 
 QVR_INLINE Index reverseIndex(Index i, int bits)
 {
-    return bits == 0 ? 0
-                     : static_cast<Index>(__builtin_bitreverse64(static_cast<uint64_t>(i)) >> (64 - bits));
+    return bits == 0 ? 0 : static_cast<Index>(__builtin_bitreverse64(static_cast<uint64_t>(i)) >> (64 - bits));
 }
 
 // Points to a vector, and vectors of points as whole pieces: rows to columns.
@@ -35,9 +35,10 @@ template<class T> QVR_INLINE void transposePoints(Full<double>* r)
     }
 }
 
-constexpr int8_t kReversed6[64] = {
-    0, 32, 16, 48, 8,  40, 24, 56, 4, 36, 20, 52, 12, 44, 28, 60, 2, 34, 18, 50, 10, 42, 26, 58, 6, 38, 22, 54, 14, 46, 30, 62,
-    1, 33, 17, 49, 9,  41, 25, 57, 5, 37, 21, 53, 13, 45, 29, 61, 3, 35, 19, 51, 11, 43, 27, 59, 7, 39, 23, 55, 15, 47, 31, 63};
+constexpr int8_t kReversed6[64] = {0, 32, 16, 48, 8,  40, 24, 56, 4, 36, 20, 52, 12, 44, 28, 60,
+                                   2, 34, 18, 50, 10, 42, 26, 58, 6, 38, 22, 54, 14, 46, 30, 62,
+                                   1, 33, 17, 49, 9,  41, 25, 57, 5, 37, 21, 53, 13, 45, 29, 61,
+                                   3, 35, 19, 51, 11, 43, 27, 59, 7, 39, 23, 55, 15, 47, 31, 63};
 
 // dst[rev j][c] = src[rev c][j] over a dense tile of 2^K rows of 2^K points.
 template<int K, class T> inline void reverseTile(const T* src, T* dst, Index dstStep)

@@ -1,4 +1,4 @@
-// Sines and cosines as constants of the compiler.
+// Sines and cosines: as constants of the compiler, and at run time.
 #ifndef QVR_FOURIER_SINES_H
 #define QVR_FOURIER_SINES_H
 
@@ -59,6 +59,10 @@ constexpr int kConstantQuarter = (1 << kConstantBase) / 4;
 extern "C" {
 extern const QVR_HIDDEN float qvrQuarterWave_32f[kConstantQuarter + 1];
 extern const QVR_HIDDEN double qvrQuarterWave_64f[kConstantQuarter + 1];
+
+// libm's, for the slots.
+QVR_HIDDEN double qvrSine(double x);
+QVR_HIDDEN double qvrCosine(double x);
 }
 
 #endif

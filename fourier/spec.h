@@ -24,13 +24,13 @@ template<class T> struct FftSpec {
     uint32_t doInvScale; // the inverse transform multiplies by normFactor
     T normFactor;        // 1/N or 1/sqrt(N); 0 where nothing scales
     int32_t hint;
-    int32_t workSize;    // bytes of work memory, 0: none
-    int32_t isAlloc;     // pBlock is ours to release
+    int32_t workSize; // bytes of work memory, 0: none
+    int32_t isAlloc;  // pBlock is ours to release
     [[no_unique_address]] ThreadLimitField<kThreadedBand> threadLimit;
     void* pBlock;
     int32_t* pBitRev;
     T* pTwiddle;
-    T* pSweepTwiddle;    // first generation: radix-2 sweeps; threaded band: the radix-8 top pass
+    T* pSweepTwiddle; // first generation: radix-2 sweeps; threaded band: the radix-8 top pass
     T* pSweepTwiddle2;
     T* pFwdRecomb;
     T* pInvRecomb;
@@ -63,7 +63,8 @@ template<class T> using SpecType = typename SpecTypeOf<T>::type;
 // Packed spectrum, N values: Re X[0], Re X[N/2], then Re, Im of X[1] .. X[N/2 - 1].
 // Tail-packed, N values: Re X[0], Re, Im of X[1] .. X[N/2 - 1], Re X[N/2].
 #define QVR_FFT_INTERNALS(tag, T)                                                                                      \
-    /* Bytes of the object's block, of the memory that initialisation needs (0: none) and of a caller's work buffer. */ \
+    /* Bytes of the object's block, of the memory that initialisation needs (0: none) and of a caller's work buffer.   \
+     */                                                                                                                \
     QVR_HIDDEN qvrStatus SLOT(ownqvrsFFTGetSize_R_##tag)(int order, int flag, int hint, int32_t* pSpecSize,            \
                                                          int32_t* pInitSize, int32_t* pWorkSize);                      \
     QVR_HIDDEN qvrStatus SLOT(ownqvrsFFTInit_R_##tag)(qvrsFFTSpec_R_##tag * *ppSpec, int order, int flag, int hint,    \

@@ -21,8 +21,7 @@ template<bool Conjugate, class T> inline void multiplyPairs(const T* src, T* src
     constexpr int W = kLanes<T>;
     Index i = 0;
     for (; i + W <= pairs; i += W)
-        storePairs(srcDst + 2 * i,
-                   spectrumProduct<Conjugate>(loadPairs<V>(src + 2 * i), loadPairs<V>(srcDst + 2 * i)));
+        storePairs(srcDst + 2 * i, spectrumProduct<Conjugate>(loadPairs<V>(src + 2 * i), loadPairs<V>(srcDst + 2 * i)));
     for (; i < pairs; i++) {
         const Cx<S> x = {load<S>(src + 2 * i), load<S>(src + 2 * i + 1)};
         const Cx<S> y = {load<S>(srcDst + 2 * i), load<S>(srcDst + 2 * i + 1)};

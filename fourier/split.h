@@ -1,8 +1,9 @@
 // Complex transforms above the flat limit, second generation: bits reversed in the whole array, then 2^f rows of R
 // contiguous points each by its stages, then the last f stages on tiles of W adjacent columns of all rows.
 //
-// A tile's stages are those of the flat transform: lane c W + j of the tile stands for butterfly c R + column. The first
-// one reads the rows, the last one writes them back as pairs. Its twiddles are stored tile by tile in the order of use.
+// A tile's stages are those of the flat transform: lane c W + j of the tile stands for butterfly c R + column. The
+// first one reads the rows, the last one writes them back as pairs. Its twiddles are stored tile by tile in the order
+// of use.
 #ifndef QVR_FOURIER_SPLIT_H
 #define QVR_FOURIER_SPLIT_H
 
@@ -67,8 +68,7 @@ inline const T* tileStage(const T* in, Index inStep, T* out, Index outStep, int 
     return tw + done * records;
 }
 
-template<class T, class In, class Out>
-inline void splitTiles(T* data, int m, const T* tw, T* work, In from, Out to)
+template<class T, class In, class Out> inline void splitTiles(T* data, int m, const T* tw, T* work, In from, Out to)
 {
     const int f = splitOrder<T>(m), t = tileOrder<T>(m), r = m - f;
     const Index columns = Index{1} << (t - f), rowLength = Index{1} << r, tileStep = 2 * columns;
@@ -78,9 +78,8 @@ inline void splitTiles(T* data, int m, const T* tw, T* work, In from, Out to)
             const int radix = tileRadix(bits), next = bits - orderOf(radix);
             const bool first = bits == f, last = next == 0;
             const auto run = [&](auto in, auto fromHere, auto inStep, auto out, auto toHere, auto outStep) {
-                tw = radix == 4
-                         ? tileStage<4>(in, inStep, out, outStep, f, bits, columns, tw, fromHere, toHere)
-                         : tileStage<8>(in, inStep, out, outStep, f, bits, columns, tw, fromHere, toHere);
+                tw = radix == 4 ? tileStage<4>(in, inStep, out, outStep, f, bits, columns, tw, fromHere, toHere)
+                                : tileStage<8>(in, inStep, out, outStep, f, bits, columns, tw, fromHere, toHere);
             };
             if (first && last)
                 run(tile, from, 2 * rowLength, tile, to, 2 * rowLength);

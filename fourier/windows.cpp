@@ -6,9 +6,8 @@
 // No table and no cosine per element. Slot mx turns (cos kt, sin kt) by t and multiplies in double. The others run a
 // second-order recurrence in double, d[k + 2n] = 2 cos(nt) d[k + n] - d[k], round the weight to single and multiply
 // there. The middle element of an odd length is never touched.
-#include <math.h>
-
-#include "frame/simd.h"
+#include "fourier/lanes.h"
+#include "fourier/sines.h"
 #include "frame/status.h"
 
 namespace {
@@ -27,6 +26,13 @@ inline qvrStatus checkWindow(const void* p, int len)
     return len < 3 ? qvrErrBadSize : qvrOk;
 }
 
+// Hann and Blackman at length 3.
+inline void zeroEnds(float* p)
+{
+    put(p, 0, 0.0f);
+    put(p, 2, 0.0f);
+}
+
 inline double baseAngle(int len)
 {
     return kTwoPi / static_cast<double>(len - 1);
@@ -37,13 +43,13 @@ inline double baseAngle(int len)
 // Multiplies the pairs from both ends by weight(cos kt).
 template<class T, class Weight> inline void rotateWindow(T* p, int len, const Weight& weight)
 {
-    const double c = cos(baseAngle(len)), s = __builtin_sqrt(1 - c * c);
+    const double c = qvrCosine(baseAngle(len)), s = __builtin_sqrt(1 - c * c);
     double cosine = 1, sine = 0;
     const int half = (len - 1) >> 1, pairs = len % 2 == 0 ? half + 1 : half;
     for (int k = 0; k < pairs; k++) {
         const double w = weight(cosine);
-        p[k] = static_cast<T>(p[k] * w);
-        p[len - 1 - k] = static_cast<T>(p[len - 1 - k] * w);
+        put(p, k, static_cast<T>(get(p, k) * w));
+        put(p, len - 1 - k, static_cast<T>(get(p, len - 1 - k) * w));
         const double next = c * cosine - s * sine;
         sine = sine * c + cosine * s;
         cosine = next;
@@ -62,18 +68,18 @@ QVR_INLINE void applyFour(float* front, float* back, F w)
 inline void applyRest(float* front, float* back, F w, int pairs)
 {
     for (int i = 0; i < pairs; i++) {
-        front[i] *= w[i];
-        back[-i] *= w[i];
+        put(front, i, get(front, i) * w[i]);
+        put(back, -i, get(back, -i) * w[i]);
     }
 }
 
 // Two chains of two lanes, d[k + 4] = 2 cos(2t) d[k + 2] - d[k], from amplitude * cos kt; weight(d) is offset - d.
 inline void cosineWindow(float* p, int len, double amplitude, double offset)
 {
-    const double t = baseAngle(len), c = cos(t), twice = 2 * c;
+    const double t = baseAngle(len), c = qvrCosine(t), twice = 2 * c;
     const double d0 = amplitude, before = amplitude * c, d1 = twice * d0 - before, d2 = twice * d1 - d0;
     D a = {d0, d1}, b = {d2, twice * d2 - d1};
-    const D factor = splat<D>(2 * cos(2 * t)), o = splat<D>(offset);
+    const D factor = splat<D>(2 * qvrCosine(2 * t)), o = splat<D>(offset);
     float *front = p, *back = p + len - 1;
     int pairs = len >> 1;
     for (; pairs > 0; pairs -= 4, front += 4, back -= 4) {
@@ -89,7 +95,7 @@ inline void cosineWindow(float* p, int len, double amplitude, double offset)
 // w = -4a r r + ((0.5 + a) - r) with r = 0.5 cos kt rounded: the window by cos 2x = 2 cos^2 x - 1.
 inline void blackmanWindow(float* p, int len)
 {
-    const double c = cos(baseAngle(len)), twice = 2 * c;
+    const double c = qvrCosine(baseAngle(len)), twice = 2 * c;
     double d = 0.5, before = 0.5 * c;
     const F square = splat<F>(-4 * kBlackmanAlpha), offset = splat<F>(0.5f + kBlackmanAlpha);
     float *front = p, *back = p + len - 1;
@@ -114,8 +120,8 @@ inline void bartlettDouble(float* p, int len)
     double v = 0;
     for (int k = 1; k < pairs; k++) {
         v += d;
-        p[k] = static_cast<float>(p[k] * v);
-        p[len - 1 - k] = static_cast<float>(p[len - 1 - k] * v);
+        put(p, k, static_cast<float>(get(p, k) * v));
+        put(p, len - 1 - k, static_cast<float>(get(p, len - 1 - k) * v));
     }
 }
 
@@ -141,14 +147,14 @@ inline void bartlettSingle(float* p, int len)
             w += increment;
         }
         for (int i = 0; k < pairs; k++, i++) {
-            p[k] *= w[i];
-            p[len - 1 - k] *= w[i];
+            put(p, k, get(p, k) * w[i]);
+            put(p, len - 1 - k, get(p, len - 1 - k) * w[i]);
         }
         return;
     }
     for (; k < pairs; k++, v += d) {
-        p[k] *= v;
-        p[len - 1 - k] *= v;
+        put(p, k, get(p, k) * v);
+        put(p, len - 1 - k, get(p, len - 1 - k) * v);
     }
 }
 
@@ -168,9 +174,9 @@ inline Turn turn(Turn a, Turn b)
 
 inline void hammingShort(qvr16s* p, int len)
 {
-    p[0] = static_cast<qvr16s>(static_cast<float>(p[0]) * (0.54f - 0.46f));
-    p[len - 1] = static_cast<qvr16s>(static_cast<float>(p[len - 1]) * (0.54f - 0.46f));
-    const Turn one = {cos(baseAngle(len)), sin(baseAngle(len))};
+    for (int end = 0; end < len; end += len - 1)
+        put(p, end, static_cast<qvr16s>(static_cast<float>(get(p, end)) * (0.54f - 0.46f)));
+    const Turn one = {qvrCosine(baseAngle(len)), qvrSine(baseAngle(len))};
     // Distances 1, 2, .. or, by the half-angle formulas, 1/2, 3/2, ..
     const Turn half = {__builtin_sqrt((1 + one.c) * 0.5), __builtin_sqrt((1 - one.c) * 0.5)};
     const Turn two = turn(one, one), four = turn(two, two);
@@ -188,9 +194,9 @@ inline void hammingShort(qvr16s* p, int len)
             const F w = splat<F>(0.54f) + splat<F>(0.46f) * c;
             if (pairs < 4) {
                 for (int l = 0; l < pairs; l++) {
-                    const Vec<int, 4> v = toInt(F{left[-l] * w[l], right[l] * w[l]});
-                    left[-l] = static_cast<qvr16s>(v[0]);
-                    right[l] = static_cast<qvr16s>(v[1]);
+                    const Vec<int, 4> v = toInt(F{get(left, -l) * w[l], get(right, l) * w[l]});
+                    put(left, -l, static_cast<qvr16s>(v[0]));
+                    put(right, l, static_cast<qvr16s>(v[1]));
                 }
                 return;
             }
@@ -214,8 +220,8 @@ qvrStatus SLOT(qvrsWinBartlett_32f_I)(qvr32f* pSrcDst, int len)
 {
     if (const qvrStatus status = checkWindow(pSrcDst, len))
         return status;
-    pSrcDst[0] = 0;
-    pSrcDst[len - 1] = 0;
+    put(pSrcDst, 0, 0.0f);
+    put(pSrcDst, len - 1, 0.0f);
     if constexpr (kRotation)
         bartlettDouble(pSrcDst, len);
     else
@@ -228,7 +234,7 @@ qvrStatus SLOT(qvrsWinHann_32f_I)(qvr32f* pSrcDst, int len)
     if (const qvrStatus status = checkWindow(pSrcDst, len))
         return status;
     if (len == 3)
-        pSrcDst[0] = pSrcDst[2] = 0;
+        zeroEnds(pSrcDst);
     else if constexpr (kRotation)
         rotateWindow(pSrcDst, len, [](double c) { return 0.5 * (1 - c); });
     else
@@ -263,7 +269,7 @@ qvrStatus SLOT(qvrsWinBlackmanStd_32f_I)(qvr32f* pSrcDst, int len)
     if (const qvrStatus status = checkWindow(pSrcDst, len))
         return status;
     if (len == 3)
-        pSrcDst[0] = pSrcDst[2] = 0;
+        zeroEnds(pSrcDst);
     else if constexpr (kRotation)
         rotateWindow(pSrcDst, len, [](double c) {
             const double a = kBlackmanAlpha;

@@ -27,9 +27,7 @@ namespace fft {
 template<class T> struct Functions;
 
 #define QVR_TABLE(name, tag)                                                                                           \
-    {                                                                                                                  \
-        mx_##name##tag, m7_##name##tag, u8_##name##tag, n8_##name##tag, y8_##name##tag, e9_##name##tag, l9_##name##tag \
-    }
+    {mx_##name##tag, m7_##name##tag, u8_##name##tag, n8_##name##tag, y8_##name##tag, e9_##name##tag, l9_##name##tag}
 #define QVR_FUNCTIONS(tag, T)                                                                                          \
     template<> struct Functions<T> {                                                                                   \
         using Spec = qvrsFFTSpec_R_##tag;                                                                              \
@@ -38,8 +36,7 @@ template<class T> struct Functions;
         static constexpr auto& free = qvrTable_qvrsFFTFree_R_##tag;                                                    \
         static constexpr auto& forward = qvrTable_qvrsFFTFwd_RToCCS_##tag;                                             \
         static constexpr auto& inverse = qvrTable_qvrsFFTInv_CCSToR_##tag;                                             \
-        static constexpr decltype(&mx_ownqvrsFFTGetSize_R_##tag) getSize[7] =                                          \
-            QVR_TABLE(ownqvrsFFTGetSize_R_, tag);                                                                      \
+        static constexpr decltype(&mx_ownqvrsFFTGetSize_R_##tag) getSize[7] = QVR_TABLE(ownqvrsFFTGetSize_R_, tag);    \
         static constexpr decltype(&mx_ownqvrsFFTInit_R_##tag) initIn[7] = QVR_TABLE(ownqvrsFFTInit_R_, tag);           \
         static constexpr decltype(&mx_ownqvrsFFTGetBufSize_R_##tag) bufSize[7] =                                       \
             QVR_TABLE(ownqvrsFFTGetBufSize_R_, tag);                                                                   \
@@ -71,7 +68,7 @@ public:
     }
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
-    operator const typename F::Spec*() const { return spec_; }
+    operator const typename F::Spec *() const { return spec_; }
     typename F::Spec* get() const { return spec_; }
     size_t bufferSize() const
     {

@@ -153,14 +153,13 @@ TEST(Windows, Blackman)
     slots::each(qvrTable_qvrsWinBlackmanStd_32f_I, [&](auto f, int slot) {
         for (int len : lengths())
             if (slot == 0)
-                expectWeights(
-                    f, len,
-                    rotated(len,
-                            [](double c) {
-                                const double a = -0.16f;
-                                return (1 + a) / 2 - 0.5 * c - a / 2 * (2 * c * c - 1);
-                            }),
-                    timesDouble, len == 3);
+                expectWeights(f, len,
+                              rotated(len,
+                                      [](double c) {
+                                          const double a = -0.16f;
+                                          return (1 + a) / 2 - 0.5 * c - a / 2 * (2 * c * c - 1);
+                                      }),
+                              timesDouble, len == 3);
             else
                 expectWeights(f, len, blackman(len), timesSingle, len == 3);
     });
@@ -198,8 +197,10 @@ TEST(Windows, WeightsByFormula)
         double bound;
         double drift; // half a unit of 2^-24 for each addition of the running weight, at most one for each 8 elements
     } windows[] = {
-        {"Bartlett", qvrTable_qvrsWinBartlett_32f_I, [](long double, long double x) { return 2 * x; }, 6e-8, 0x1p-25 / 8},
-        {"Hann", qvrTable_qvrsWinHann_32f_I, [](long double t, long double) { return 0.5L - 0.5L * cosl(t); }, 1.5e-7, 0},
+        {"Bartlett", qvrTable_qvrsWinBartlett_32f_I, [](long double, long double x) { return 2 * x; }, 6e-8,
+         0x1p-25 / 8},
+        {"Hann", qvrTable_qvrsWinHann_32f_I, [](long double t, long double) { return 0.5L - 0.5L * cosl(t); }, 1.5e-7,
+         0},
         {"Hamming", qvrTable_qvrsWinHamming_32f_I, [](long double t, long double) { return 0.54L - 0.46L * cosl(t); },
          1.5e-7, 0},
         {"Blackman", qvrTable_qvrsWinBlackmanStd_32f_I,
