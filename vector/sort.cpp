@@ -180,18 +180,65 @@ template<class T> QVR_INLINE void bubbleSort(T* a, Index n)
     }
 }
 
-// What is below the pivot (or not above it) goes to the front, whose length is returned. Every element takes part in
-// one swap, which the comparison moves on or does not.
-template<bool OrEqual, class T> QVR_INLINE Index gather(T* a, Index n, T pivot)
+template<bool OrEqual, class T> QVR_INLINE bool goesToFront(T x, T pivot)
 {
+    return OrEqual ? x <= pivot : x < pivot;
+}
+
+// What is below the pivot (or not above it) goes to the front, whose length is returned. Up to a buffer's length, every
+// element is stored in the front and in the buffer, and the comparison moves on in one of them: no store is waited for.
+constexpr Index kBuffer = 256;
+
+template<bool OrEqual, class T> QVR_INLINE Index gatherShort(T* a, Index n, T pivot)
+{
+    T buffer[kBuffer];
     Index front = 0;
     for (Index i = 0; i < n; i++) {
         const T x = elementAt(a, i);
-        putElement(a, i, elementAt(a, front));
         putElement(a, front, x);
-        front += OrEqual ? x <= pivot : x < pivot;
+        putElement(buffer, i - front, x);
+        front += goesToFront<OrEqual>(x, pivot);
     }
+    const Index back = n - front;
+    __builtin_memcpy(a + front, buffer, static_cast<size_t>(back) * sizeof(T));
     return front;
+}
+
+// Longer arrays in blocks from both ends: the places of the elements that lie on the wrong side are listed, again with
+// a store that the comparison keeps or not, and then swapped in pairs. What the blocks leave goes the short way.
+template<bool OrEqual, class T> QVR_INLINE Index gather(T* a, Index n, T pivot)
+{
+    constexpr int B = 64;
+    static_assert(4 * B <= kBuffer);
+    uint8_t left[B], right[B];
+    int lefts = 0, rights = 0, leftAt = 0, rightAt = 0;
+    Index from = 0, to = n;
+    while (to - from > 2 * B) {
+        if (lefts == 0) {
+            leftAt = 0;
+            for (int k = 0; k < B; k++) {
+                left[lefts] = static_cast<uint8_t>(k);
+                lefts += !goesToFront<OrEqual>(elementAt(a, from + k), pivot);
+            }
+        }
+        if (rights == 0) {
+            rightAt = 0;
+            for (int k = 0; k < B; k++) {
+                right[rights] = static_cast<uint8_t>(k);
+                rights += goesToFront<OrEqual>(elementAt(a, to - 1 - k), pivot);
+            }
+        }
+        const int pairs = lefts < rights ? lefts : rights;
+        for (int k = 0; k < pairs; k++)
+            swapElements(a, from + left[leftAt + k], to - 1 - right[rightAt + k]);
+        lefts -= pairs;
+        rights -= pairs;
+        leftAt += pairs;
+        rightAt += pairs;
+        from += lefts == 0 ? B : 0;
+        to -= rights == 0 ? B : 0;
+    }
+    return from + gatherShort<OrEqual>(a + from, to - from, pivot);
 }
 
 template<class T> QVR_INLINE T medianOf(T x, T y, T z)
@@ -201,7 +248,27 @@ template<class T> QVR_INLINE T medianOf(T x, T y, T z)
     return low > least ? low : least;
 }
 
-constexpr Index kBubbleUpTo = 8;
+// Eight elements by a network of 19 comparisons.
+template<class T> QVR_INLINE void sortEight(T* a)
+{
+    constexpr int8_t network[19][2] = {{0, 2}, {1, 3}, {4, 6}, {5, 7}, {0, 4}, {1, 5}, {2, 6}, {3, 7}, {0, 1}, {2, 3},
+                                       {4, 5}, {6, 7}, {2, 4}, {3, 5}, {1, 4}, {3, 6}, {1, 2}, {3, 4}, {5, 6}};
+    T x[8];
+#pragma unroll
+    for (int i = 0; i < 8; i++)
+        x[i] = elementAt(a, i);
+#pragma unroll
+    for (int i = 0; i < 19; i++) {
+        const T low = x[network[i][0]], high = x[network[i][1]];
+        x[network[i][0]] = low < high ? low : high;
+        x[network[i][1]] = low > high ? low : high;
+    }
+#pragma unroll
+    for (int i = 0; i < 8; i++)
+        putElement(a, i, x[i]);
+}
+
+constexpr Index kSmallUpTo = 8;
 constexpr Index kNinthsFrom = 128; // elements from which the pivot is a median of three medians
 
 template<class T> void sortPlain(T* a, Index len)
@@ -209,11 +276,17 @@ template<class T> void sortPlain(T* a, Index len)
     struct {
         T* from;
         Index n;
+        int patience; // bad splits left before the steps take over
     } stack[kStack];
+    T* const end = a + len;
     int depth = 0, patience = 2 * (64 - __builtin_clzll(static_cast<unsigned long long>(len)));
     for (Index n = len;;) {
-        if (n <= kBubbleUpTo || patience == 0) {
-            if (n <= kBubbleUpTo)
+        if (n <= kSmallUpTo || patience == 0) {
+            // What lies behind a part is not below it, and parts behind it are in order, so sorting eight from its
+            // beginning does no harm there, and needs no look at the length.
+            if (n <= kSmallUpTo && end - a >= 8)
+                sortEight(a);
+            else if (n <= kSmallUpTo)
                 bubbleSort(a, n);
             else
                 sortBySteps(a, n);
@@ -222,6 +295,7 @@ template<class T> void sortPlain(T* a, Index len)
             depth--;
             a = stack[depth].from;
             n = stack[depth].n;
+            patience = stack[depth].patience;
             continue;
         }
         const auto three = [&](Index at, Index apart) {
@@ -242,11 +316,11 @@ template<class T> void sortPlain(T* a, Index len)
         const Index back = n - front;
         patience -= front < n / 8 || back < n / 8;
         if (front > back) {
-            stack[depth++] = {a, front};
+            stack[depth++] = {a, front, patience};
             a += front;
             n = back;
         } else {
-            stack[depth++] = {a + front, back};
+            stack[depth++] = {a + front, back, patience};
             n = front;
         }
     }
