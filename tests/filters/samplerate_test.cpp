@@ -19,7 +19,7 @@ template<class T, class F> void checkDown(F f, int n, int factor, int phase, siz
     int count = -7, p = phase;
     ASSERT_EQ(f(src, n, dst, &count, factor, &p), qvrOk);
     ASSERT_EQ(count, static_cast<int>(want.size()));
-    EXPECT_EQ(memcmp(static_cast<void*>(dst), want.data(), bytes), 0)
+    EXPECT_TRUE(bytes == 0 || memcmp(static_cast<void*>(dst), want.data(), bytes) == 0)
         << n << " factor " << factor << " phase " << phase << " +" << offset;
     EXPECT_TRUE(in.intact() && out.intact());
     // The next kept sample, counted from the end of this block.
