@@ -1,7 +1,7 @@
 // Calls of the vector functions whose arrays are not all of the first int behind the last pointer.
 #pragma once
 
-#include "fuzz/shapes.h"
+#include "fuzz/shape.h"
 
 namespace fuzz {
 
