@@ -55,7 +55,9 @@ static Frames framesOf(const float* x, int n, int rate, float threshold)
     for (int i = 0; i < f.count; i++) {
         const float* frame = x + (int64_t)i * f.length;
         float low, high;
-        need(Morven_qvrsZeroCrossing_32f(frame, f.length, &f.crossings[i], qvrZcSignBit), "crossings");
+        // The step to the next frame belongs to this one.
+        const int pairs = (int64_t)(i + 1) * f.length < n ? f.length : f.length - 1;
+        need(Morven_qvrsZeroCrossing_32f(frame, pairs + 1, &f.crossings[i], qvrZcSignBit), "crossings");
         need(Morven_qvrsMinMax_32f(frame, f.length, &low, &high), "extremes");
         f.level[i] = 0;
         if (f.length > 1)
