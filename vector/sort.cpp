@@ -200,7 +200,7 @@ template<bool OrEqual, class T> QVR_INLINE Index gatherShort(T* a, Index n, T pi
         front += goesToFront<OrEqual>(x, pivot);
     }
     const Index back = n - front;
-    __builtin_memcpy(a + front, buffer, static_cast<size_t>(back) * sizeof(T));
+    __builtin_memcpy(reinterpret_cast<char*>(a + front), buffer, static_cast<size_t>(back) * sizeof(T));
     return front;
 }
 
