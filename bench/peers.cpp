@@ -10,13 +10,14 @@ namespace bench {
         plain_##family##_n8[], plain_##family##_y8[], plain_##family##_e9[], plain_##family##_l9[];
 QVR_PLAIN_TABLES(vector)
 QVR_PLAIN_TABLES(vector_fixed)
+QVR_PLAIN_TABLES(filters)
 
 #define QVR_PLAIN_ROW(family)                                                                                          \
     {plain_##family##_mx, plain_##family##_m7, plain_##family##_u8, plain_##family##_n8,                               \
      plain_##family##_y8, plain_##family##_e9, plain_##family##_l9}
 
 namespace {
-const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(vector_fixed)};
+const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(vector_fixed), QVR_PLAIN_ROW(filters)};
 } // namespace
 
 #ifdef QVR_HAVE_EIGEN
