@@ -40,5 +40,10 @@ for rounding in truncate even away; do
 done
 rm -r build/demo/pkgconfig
 echo
+echo "statistics: levels, peak, zero crossings and silences; the envelope as a picture"
+build/examples/statistics --out build/demo/statistics.png "$sound"
+
+echo
 echo "Sounds are in build/demo; the program built through pkg-config wrote the same bytes as the one built through CMake."
+echo "The envelope is build/demo/statistics.png."
 echo "Listen with: aplay build/demo/effects-even.wav"

@@ -459,24 +459,23 @@ template<class V> QVR_INLINE Vec<int32_t, lanes<V> / 2> pairSums(V v)
         return bitcast<R>(_mm_madd_epi16(bitcast<__m128i>(v), _mm_set1_epi16(1)));
 }
 
-// 16-bit products with saturation: the halves of each 32-bit product come from two multiplications, and the high half
-// repeats the sign of the low one exactly when the product fits.
+// 16-bit products with saturation: low and high halves are joined to 32 bits and packed again.
 template<class V> QVR_INLINE V mulSaturate(V a, V b)
 {
     static_assert(sizeof(Elem<V>) == 2);
-    V low, high;
     if constexpr (sizeof(V) > (kAvx2 ? 32 : 16)) {
         return byHalves([](auto... x) { return mulSaturate(x...); }, a, b);
     } else if constexpr (sizeof(V) < 16) {
         return slice<0, lanes<V>>(mulSaturate(padTo16(a), padTo16(b)));
     } else if constexpr (sizeof(V) == 32) {
-        low = bitcast<V>(_mm256_mullo_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)));
-        high = bitcast<V>(_mm256_mulhi_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)));
+        const __m256i low = _mm256_mullo_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b));
+        const __m256i high = _mm256_mulhi_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b));
+        return bitcast<V>(_mm256_packs_epi32(_mm256_unpacklo_epi16(low, high), _mm256_unpackhi_epi16(low, high)));
     } else {
-        low = bitcast<V>(_mm_mullo_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
-        high = bitcast<V>(_mm_mulhi_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
+        const __m128i low = _mm_mullo_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b));
+        const __m128i high = _mm_mulhi_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b));
+        return bitcast<V>(_mm_packs_epi32(_mm_unpacklo_epi16(low, high), _mm_unpackhi_epi16(low, high)));
     }
-    return high == low >> 15 ? low : high >> 15 ^ 0x7FFF;
 }
 
 // ---- Masks ----------------------------------------------------------------------------------------------------------

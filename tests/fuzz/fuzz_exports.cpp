@@ -1,6 +1,6 @@
 // Calls a random export in a random slot with random arguments: nothing may be read or written outside the arrays,
 // nothing undefined may happen, and a call with a null pointer or a length below 1 must return an error.
-#include "fuzz/shapes_vector.h"
+#include "fuzz/shapes.h"
 #include "support/slot_list.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Calls of the vector functions whose arrays are not all of the first int behind the last pointer.
 #pragma once
 
-#include "fuzz/shapes.h"
+#include "fuzz/shape.h"
 
 namespace fuzz {
 
@@ -10,6 +10,17 @@ inline void expect(bool right)
 {
     if (!right)
         __builtin_trap();
+}
+
+// Arrays may start at any byte, so elements move by bytes.
+template<class T> void copyElements(T* to, const T* from, int n)
+{
+    memcpy(reinterpret_cast<char*>(to), reinterpret_cast<const char*>(from), static_cast<size_t>(n) * sizeof(T));
+}
+template<class T> bool sameElements(const T* a, const T* b, int n)
+{
+    return memcmp(reinterpret_cast<const char*>(a), reinterpret_cast<const char*>(b),
+                  static_cast<size_t>(n) * sizeof(T)) == 0;
 }
 
 // f(source, length, results..., arguments...): results are single elements.
@@ -73,7 +84,7 @@ template<class F> void callIndexed(F f, Input& in)
     expect(f(src, len, in.array<qvr32f>(1), index) == qvrOk);
     if (index) {
         qvr32s at;
-        memcpy(&at, index, sizeof at);
+        copyElements(&at, index, 1);
         expect(at >= 0 && at < len);
     }
 }
@@ -120,13 +131,12 @@ template<class T, class F> void callFind(F f, Input& in)
     const T* src = in.array<T>(len);
     const T* find = in.array<T>(lenFind);
     if (lenFind > 0 && lenFind <= len && in.oneIn(2))
-        memcpy(const_cast<T*>(find), src + in.range(0, len - lenFind), static_cast<size_t>(lenFind) * sizeof(T));
+        copyElements(const_cast<T*>(find), src + in.range(0, len - lenFind), lenFind);
     qvr32s* const index = in.array<qvr32s>(1);
     expect(f(src, len, find, lenFind, index) == qvrOk);
     qvr32s at;
-    memcpy(&at, index, sizeof at);
-    expect(at == -1 ||
-           (at >= 0 && at <= len - lenFind && memcmp(src + at, find, static_cast<size_t>(lenFind) * sizeof(T)) == 0));
+    copyElements(&at, index, 1);
+    expect(at == -1 || (at >= 0 && at <= len - lenFind && sameElements(src + at, find, lenFind)));
 }
 template<> struct Shape<qvrsFind_8u> {
     template<class F> static void call(F f, Input& in) { callFind<qvr8u>(f, in); }
@@ -174,7 +184,7 @@ template<> struct Shape<qvrsCopyColumn_Indirect_16s_D2> {
         for (int c = 0; c < dstCols; c++) {
             const qvr32s k = in.oneIn(200) ? in.any<qvr32s>() : in.range(0, srcCols - 1);
             bad |= k < 0 || k >= srcCols;
-            memcpy(index + c, &k, sizeof k);
+            copyElements(index + c, &k, 1);
         }
         const qvrStatus want = srcCols > srcStride || dstCols > dstStride ? qvrErrBadColumns
                                : bad                                      ? qvrErrBadSize
@@ -197,7 +207,7 @@ template<> struct Shape<qvrsCopyColumn_Indirect_16s_D2L> {
         qvr32s* index = in.array<qvr32s>(dstCols);
         for (int c = 0; c < dstCols; c++) {
             const qvr32s k = in.range(0, srcCols - 1);
-            memcpy(index + c, &k, sizeof k);
+            copyElements(index + c, &k, 1);
         }
         expect(f(src.data(), srcCols, dst.data(), index, dstCols, rows) == (null ? qvrErrNullPointer : qvrOk));
     }
