@@ -6,6 +6,7 @@
 #define QVR_FOURIER_KERNELS_H
 
 #include "fourier/passes.h"
+#include "fourier/sixteen.h"
 
 namespace {
 
@@ -127,18 +128,18 @@ template<class T, int N> QVR_INLINE void realForward(const T* src, T* dst, T fac
     }
 }
 
-// In place: the packed spectrum to N reals.
-template<class T, int N> QVR_INLINE void realInverse(T* p, T factor, bool scale)
+// The bins k at p[2k] and X[N/2] at p[lastAt] to N reals. Everything is loaded before anything is stored.
+template<class T, int N> QVR_INLINE void realInverse(const T* p, Index lastAt, T* dst, T factor, bool scale)
 {
     using S = Scalar<T>;
     const S f = {scale ? factor : T{1}};
-    const auto put = [&](int i, S v) { store(p + i, scale ? v * f : v); };
+    const auto put = [&](int i, S v) { store(dst + i, scale ? v * f : v); };
     if constexpr (N == 1) {
         put(0, load<S>(p));
     } else {
         constexpr int M = N / 2;
         Cx<S> z[M]; // swapped
-        const S first = load<S>(p), last = load<S>(p + 1), two = {T(2)};
+        const S first = load<S>(p), last = load<S>(p + lastAt), two = {T(2)};
         z[0] = {first - last, first + last};
 #pragma clang loop unroll(full)
         for (int k = 1; k < M / 2; k++) {
@@ -178,7 +179,7 @@ template<class T> inline void realForwardOf(int order, const T* src, T* dst, T f
         realForward<T, 8>(src, dst, factor, scale);
         break;
     case 4:
-        realForward<T, 16>(src, dst, factor, scale);
+        sixteenForward(src, dst, factor, scale);
         break;
     case 5:
         if constexpr (kFftLimits<T>.real == 5)
@@ -186,27 +187,27 @@ template<class T> inline void realForwardOf(int order, const T* src, T* dst, T f
         break;
     }
 }
-template<class T> inline void realInverseOf(int order, T* p, T factor, bool scale)
+template<class T> inline void realInverseOf(int order, const T* p, Index lastAt, T* dst, T factor, bool scale)
 {
     switch (order) {
     case 0:
-        realInverse<T, 1>(p, factor, scale);
+        realInverse<T, 1>(p, lastAt, dst, factor, scale);
         break;
     case 1:
-        realInverse<T, 2>(p, factor, scale);
+        realInverse<T, 2>(p, lastAt, dst, factor, scale);
         break;
     case 2:
-        realInverse<T, 4>(p, factor, scale);
+        realInverse<T, 4>(p, lastAt, dst, factor, scale);
         break;
     case 3:
-        realInverse<T, 8>(p, factor, scale);
+        realInverse<T, 8>(p, lastAt, dst, factor, scale);
         break;
     case 4:
-        realInverse<T, 16>(p, factor, scale);
+        sixteenInverse(p, lastAt, dst, factor, scale);
         break;
     case 5:
         if constexpr (kFftLimits<T>.real == 5)
-            realInverse<T, 32>(p, factor, scale);
+            realInverse<T, 32>(p, lastAt, dst, factor, scale);
         break;
     }
 }

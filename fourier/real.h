@@ -131,15 +131,8 @@ template<class T>
 inline qvrStatus inverseFrom(const T* pSrc, T* pDst, Index lastAt, const SpecType<T>& spec, uint8_t* pBuffer)
 {
     const bool scale = spec.doInvScale != 0;
-    const Index n = Index{1} << spec.order;
     if (classOf<T>(spec.order) == FftClass::real) {
-        const T first = get(pSrc, 0), last = n > 1 ? get(pSrc, lastAt) : T{0};
-        if (n > 2)
-            moveValues(pSrc + 2, pDst + 2, n - 2);
-        put(pDst, 0, first);
-        if (n > 1)
-            put(pDst, 1, last);
-        realInverseOf<T>(spec.order, pDst, spec.normFactor, scale);
+        realInverseOf<T>(spec.order, pSrc, lastAt, pDst, spec.normFactor, scale);
         return qvrOk;
     }
     Work<T> work;
