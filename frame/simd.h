@@ -364,6 +364,171 @@ template<class V> QVR_INLINE Vec<int16_t, lanes<V>> packSaturate(V v)
     }
 }
 
+// Products of 16-bit lanes, neighbours added to 32 bits: a0 b0 + a1 b1, ... Only (-32768)^2 + (-32768)^2 wraps.
+template<class V> QVR_INLINE Vec<int32_t, lanes<V> / 2> addProductPairs(V a, V b)
+{
+    static_assert(sizeof(Elem<V>) == 2);
+    if constexpr (kAvx2 && sizeof(V) == 32)
+        return bitcast<Vec<int32_t, 8>>(_mm256_madd_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)));
+    else if constexpr (sizeof(V) > 16)
+        return byHalves([](auto... x) { return addProductPairs(x...); }, a, b);
+    else
+        return bitcast<Vec<int32_t, 4>>(_mm_madd_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
+}
+
+// ---- Nearest integer, estimates
+// ---------------------------------------------------------------------------------------
+
+// The integer nearest to v, whatever rounding MXCSR asks for, as a value of the same type. Ties go to either side.
+// Below SSE4.1 v must fit an int32.
+template<class V> QVR_INLINE V roundNearest(V v)
+{
+    if constexpr (kSse41) {
+        return __builtin_elementwise_roundeven(v);
+    } else {
+        const Elem<V> half = Elem<V>(0.5);
+        const Bits<V> sign = bits(v) & bits(splat<V>(Elem<V>(-0.0)));
+        return convert<Elem<V>>(toIntTruncate(v + bitcast<V>(bits(splat<V>(half)) | sign)));
+    }
+}
+
+// 1 / v to within 1.5 * 2^-12 of its value. Zero and denormals give an infinity, magnitudes beyond 2^126 zero.
+template<class V> QVR_INLINE V reciprocalEstimate(V v)
+{
+    static_assert(sizeof(Elem<V>) == 4);
+    if constexpr (sizeof(V) > kVecBytes)
+        return byHalves([](auto x) { return reciprocalEstimate(x); }, v);
+    else if constexpr (sizeof(V) == 32)
+        return bitcast<V>(_mm256_rcp_ps(bitcast<__m256>(v)));
+    else
+        return slice<0, lanes<V>>(bitcast<Vec<float, 4>>(_mm_rcp_ps(bitcast<__m128>(padTo16(v)))));
+}
+
+// 1 / sqrt(v) to within 1.5 * 2^-12 of its value.
+template<class V> QVR_INLINE V rootReciprocalEstimate(V v)
+{
+    static_assert(sizeof(Elem<V>) == 4);
+    if constexpr (sizeof(V) > kVecBytes)
+        return byHalves([](auto x) { return rootReciprocalEstimate(x); }, v);
+    else if constexpr (sizeof(V) == 32)
+        return bitcast<V>(_mm256_rsqrt_ps(bitcast<__m256>(v)));
+    else
+        return slice<0, lanes<V>>(bitcast<Vec<float, 4>>(_mm_rsqrt_ps(bitcast<__m128>(padTo16(v)))));
+}
+
+// ---- Look-up --------------------------------------------------------------------------------------------------------
+
+// The elements base[index[lane]] of rows that are Stride elements apart: one column, or two neighbouring ones. The
+// indices go through memory, because taking lanes out of a register one by one, or a gather instruction, costs more
+// than loads that overlap with other work.
+template<int Stride, class V, class I> QVR_INLINE V lookUp(const Elem<V>* base, I index)
+{
+    constexpr int N = lanes<V>;
+    if constexpr (sizeof(V) > kVecBytes) {
+        return concat(lookUp<Stride, decltype(lo(V{}))>(base, lo(index)),
+                      lookUp<Stride, decltype(lo(V{}))>(base, hi(index)));
+    } else {
+        Elem<I> at[N];
+        store(at, index);
+        __asm__("" : "+m"(at));
+        V v;
+        for (int i = 0; i < N; i++)
+            v[i] = base[at[i] * Stride];
+        return v;
+    }
+}
+template<int Stride, class V, class I> QVR_INLINE void lookUpPairs(const Elem<V>* base, I index, V& first, V& second)
+{
+    constexpr int N = lanes<V>;
+    using T = Elem<V>;
+    if constexpr (sizeof(V) > kVecBytes) {
+        decltype(lo(V{})) f0, f1, s0, s1;
+        lookUpPairs<Stride>(base, lo(index), f0, s0);
+        lookUpPairs<Stride>(base, hi(index), f1, s1);
+        first = concat(f0, f1);
+        second = concat(s0, s1);
+    } else {
+        Elem<I> at[N];
+        store(at, index);
+        __asm__("" : "+m"(at));
+        const auto row = [&](int i) { return base + at[i] * Stride; };
+        if constexpr (N == 1) {
+            first = V{row(0)[0]};
+            second = V{row(0)[1]};
+        } else if constexpr (sizeof(T) == 4) {
+            // Rows as doubles, so ordered that one shuffle within 16-byte blocks sorts the columns out.
+            const auto two = [&](int i, int j) { return Vec<double, 2>{load<double>(row(i)), load<double>(row(j))}; };
+            V a, b;
+            if constexpr (N == 8) {
+                a = bitcast<V>(concat(two(0, 1), two(4, 5)));
+                b = bitcast<V>(concat(two(2, 3), two(6, 7)));
+            } else {
+                a = bitcast<V>(two(0, 1));
+                b = bitcast<V>(two(2, 3));
+            }
+            first = shuffleBlocks<0, 2, 4, 6>(a, b);
+            second = shuffleBlocks<1, 3, 5, 7>(a, b);
+        } else {
+            using P = Vec<T, 2>;
+            V a, b;
+            if constexpr (N == 4) {
+                a = concat(load<P>(row(0)), load<P>(row(2)));
+                b = concat(load<P>(row(1)), load<P>(row(3)));
+            } else {
+                a = load<P>(row(0));
+                b = load<P>(row(1));
+            }
+            first = shuffleBlocks<0, 2>(a, b);
+            second = shuffleBlocks<1, 3>(a, b);
+        }
+    }
+}
+
+// One of eight values by an index 0 .. 7.
+template<class I> QVR_INLINE Vec<float, lanes<I>> choose8(Vec<float, 8> values, I index)
+{
+    if constexpr (sizeof(I) > 32) {
+        return concat(choose8(values, lo(index)), choose8(values, hi(index)));
+    } else if constexpr (sizeof(I) == 32) {
+        return bitcast<Vec<float, 8>>(_mm256_permutevar8x32_ps(bitcast<__m256>(values), bitcast<__m256i>(index)));
+    } else {
+        return slice<0, lanes<I>>(choose8(values, concat(padTo16(index), padTo16(index))));
+    }
+}
+
+// ---- Masked access
+// ----------------------------------------------------------------------------------------------------
+
+// The first n <= N lanes; nothing behind them is touched, and the other lanes of a load are zero. One instruction for
+// each register where the level has it.
+template<class V> QVR_INLINE V loadFirst(const void* p, int n)
+{
+    if constexpr (kAvx && sizeof(V) > 32) {
+        using H = decltype(lo(V{}));
+        return concat(loadFirst<H>(p, n), loadFirst<H>(static_cast<const char*>(p) + sizeof(H), n - lanes<H>));
+    } else if constexpr (kAvx && sizeof(V) == 32 && sizeof(Elem<V>) == 4) {
+        const Mask<V> wanted = iota<Mask<V>>() < n;
+        return bitcast<V>(_mm256_maskload_ps(static_cast<const float*>(p), bitcast<__m256i>(wanted)));
+    } else {
+        return n == lanes<V> ? load<V>(p) : loadPartial<V>(p, n);
+    }
+}
+template<class V> QVR_INLINE void storeFirst(void* p, V v, int n)
+{
+    if constexpr (kAvx && sizeof(V) > 32) {
+        using H = decltype(lo(V{}));
+        storeFirst(p, lo(v), n);
+        storeFirst(static_cast<char*>(p) + sizeof(H), hi(v), n - lanes<H>);
+    } else if constexpr (kAvx && sizeof(V) == 32 && sizeof(Elem<V>) == 4) {
+        const Mask<V> wanted = iota<Mask<V>>() < n;
+        _mm256_maskstore_ps(static_cast<float*>(p), bitcast<__m256i>(wanted), bitcast<__m256>(v));
+    } else if (n == lanes<V>) {
+        store(p, v);
+    } else {
+        storePartial(p, v, n);
+    }
+}
+
 // ---- Masks ----------------------------------------------------------------------------------------------------------
 
 // Nonzero if any lane of a comparison's result is true.
