@@ -41,7 +41,7 @@ constexpr qvrPowerRow powerRow(int j)
 {
     const Real x = exponential(kLn2 * j / 128);
     const float hi = static_cast<float>(x);
-    return {hi, static_cast<float>(x - hi)};
+    return {hi, static_cast<float>((x - hi) / hi)};
 }
 constexpr double powerRow64(int j)
 {

@@ -8,7 +8,7 @@
 
 extern "C" {
 
-// 2^(j / 128) as a float and what the float leaves out.
+// 2^(j / 128) = hi (1 + lo).
 typedef struct {
     float hi, lo;
 } qvrPowerRow;

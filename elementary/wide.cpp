@@ -183,7 +183,8 @@ Extended exponentialLessOne(Extended x)
 
 __attribute__((noinline)) float hyperbolic(float x, bool sine)
 {
-    const Extended m = exponentialLessOne(static_cast<Extended>(__builtin_fabsf(x)));
+    const float a = __builtin_fabsf(x);
+    const Extended m = exponentialLessOne(static_cast<Extended>(a < 200 ? a : 200.0f)); // overflows floats from 90 on
     const Extended value = sine ? (m + m / (m + 1)) / 2 : 1 + m * m / (2 * (m + 1));
     const float result = static_cast<float>(value);
     return sine ? __builtin_copysignf(result, x) : result;

@@ -55,12 +55,18 @@ struct Function1 {
 inline const float kMost = 3.4028235e38f, kLeast = 1.1754944e-38f;
 
 inline const Function1 kFunctions1[] = {
-    {"Sin", sinKernels, sinl, -kMost, kMost, 0x1p-12}, {"Cos", cosKernels, cosl, -kMost, kMost, 0x1p-12},
-    {"Tan", tanKernels, tanl, -kMost, kMost, 0},          {"Asin", asinKernels, asinl, -1, 1, 0},
-    {"Acos", acosKernels, acosl, -1, 1, 0},               {"Atan", atanKernels, atanl, -kMost, kMost, 0},
-    {"Sinh", sinhKernels, sinhl, -89.4159f, 89.4159f, 0}, {"Cosh", coshKernels, coshl, -89.4159f, 89.4159f, 0},
-    {"Tanh", tanhKernels, tanhl, -kMost, kMost, 0},       {"Exp", expKernels, expl, -87.33655f, 88.72283f, 0},
-    {"Ln", lnKernels, logl, 0x1p-149f, kMost, 0},         {"Log10", log10Kernels, log10l, 0x1p-149f, kMost, 0},
+    {"Sin", sinKernels, sinl, -kMost, kMost, 0x1p-12},
+    {"Cos", cosKernels, cosl, -kMost, kMost, 0x1p-12},
+    {"Tan", tanKernels, tanl, -kMost, kMost, 0},
+    {"Asin", asinKernels, asinl, -1, 1, 0},
+    {"Acos", acosKernels, acosl, -1, 1, 0},
+    {"Atan", atanKernels, atanl, -kMost, kMost, 0},
+    {"Sinh", sinhKernels, sinhl, -89.4159f, 89.4159f, 0},
+    {"Cosh", coshKernels, coshl, -89.4159f, 89.4159f, 0},
+    {"Tanh", tanhKernels, tanhl, -kMost, kMost, 0},
+    {"Exp", expKernels, expl, -87.33655f, 88.72283f, 0},
+    {"Ln", lnKernels, logl, 0x1p-149f, kMost, 0},
+    {"Log10", log10Kernels, log10l, 0x1p-149f, kMost, 0},
 };
 
 // The distance of a result from the true value: relative, and in units in the last place of the true value's float.
