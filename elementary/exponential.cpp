@@ -29,7 +29,7 @@ template<Accuracy A, bool kNearest, class V, class Scale> QVR_INLINE V significa
 
 template<Accuracy A, bool kNearest> struct Exponential {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Exp");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return ~(abs(x) < splat<V>(kLimit)); }
     template<class V> QVR_INLINE V eval(V x) const
     {

@@ -78,7 +78,7 @@ template<class K> QVR_INLINE float unitDomain(const K& k, const Error& error, fl
 
 template<Accuracy A, bool> struct ArcSine {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Asin");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideUnit(x); }
     template<class V> QVR_INLINE V eval(V x) const
     {
@@ -92,7 +92,7 @@ template<Accuracy A, bool> struct ArcSine {
 
 template<Accuracy A, bool> struct ArcCosine {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Acos");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideUnit(x); }
     template<class V> QVR_INLINE V eval(V x) const
     {
@@ -107,7 +107,7 @@ template<Accuracy A, bool> struct ArcCosine {
 // Every argument has a result, so no element is special.
 template<Accuracy A, bool> struct ArcTangent {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Atan");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V) const { return Mask<V>{}; }
     template<class V> QVR_INLINE V eval(V x) const
     {
@@ -122,7 +122,7 @@ template<Accuracy A, bool> struct ArcTangent {
 // The block path takes magnitudes of 2^-60 .. 2^60, whose products and quotients are normal floats.
 template<Accuracy A, bool> struct ArcTangent2 {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Atan2");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V y, V x) const
     {
         const V ay = abs(y), ax = abs(x);

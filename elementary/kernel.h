@@ -11,6 +11,7 @@
 // A formula is a record K:
 //   K::kName               name for the error hook
 //   K::kBlock              floats in a block
+//   K::kRegister           floats that eval takes at once, at most
 //   k.care(x...)           mask of the lanes that need the scalar path
 //   k.eval(x...)           the formula; lanes under the mask may give anything
 //   k.scalar(error, x...)  one element by the scalar path; error(code) reports it and returns nothing
@@ -45,6 +46,9 @@ template<class V> constexpr bool kIsDouble = sizeof(Elem<V>) == 8;
 
 // Floats in a block: enough independent vectors to hide latencies, few enough to stay in registers.
 template<Accuracy A> constexpr int kBlockOf = A == Accuracy::ha ? (kSlot == slotMx ? 4 : 8) : kAvx ? 16 : 8;
+
+// Floats whose arithmetic fills a register.
+template<Accuracy A> constexpr int kRegisterOf = kVecBytes / (A == Accuracy::ha ? 8 : 4);
 
 // ---- Formula helpers ------------------------------------------------------------------------------------------------
 
@@ -135,15 +139,52 @@ __attribute__((noinline)) void specialBlock(const K& k, Call& call, Index from, 
         store(call.dst + i, k.scalar(Error{call, i}, load<Vec<float, 1>>(src + i)[0]...));
 }
 
-// n <= B elements from place i on.
-template<int B, class K, class... S> QVR_INLINE void partBlock(const K& k, Call& call, Index i, int n, const S*... src)
+// Formulas run on one register at a time: masks of wider vectors make poor code. The parts are independent, so they
+// overlap all the same.
+template<class K, class V, class... W> QVR_INLINE V evalByRegisters(const K& k, V x, W... y)
 {
-    using V = Vec<float, B>;
-    const Mask<V> special = k.care(loadFirst<V>(src + i, n)...) & (iota<Mask<V>>() < n);
-    if (__builtin_expect(anyTrue(special), 0))
-        specialBlock(k, call, i, i + n, src...);
+    if constexpr (lanes<V> > K::kRegister)
+        return concat(evalByRegisters(k, lo(x), lo(y)...), evalByRegisters(k, hi(x), hi(y)...));
     else
-        storeFirst(call.dst + i, k.eval(loadFirst<V>(src + i, n)...), n);
+        return k.eval(x, y...);
+}
+template<class K, class V, class... W> QVR_INLINE auto careByRegisters(const K& k, V x, W... y)
+{
+    if constexpr (sizeof(V) > kVecBytes)
+        return careByRegisters(k, lo(x), lo(y)...) | careByRegisters(k, hi(x), hi(y)...);
+    else
+        return k.care(x, y...);
+}
+
+// The first n lanes, and 1 in the others: an argument that is harmless in every formula.
+template<class V> QVR_INLINE V loadOrOne(const float* src, int n)
+{
+    if constexpr (sizeof(V) > kVecBytes) {
+        using H = decltype(lo(V{}));
+        return concat(loadOrOne<H>(src, n < lanes<H> ? n : lanes<H>),
+                      loadOrOne<H>(src + lanes<H>, n < lanes<H> ? 0 : n - lanes<H>));
+    } else {
+        return iota<Mask<V>>() < n ? loadFirst<V>(src, n) : splat<V>(1);
+    }
+}
+
+// n <= B elements from place i on.
+template<int B, class K> QVR_INLINE void partBlock(const K& k, Call& call, Index i, int n, const float* src)
+{
+    const auto x = loadOrOne<Vec<float, B>>(src + i, n);
+    if (__builtin_expect(anyTrue(careByRegisters(k, x)), 0))
+        specialBlock(k, call, i, i + n, src);
+    else
+        storeFirst(call.dst + i, evalByRegisters(k, x), n);
+}
+template<int B, class K>
+QVR_INLINE void partBlock(const K& k, Call& call, Index i, int n, const float* src1, const float* src2)
+{
+    const auto x = loadOrOne<Vec<float, B>>(src1 + i, n), y = loadOrOne<Vec<float, B>>(src2 + i, n);
+    if (__builtin_expect(anyTrue(careByRegisters(k, x, y)), 0))
+        specialBlock(k, call, i, i + n, src1, src2);
+    else
+        storeFirst(call.dst + i, evalByRegisters(k, x, y), n);
 }
 
 // From this length on a first part block brings the destination to a vector boundary.
@@ -163,10 +204,10 @@ template<class K, class... S> QVR_INLINE void blocks(const K& k, Call& call, Ind
         }
     }
     for (; i + B <= n; i += B) {
-        if (__builtin_expect(anyTrue(k.care(load<V>(src + i)...)), 0))
+        if (__builtin_expect(anyTrue(careByRegisters(k, load<V>(src + i)...)), 0))
             specialBlock(k, call, i, i + B, src...);
         else
-            store(dst + i, k.eval(load<V>(src + i)...));
+            store(dst + i, evalByRegisters(k, load<V>(src + i)...));
     }
     const int rest = static_cast<int>(n - i);
     if (rest > B / 2)

@@ -25,9 +25,8 @@ template<Accuracy A, class V> QVR_INLINE V natural(V x, float shift = 0)
     const V e = p.e + shift;
     if constexpr (A == Accuracy::la) {
         // e times the short part of ln 2 plus hi is exact.
-        V inverse, hi;
-        lookUpPairs<4>(&qvrLogTable[0].inverse, p.index, inverse, hi);
-        const V lo = lookUp<4, V>(&qvrLogTable[0].lo, p.index);
+        V inverse, hi, lo;
+        lookUpTriples(&qvrLogTable[0].log, p.index, inverse, hi, lo);
         const V r = productLess(p.m, inverse, 1);
         const V high = fma(e, splat<V>(0x1.62p-1f), hi), low = fma(e, splat<V>(0x1.c85fep-10f), lo);
         return high + (r + fma(r * r, polynomial(r, 0.33333582, -0.50000286), low));
@@ -41,7 +40,7 @@ template<Accuracy A, class V> QVR_INLINE V natural(V x, float shift = 0)
 
 template<Accuracy A, bool> struct NaturalLogarithm {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Ln");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideNormal(x); }
     template<class V> QVR_INLINE V shifted(V x, float shift) const
     {
@@ -81,9 +80,8 @@ constexpr float kDenormalCorrection = 6.92368984f; // 23 log10(2)
 template<Accuracy A, class V> QVR_INLINE V decimal(V x)
 {
     const Parted<V> p = part(x);
-    V a, hi;
-    lookUpPairs<4>(&qvrLog10Table[0].again, p.index, a, hi);
-    const V lo = lookUp<4, V>(&qvrLog10Table[0].lo, p.index);
+    V a, hi, lo;
+    lookUpTriples(&qvrLog10Table[0].a, p.index, a, hi, lo);
     const V w = productLess(p.m, a, kScale);
     V high = fma(p.e, splat<V>(kExponentHigh), hi);
     if constexpr (A == Accuracy::la) {
@@ -99,7 +97,7 @@ template<Accuracy A, class V> QVR_INLINE V decimal(V x)
 
 template<Accuracy A, bool> struct DecimalLogarithm {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Log10");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideNormal(x); }
     template<class V> QVR_INLINE V eval(V x) const
     {

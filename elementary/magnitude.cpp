@@ -46,8 +46,11 @@ __attribute__((noinline)) void magnitudes(const float* src, float* dst, Index n)
         i = i < n ? i : n;
         exactRoots(src, dst, static_cast<int>(i));
     }
-    for (; i + 8 <= n; i += 8)
-        store(dst + i, estimatedRoot(sumOfSquares(load<V>(src + 2 * i), load<V>(src + 2 * i + 8))));
+    for (; i + 8 <= n; i += 8) {
+        V re, im;
+        loadComplex(src + 2 * i, re, im);
+        store(dst + i, estimatedRoot(re * re + im * im));
+    }
     if (i < n)
         exactRoots(src + 2 * i, dst + i, static_cast<int>(n - i));
 }
@@ -67,8 +70,11 @@ __attribute__((noinline)) void magnitudes64(const double* src, double* dst, Inde
     using V = Full<double>;
     constexpr int N = kLanes<double>;
     Index i = 0;
-    for (; i + N <= n; i += N)
-        store(dst + i, sqrt(sumOfSquares(load<V>(src + 2 * i), load<V>(src + 2 * i + N))));
+    for (; i + N <= n; i += N) {
+        V re, im;
+        loadComplex(src + 2 * i, re, im);
+        store(dst + i, sqrt(re * re + im * im));
+    }
     for (; i < n; i++) {
         using One = Vec<double, 1>;
         const One re = load<One>(src + 2 * i), im = load<One>(src + 2 * i + 1);
@@ -127,9 +133,8 @@ struct Reduced {
         const uint32_t shift = static_cast<uint32_t>(scaleFactor);
         const Words q = r >> shift;
         const Words m = (q << shift) + (1u << (shift - 1));
-        const Words square = m * m;
-        const Mask<Words> up = (s > square) | ((s == square) & (bitcast<Root>(q << 31) < 0));
-        return bitcast<Root>(q) - up;
+        // Up if s > m^2, or s = m^2 and q is odd: if s + (q & 1) > m^2. The difference fits a signed word.
+        return bitcast<Root>(q) - (bitcast<Root>(m * m - (s + (q & 1))) >> 31);
     }
 };
 

@@ -115,7 +115,7 @@ template<class V> QVR_INLINE Mask<V> abnormal(V y)
 
 template<Accuracy A, bool kNearest> struct Power {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Pow");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x, V y) const { return outsideNormal(x) | abnormal(y); }
     template<class V> QVR_INLINE V eval(V x, V y) const { return power<A, kNearest>(x, y); }
     float scalar(const Error& error, float x, float y) const { return scalarPower<kNearest>(error, x, y, parityOf(y)); }
@@ -124,7 +124,7 @@ template<Accuracy A, bool kNearest> struct Power {
 // One exponent for all: with a zero, a denormal, an infinity or a NaN for it every element is special.
 template<Accuracy A, bool kNearest> struct ConstantPower {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Powx");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     float y;
     Parity parity = parityOf(y);
     uint32_t special = abnormal(Vec<float, 1>{y})[0] ? kSignBit : 0;

@@ -74,7 +74,7 @@ template<double (*wide)(double)> QVR_INLINE float wideValue(const Error& error, 
 
 template<Accuracy A, bool kNearest> struct Sine {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Sin");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outside(x, kSineLimit<A>); }
     template<class V> QVR_INLINE V eval(V x) const
     {
@@ -88,7 +88,7 @@ template<Accuracy A, bool kNearest> struct Sine {
 
 template<Accuracy A, bool kNearest> struct Cosine {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Cos");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outside(x, kSineLimit<A>); }
     template<class V> QVR_INLINE V eval(V x) const
     {
@@ -128,7 +128,7 @@ template<Accuracy A, bool kNearest, class V> QVR_INLINE V tangent(V x)
 
 template<Accuracy A, bool kNearest> struct Tangent {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Tan");
-    static constexpr int kBlock = kBlockOf<A>;
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outside(x, kTangentLimit); }
     template<class V> QVR_INLINE V eval(V x) const
     {

@@ -9,19 +9,21 @@
 
 namespace {
 
-constexpr int kWide = kAvx ? 16 : 8, kNarrow = kAvx ? 8 : 4;
-
-// dst = op(src) by blocks of B.
-template<int B, class Op> QVR_INLINE void eachBlock(const float* src, float* dst, Index n, Op&& op)
+// dst = op(src), a register at a time.
+template<class Op> QVR_INLINE void eachBlock(const float* src, float* dst, Index n, Op&& op)
 {
+    using V = Full<float>;
+    constexpr int N = kLanes<float>;
     Index i = 0;
-    for (; i + B <= n; i += B)
-        store(dst + i, op(load<Vec<float, B>>(src + i)));
-    const int rest = static_cast<int>(n - i);
-    if (rest > B / 2)
-        storeFirst(dst + i, op(loadFirst<Vec<float, B>>(src + i, rest)), rest);
-    else if (rest > 0)
-        storeFirst(dst + i, op(loadFirst<Vec<float, B / 2>>(src + i, rest)), rest);
+    for (; i + 2 * N <= n; i += 2 * N) {
+        const V a = op(load<V>(src + i)), b = op(load<V>(src + i + N));
+        store(dst + i, a);
+        store(dst + i + N, b);
+    }
+    for (; i < n; i += N) {
+        const int count = n - i < N ? static_cast<int>(n - i) : N;
+        storeFirst(dst + i, op(loadFirst<V>(src + i, count)), count);
+    }
 }
 
 // Every lane by a scalar function, where a block has something special.
@@ -32,9 +34,9 @@ template<class V, class F> V byLanes(V x, F f)
     return x;
 }
 
-// The vector path: results are normal floats with a margin. Below the lower limit and above the upper one the scalar
-// routine takes over.
-constexpr float kLowest = -87.25f, kHighest = 88.0f;
+// The vector path: |x| up to here, so that results are normal floats with a margin. Beyond it the scalar routine takes
+// over.
+constexpr float kFastLimit = 87.25f;
 
 float specialExponential(float x)
 {
@@ -42,14 +44,27 @@ float specialExponential(float x)
 }
 
 // 2^k e^r with k = round(x / ln 2): e^r to 2^-28 for |r| <= ln 2 / 2.
-template<class V> QVR_INLINE V plainExponential(V x)
+template<bool kNearest, class V> QVR_INLINE V plainExponential(V x)
 {
     V n;
-    const Bits<V> k = nearestInteger<false>(x, 1.442695f, n);
+    const Bits<V> k = nearestInteger<kNearest>(x, 1.442695f, n);
     const V r = subtractProduct(subtractProduct(x, n, 0x1.62p-1f), n, 0x1.c85fep-10f);
     const V q = polynomial(r, 1.3744514e-3, 8.3689652e-3, 4.1669659e-2, 0.16666518, 0.49999988);
     const V p = fma(r * r, q, r) + splat<V>(1);
     return bitcast<V>(bits(p) + (k << 23));
+}
+
+template<bool kNearest> __attribute__((noinline)) void exponentials(const float* src, float* dst, Index n)
+{
+    eachBlock(src, dst, n, [](auto x) {
+        const auto plain = abs(x) <= splat<decltype(x)>(kFastLimit);
+        if (__builtin_expect(anyTrue(~plain), 0))
+            return byLanes(x, [](float e) {
+                return __builtin_fabsf(e) <= kFastLimit ? plainExponential<kNearest>(Vec<float, 1>{e})[0]
+                                                        : specialExponential(e);
+            });
+        return plainExponential<kNearest>(x);
+    });
 }
 
 // atan(t) for |t| <= 1: t + t z P(z), to 2^-28.
@@ -141,15 +156,10 @@ qvrStatus SLOT_SHARED(qvrsExp_32f)(const qvr32f* pSrc, qvr32f* pDst, int len)
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
         return status;
-    eachBlock<kWide>(pSrc, pDst, len, [](auto x) {
-        using V = decltype(x);
-        const Mask<V> plain = (x >= splat<V>(kLowest)) & (x <= splat<V>(kHighest));
-        if (__builtin_expect(anyTrue(~plain), 0))
-            return byLanes(x, [](float e) {
-                return e >= kLowest && e <= kHighest ? plainExponential(Vec<float, 1>{e})[0] : specialExponential(e);
-            });
-        return plainExponential(x);
-    });
+    if (readMxcsr() & kMxcsrRounding)
+        exponentials<false>(pSrc, pDst, len);
+    else
+        exponentials<true>(pSrc, pDst, len);
     return qvrOk;
 }
 
@@ -158,7 +168,7 @@ qvrStatus SLOT_SHARED(qvrsLn_32f)(const qvr32f* pSrc, qvr32f* pDst, int len)
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
         return status;
     int note = noNote;
-    constexpr int B = kNarrow;
+    constexpr int B = kLanes<float>;
     Index i = 0;
     for (; i + B <= len; i += B)
         logarithmBlock<B>(pSrc + i, pDst + i, B, note);
@@ -171,7 +181,7 @@ qvrStatus SLOT_SHARED(qvrsArctan_32f)(const qvr32f* pSrc, qvr32f* pDst, int len)
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
         return status;
-    eachBlock<kWide>(pSrc, pDst, len, [](auto x) { return plainArcTangent(x); });
+    eachBlock(pSrc, pDst, len, [](auto x) { return plainArcTangent(x); });
     return qvrOk;
 }
 
@@ -180,7 +190,7 @@ qvrStatus SLOT_SHARED(qvrsPhase_32fc)(const qvr32fc* pSrc, qvr32f* pDst, int len
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
         return status;
     const float* src = reinterpret_cast<const float*>(pSrc);
-    constexpr int B = kNarrow;
+    constexpr int B = kLanes<float>;
     Index i = 0;
     for (; i + B <= len; i += B)
         phaseBlock<B>(src + 2 * i, pDst + i, B);

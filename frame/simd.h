@@ -211,6 +211,38 @@ template<class V> QVR_INLINE void storeAligned(void* p, V v)
     store(__builtin_assume_aligned(p, sizeof(V) < kVecBytes ? sizeof(V) : kVecBytes), v);
 }
 
+// Pairs re, im, re, im, ... from memory, sorted: 2 N elements into N real and N imaginary parts. Loads by 16 bytes into
+// both halves leave one shuffle within the blocks for each result.
+template<class V> QVR_INLINE void loadComplex(const Elem<V>* p, V& re, V& im)
+{
+    constexpr int N = lanes<V>;
+    if constexpr (sizeof(V) > kVecBytes) {
+        decltype(lo(V{})) r0, r1, i0, i1;
+        loadComplex(p, r0, i0);
+        loadComplex(p + N, r1, i1);
+        re = concat(r0, r1);
+        im = concat(i0, i1);
+    } else {
+        V a, b;
+        if constexpr (sizeof(V) == 32) {
+            using H = decltype(lo(V{}));
+            constexpr int h = N / 2;
+            a = concat(load<H>(p), load<H>(p + 2 * h));
+            b = concat(load<H>(p + h), load<H>(p + 3 * h));
+        } else {
+            a = load<V>(p);
+            b = load<V>(p + N);
+        }
+        if constexpr (sizeof(Elem<V>) == 4) {
+            re = shuffleBlocks<0, 2, 4, 6>(a, b);
+            im = shuffleBlocks<1, 3, 5, 7>(a, b);
+        } else {
+            re = shuffleBlocks<0, 2>(a, b);
+            im = shuffleBlocks<1, 3>(a, b);
+        }
+    }
+}
+
 // Past the caches, to an aligned address; streamFence orders it before later stores.
 template<class V> QVR_INLINE void stream(void* p, V v)
 {
@@ -418,22 +450,30 @@ template<class V> QVR_INLINE V rootReciprocalEstimate(V v)
 
 // ---- Look-up --------------------------------------------------------------------------------------------------------
 
-// The elements base[index[lane]] of rows that are Stride elements apart: one column, or two neighbouring ones. The
-// indices go through memory, because taking lanes out of a register one by one, or a gather instruction, costs more
-// than loads that overlap with other work.
+// Table rows by an index in each lane. The indices go through memory, because taking lanes out of a register one by
+// one, or a gather instruction, costs more than loads that overlap with other work; volatile keeps the compiler from
+// turning the loads back into that.
+template<class T, int Stride, class I> struct Rows {
+    const char* base;
+    volatile Elem<I> at[lanes<I>];
+    QVR_INLINE Rows(const T* table, I index) : base(reinterpret_cast<const char*>(table))
+    {
+        store(const_cast<Elem<I>*>(at), index * static_cast<Elem<I>>(Stride * sizeof(T)));
+    }
+    QVR_INLINE const T* operator()(int lane) const { return reinterpret_cast<const T*>(base + at[lane]); }
+};
+
+// The elements base[index[lane]] of rows that are Stride elements apart: one column, or two neighbouring ones.
 template<int Stride, class V, class I> QVR_INLINE V lookUp(const Elem<V>* base, I index)
 {
-    constexpr int N = lanes<V>;
     if constexpr (sizeof(V) > kVecBytes) {
-        return concat(lookUp<Stride, decltype(lo(V{}))>(base, lo(index)),
-                      lookUp<Stride, decltype(lo(V{}))>(base, hi(index)));
+        using H = decltype(lo(V{}));
+        return concat(lookUp<Stride, H>(base, lo(index)), lookUp<Stride, H>(base, hi(index)));
     } else {
-        Elem<I> at[N];
-        store(at, index);
-        __asm__("" : "+m"(at));
+        const Rows<Elem<V>, Stride, I> row(base, index);
         V v;
-        for (int i = 0; i < N; i++)
-            v[i] = base[at[i] * Stride];
+        for (int i = 0; i < lanes<V>; i++)
+            v[i] = *row(i);
         return v;
     }
 }
@@ -448,10 +488,7 @@ template<int Stride, class V, class I> QVR_INLINE void lookUpPairs(const Elem<V>
         first = concat(f0, f1);
         second = concat(s0, s1);
     } else {
-        Elem<I> at[N];
-        store(at, index);
-        __asm__("" : "+m"(at));
-        const auto row = [&](int i) { return base + at[i] * Stride; };
+        const Rows<T, Stride, I> row(base, index);
         if constexpr (N == 1) {
             first = V{row(0)[0]};
             second = V{row(0)[1]};
@@ -480,6 +517,40 @@ template<int Stride, class V, class I> QVR_INLINE void lookUpPairs(const Elem<V>
             }
             first = shuffleBlocks<0, 2>(a, b);
             second = shuffleBlocks<1, 3>(a, b);
+        }
+    }
+}
+
+// Columns 1, 2 and 3 of rows of four floats.
+template<class V, class I> QVR_INLINE void lookUpTriples(const float* base, I index, V& one, V& two, V& three)
+{
+    constexpr int N = lanes<V>;
+    if constexpr (sizeof(V) > kVecBytes) {
+        decltype(lo(V{})) a1, a2, a3, b1, b2, b3;
+        lookUpTriples(base, lo(index), a1, a2, a3);
+        lookUpTriples(base, hi(index), b1, b2, b3);
+        one = concat(a1, b1);
+        two = concat(a2, b2);
+        three = concat(a3, b3);
+    } else {
+        const Rows<float, 4, I> row(base, index);
+        if constexpr (N == 1) {
+            one = V{row(0)[1]};
+            two = V{row(0)[2]};
+            three = V{row(0)[3]};
+        } else {
+            using Q = Vec<float, 4>;
+            const auto rows = [&](int i) {
+                if constexpr (N == 8)
+                    return concat(load<Q>(row(i)), load<Q>(row(i + 4)));
+                else
+                    return load<Q>(row(i));
+            };
+            const V a = rows(0), b = rows(1), c = rows(2), d = rows(3);
+            const V ab = shuffleBlocks<2, 6, 3, 7>(a, b), cd = shuffleBlocks<2, 6, 3, 7>(c, d);
+            one = shuffleBlocks<2, 3, 6, 7>(shuffleBlocks<0, 4, 1, 5>(a, b), shuffleBlocks<0, 4, 1, 5>(c, d));
+            two = shuffleBlocks<0, 1, 4, 5>(ab, cd);
+            three = shuffleBlocks<2, 3, 6, 7>(ab, cd);
         }
     }
 }

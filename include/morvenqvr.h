@@ -473,7 +473,7 @@ qvrStatus Morven_qvrsSinh_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 /** Hyperbolic cosine; range and warning as Morven_qvrsSinh_32f_A11. Infinities of both signs give +infinity. */
 qvrStatus Morven_qvrsCosh_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Hyperbolic tangent, to 11 bits; from a magnitude of 9.0109 on plus or minus 1. No warnings. */
+/** Hyperbolic tangent, to 11 bits; for large magnitudes plus or minus 1. No warnings. */
 qvrStatus Morven_qvrsTanh_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
 /**
