@@ -93,20 +93,20 @@ struct Contender2 {
 };
 
 #ifdef QVR_HAVE_PEERS
-template<__m256 (*f)(__m256)> void vector8(const float* x, float* y, int n)
-{
-    for (int i = 0; i < n; i += 8)
-        _mm256_storeu_ps(y + i, f(_mm256_loadu_ps(x + i)));
-}
-template<__m256 (*f)(__m256, __m256)> void pairs8(const float* a, const float* b, float* y, int n)
-{
-    for (int i = 0; i < n; i += 8)
-        _mm256_storeu_ps(y + i, f(_mm256_loadu_ps(a + i), _mm256_loadu_ps(b + i)));
-}
+#define VECTOR8(f)                                                                                                     \
+    [](const float* x, float* y, int n) {                                                                              \
+        for (int i = 0; i < n; i += 8)                                                                                 \
+            _mm256_storeu_ps(y + i, f(_mm256_loadu_ps(x + i)));                                                        \
+    }
+#define PAIRS8(f)                                                                                                      \
+    [](const float* a, const float* b, float* y, int n) {                                                              \
+        for (int i = 0; i < n; i += 8)                                                                                 \
+            _mm256_storeu_ps(y + i, f(_mm256_loadu_ps(a + i), _mm256_loadu_ps(b + i)));                                \
+    }
 #define PEERS(NAME, mvec, sleef)                                                                                       \
     if (name == NAME) {                                                                                                \
-        v.push_back({"glibc vector", vector8<_ZGVdN8v_##mvec>});                                                       \
-        v.push_back({"SLEEF", vector8<Sleef_##sleef>});                                                                \
+        v.push_back({"glibc vector", VECTOR8(_ZGVdN8v_##mvec)});                                                       \
+        v.push_back({"SLEEF", VECTOR8(Sleef_##sleef)});                                                                \
     }
 #endif
 
@@ -229,11 +229,11 @@ void twoArguments(const char* function, Kernel2* const* const (&kernels)[slots::
                                       }});
 #ifdef QVR_HAVE_PEERS
     if (power) {
-        contenders.push_back({"glibc vector", pairs8<_ZGVdN8vv_powf>});
-        contenders.push_back({"SLEEF", pairs8<Sleef_powf8_u10avx2>});
+        contenders.push_back({"glibc vector", PAIRS8(_ZGVdN8vv_powf)});
+        contenders.push_back({"SLEEF", PAIRS8(Sleef_powf8_u10avx2)});
     } else {
-        contenders.push_back({"glibc vector", pairs8<_ZGVdN8vv_atan2f>});
-        contenders.push_back({"SLEEF", pairs8<Sleef_atan2f8_u35avx2>});
+        contenders.push_back({"glibc vector", PAIRS8(_ZGVdN8vv_atan2f)});
+        contenders.push_back({"SLEEF", PAIRS8(Sleef_atan2f8_u35avx2)});
     }
 #endif
     constexpr int kChunk = 4096;
