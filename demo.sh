@@ -28,6 +28,10 @@ echo
 echo "effects: gain, soft clipping, echo, normalisation; back to 16 bits with each of three roundings"
 build/examples/effects --out build/demo/effects "$sound"
 
+echo
+echo "spectrogram: window, real FFT, decibels"
+build/examples/spectrogram --fft 1024 --overlap 90 --out build/demo/spectrogram.png "$sound"
+
 # The same program found through pkg-config does the same.
 mkdir -p build/demo/pkgconfig
 build/examples/pkgconfig/effects --out build/demo/pkgconfig/effects "$sound" >/dev/null
@@ -36,5 +40,10 @@ for rounding in truncate even away; do
 done
 rm -r build/demo/pkgconfig
 echo
+echo "statistics: levels, peak, zero crossings and silences; the envelope as a picture"
+build/examples/statistics --out build/demo/statistics.png "$sound"
+
+echo
 echo "Sounds are in build/demo; the program built through pkg-config wrote the same bytes as the one built through CMake."
+echo "The envelope is build/demo/statistics.png."
 echo "Listen with: aplay build/demo/effects-even.wav"

@@ -153,6 +153,25 @@ template<class V> QVR_INLINE V zipHi(V a, V b)
     return zipLanes<lanes<V> / 2>(a, b, Iota<lanes<V>>{});
 }
 
+template<class V, int... I> QVR_INLINE V reversedLanesOf(V v, Indices<I...>)
+{
+    return __builtin_shufflevector(v, v, (lanes<V> - 1 - I)...);
+}
+template<class V> QVR_INLINE V reversedLanes(V v)
+{
+    return reversedLanesOf(v, Iota<lanes<V>>{});
+}
+
+// Lanes From .. From + N - 1 of a and b in a row.
+template<int From, class V, int... I> QVR_INLINE V shiftedLanesOf(V a, V b, Indices<I...>)
+{
+    return __builtin_shufflevector(a, b, (From + I)...);
+}
+template<int From, class V> QVR_INLINE V shiftedLanes(V a, V b)
+{
+    return shiftedLanesOf<From>(a, b, Iota<lanes<V>>{});
+}
+
 // Even and odd lanes of two vectors taken one behind the other.
 template<int From, class V, int... I> QVR_INLINE V unzipLanes(V a, V b, Indices<I...>)
 {
@@ -209,6 +228,14 @@ template<class V> QVR_INLINE void store(void* p, V v)
 template<class V> QVR_INLINE void storeAligned(void* p, V v)
 {
     store(__builtin_assume_aligned(p, sizeof(V) < kVecBytes ? sizeof(V) : kVecBytes), v);
+}
+
+template<bool Aligned, class V> QVR_INLINE void storeIf(void* p, V v)
+{
+    if constexpr (Aligned)
+        storeAligned(p, v);
+    else
+        store(p, v);
 }
 
 // Pairs re, im, re, im, ... from memory, sorted: 2 N elements into N real and N imaginary parts. Loads by 16 bytes into
@@ -303,6 +330,12 @@ template<class V> QVR_INLINE V sqrt(V v)
     return __builtin_elementwise_sqrt(v);
 }
 
+// The processor's estimate of 1 / sqrt(x), about twelve bits.
+QVR_INLINE float reciprocalRootEstimate(float x)
+{
+    return _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(x)));
+}
+
 // a * b + c, in one rounding where the level has fused operations and in two elsewhere.
 template<class V> QVR_INLINE V fma(V a, V b, V c)
 {
@@ -310,6 +343,48 @@ template<class V> QVR_INLINE V fma(V a, V b, V c)
         return __builtin_elementwise_fma(a, b, c);
     else
         return a * b + c;
+}
+
+// Integer sums and differences that stop at the ends of the lane's range.
+template<class V> QVR_INLINE V addSaturate(V a, V b)
+{
+    return __builtin_elementwise_add_sat(a, b);
+}
+template<class V> QVR_INLINE V subSaturate(V a, V b)
+{
+    return __builtin_elementwise_sub_sat(a, b);
+}
+
+// Shifts of every lane by one count, which is below the lane's width; to the right the sign fills signed lanes.
+template<class V> QVR_INLINE V shiftLeft(V v, int count)
+{
+    return bitcast<V>(bits(v) << splat<Bits<V>>(static_cast<Elem<Bits<V>>>(count)));
+}
+template<class V> QVR_INLINE V shiftRight(V v, int count)
+{
+    return v >> splat<V>(static_cast<Elem<V>>(count));
+}
+
+// The sum of all lanes, halves first.
+template<class V> QVR_INLINE Elem<V> sumLanes(V v)
+{
+    if constexpr (lanes<V> == 1)
+        return v[0];
+    else
+        return sumLanes(lo(v) + hi(v));
+}
+
+// Lane k: the sum of the lanes 0 to k.
+template<int K, class V, int... I> QVR_INLINE V moveLanesUp(V v, Indices<I...>)
+{
+    return __builtin_shufflevector(V{}, v, (lanes<V> - K + I)...);
+}
+template<int K = 1, class V> QVR_INLINE V prefixSums(V v)
+{
+    if constexpr (K >= lanes<V>)
+        return v;
+    else
+        return prefixSums<2 * K>(v + moveLanesUp<K>(v, Iota<lanes<V>>{}));
 }
 
 // Even lanes a - b, odd lanes a + b.
@@ -340,6 +415,14 @@ template<class V> QVR_INLINE V subAdd(V a, V b)
 // must not come here.
 template<class To, class From> QVR_INLINE Vec<To, lanes<From>> convert(From v)
 {
+    // Below SSE4.1 nothing extends a sign: 16 bits come in as the upper half of 32 and are shifted down. Seeing that,
+    // the compiler would take whatever a register holds for the lower half, and wait for it.
+    if constexpr (!kSse41 && sizeof(Elem<From>) == 2 && Elem<From>(-1) < 0 && sizeof(To) >= 4 && lanes<From> == 8) {
+        using Wide = Vec<int32_t, 4>;
+        Wide low = bitcast<Wide>(zipLo(v, v)), high = bitcast<Wide>(zipHi(v, v));
+        __asm__("" : "+x"(low), "+x"(high));
+        return concat(convert<To>(low >> 16), convert<To>(high >> 16));
+    }
     return __builtin_convertvector(v, Vec<To, lanes<From>>);
 }
 
@@ -396,6 +479,37 @@ template<class V> QVR_INLINE Vec<int16_t, lanes<V>> packSaturate(V v)
     }
 }
 
+// Sums of neighbouring 16-bit lanes, in 32 bits.
+template<class V> QVR_INLINE Vec<int32_t, lanes<V> / 2> pairSums(V v)
+{
+    using R = Vec<int32_t, lanes<V> / 2>;
+    if constexpr (sizeof(V) > (kAvx2 ? 32 : 16))
+        return concat(pairSums(lo(v)), pairSums(hi(v)));
+    else if constexpr (sizeof(V) == 32)
+        return bitcast<R>(_mm256_madd_epi16(bitcast<__m256i>(v), _mm256_set1_epi16(1)));
+    else
+        return bitcast<R>(_mm_madd_epi16(bitcast<__m128i>(v), _mm_set1_epi16(1)));
+}
+
+// 16-bit products with saturation: low and high halves are joined to 32 bits and packed again.
+template<class V> QVR_INLINE V mulSaturate(V a, V b)
+{
+    static_assert(sizeof(Elem<V>) == 2);
+    if constexpr (sizeof(V) > (kAvx2 ? 32 : 16)) {
+        return byHalves([](auto... x) { return mulSaturate(x...); }, a, b);
+    } else if constexpr (sizeof(V) < 16) {
+        return slice<0, lanes<V>>(mulSaturate(padTo16(a), padTo16(b)));
+    } else if constexpr (sizeof(V) == 32) {
+        const __m256i low = _mm256_mullo_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b));
+        const __m256i high = _mm256_mulhi_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b));
+        return bitcast<V>(_mm256_packs_epi32(_mm256_unpacklo_epi16(low, high), _mm256_unpackhi_epi16(low, high)));
+    } else {
+        const __m128i low = _mm_mullo_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b));
+        const __m128i high = _mm_mulhi_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b));
+        return bitcast<V>(_mm_packs_epi32(_mm_unpacklo_epi16(low, high), _mm_unpackhi_epi16(low, high)));
+    }
+}
+
 // Products of 16-bit lanes, neighbours added to 32 bits: a0 b0 + a1 b1, ... Only (-32768)^2 + (-32768)^2 wraps.
 template<class V> QVR_INLINE Vec<int32_t, lanes<V> / 2> addProductPairs(V a, V b)
 {
@@ -408,8 +522,7 @@ template<class V> QVR_INLINE Vec<int32_t, lanes<V> / 2> addProductPairs(V a, V b
         return bitcast<Vec<int32_t, 4>>(_mm_madd_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
 }
 
-// ---- Nearest integer, estimates
-// ---------------------------------------------------------------------------------------
+// ---- Nearest integer, estimates -------------------------------------------------------------------------------------
 
 // The integer nearest to v, whatever rounding MXCSR asks for, as a value of the same type. Ties go to either side.
 // Below SSE4.1 v must fit an int32.
@@ -567,8 +680,7 @@ template<class I> QVR_INLINE Vec<float, lanes<I>> choose8(Vec<float, 8> values, 
     }
 }
 
-// ---- Masked access
-// ----------------------------------------------------------------------------------------------------
+// ---- Masked access --------------------------------------------------------------------------------------------------
 
 // The first n <= N lanes; nothing behind them is touched, and the other lanes of a load are zero. One instruction for
 // each register where the level has it.
@@ -607,14 +719,32 @@ template<class V> QVR_INLINE int anyTrue(V mask)
 {
     if constexpr (sizeof(V) > kVecBytes)
         return anyTrue(lo(mask) | hi(mask));
-    else if constexpr (sizeof(V) == 32)
+    else if constexpr (sizeof(V) == 32 && sizeof(Elem<V>) >= 4)
         return _mm256_movemask_ps(bitcast<__m256>(mask));
+    else if constexpr (sizeof(V) == 32)
+        return !_mm256_testz_si256(bitcast<__m256i>(mask), bitcast<__m256i>(mask));
     else if constexpr (sizeof(V) == 16)
         return _mm_movemask_epi8(bitcast<__m128i>(mask));
     else if constexpr (lanes<V> == 1)
         return mask[0] != 0;
     else
         return anyTrue(padTo16(mask));
+}
+
+// One bit for each byte of a comparison's result of at most 32 bytes.
+template<class V> QVR_INLINE uint32_t byteBits(V mask)
+{
+    if constexpr (sizeof(V) == 32 && kAvx2)
+        return static_cast<uint32_t>(_mm256_movemask_epi8(bitcast<__m256i>(mask)));
+    else if constexpr (sizeof(V) == 32)
+        return byteBits(lo(mask)) | byteBits(hi(mask)) << 16;
+    else
+        return static_cast<uint32_t>(_mm_movemask_epi8(bitcast<__m128i>(mask)));
+}
+// The number of the first true lane; there must be one.
+template<class V> QVR_INLINE int firstTrue(V mask)
+{
+    return __builtin_ctz(byteBits(mask)) / static_cast<int>(sizeof(Elem<V>));
 }
 
 } // namespace

@@ -8,8 +8,8 @@
  * @section rules Rules that hold for every function
  *
  * - Result. A qvrStatus: 0 is success, a negative value an error, a positive value a warning. After an error no
- *   output element has been written. After a warning all of them have, some with a substitute value that the warning
- *   announces.
+ *   output element has been written; the two column movers are exceptions, and say so. After a warning all of them
+ *   have, some with a substitute value that the warning announces.
  * - Order of checks. Pointers first (qvrErrNullPointer), then the tag of a state object (qvrErrBadContext), then
  *   lengths (qvrErrBadSize below 1; an empty array is an error), then the other arguments in the order a function
  *   states. A function that departs from this says so.
@@ -407,6 +407,611 @@ qvrStatus Morven_qvrsNormalize_64f(const qvr64f* pSrc, qvr64f* pDst, int len, qv
  * @param chanLen samples in each channel, at least 1
  */
 qvrStatus Morven_qvrsSplitScaled_16s32f_D2L(const qvr16s* pSrc, qvr32f** ppDst, int nChannels, int chanLen);
+
+/** @} */
+
+/**
+ * @defgroup fixedpoint Fixed-point arithmetic
+ *
+ * Element-wise on 16-bit and 32-bit integers; every result saturates, none wraps. Statuses: qvrErrNullPointer, then
+ * qvrErrBadSize for `len` below 1; there is no other.
+ *
+ * Scale factor. In the `_Sfs` forms the exact value is divided by 2 to the power of `scaleFactor`, rounded half to even
+ * and saturated to the element type: 3 with a factor of 1 gives 2, as does 5. A negative factor multiplies. Every int
+ * is a valid factor: one that leaves no bit gives zeros, a large negative one drives whatever is not zero to a limit.
+ * @{
+ */
+
+/** pDst[i] = (pSrc1[i] + pSrc2[i]) / 2^scaleFactor; all zero above a factor of 16. */
+qvrStatus Morven_qvrsAdd_16s_Sfs(const qvr16s* pSrc1, const qvr16s* pSrc2, qvr16s* pDst, int len, int scaleFactor);
+
+/** pSrcDst[i] = (pSrcDst[i] + pSrc[i]) / 2^scaleFactor; all zero above a factor of 17. */
+qvrStatus Morven_qvrsAdd_16u_ISfs(const qvr16u* pSrc, qvr16u* pSrcDst, int len, int scaleFactor);
+
+/** pSrcDst[i] = (pSrcDst[i] + val) / 2^scaleFactor; all zero above a factor of 17. */
+qvrStatus Morven_qvrsAddC_16u_ISfs(qvr16u val, qvr16u* pSrcDst, int len, int scaleFactor);
+
+/** pSrcDst[i] = max(pSrcDst[i] - val, 0) / 2^scaleFactor; all zero above a factor of 16. */
+qvrStatus Morven_qvrsSubC_16u_ISfs(qvr16u val, qvr16u* pSrcDst, int len, int scaleFactor);
+
+/** pSrcDst[i] = pSrcDst[i] + pSrc[i], saturated. */
+qvrStatus Morven_qvrsAdd_16s_I(const qvr16s* pSrc, qvr16s* pSrcDst, int len);
+
+/** pSrcDst[i] = pSrcDst[i] - val, saturated. */
+qvrStatus Morven_qvrsSubC_16s_I(qvr16s val, qvr16s* pSrcDst, int len);
+
+/** pSrcDst[i] = pSrcDst[i] * val, saturated: an integer product, with no shift. */
+qvrStatus Morven_qvrsMulC_16s_I(qvr16s val, qvr16s* pSrcDst, int len);
+
+/** pSrcDst[i] = |pSrcDst[i]|; -2147483648 gives 2147483647. */
+qvrStatus Morven_qvrsAbs_32s_I(qvr32s* pSrcDst, int len);
+
+/** @} */
+
+/**
+ * @defgroup reductions Reductions and statistics
+ *
+ * An array folded into one value, which is written through a pointer, or into the sums of a sliding window. Statuses:
+ * qvrErrNullPointer, then qvrErrBadSize for `len` below 1.
+ *
+ * Sums of floats are accumulated in double. On processors with no more than SSE2 a mean adds x[4k] and x[4k+2] into one
+ * partial sum, x[4k+1] and x[4k+3] into a second, takes the second plus the first, and adds what remains one by one;
+ * elsewhere there are more partial sums, so the last bits of a sum can depend on the processor. Integer sums are exact.
+ *
+ * Extremes follow the plain loop that starts from element 0 and replaces only by what is strictly larger (smaller): a
+ * NaN at place 0 is the result, at any other place it is ignored; of zeros with both signs the first one counts.
+ * @{
+ */
+
+/**
+ * Sum of 16-bit integers, scaled.
+ *
+ * The exact sum is divided by 2 to the power of `scaleFactor`, rounded half to even and saturated to 32 bits; a
+ * negative factor multiplies. A factor above 48 gives 0.
+ */
+qvrStatus Morven_qvrsSum_16s32s_Sfs(const qvr16s* pSrc, int len, qvr32s* pSum, int scaleFactor);
+
+/**
+ * Mean of 16-bit integers, scaled.
+ *
+ * The exact sum over `len`, in double, times 2 to the power of -scaleFactor, clamped to -32768..32767 and rounded by
+ * the caller's MXCSR. The factor is 0 for a `scaleFactor` of 1023 and above and infinite for -1024 and below; a mean of
+ * zero stays zero.
+ */
+qvrStatus Morven_qvrsMean_16s_Sfs(const qvr16s* pSrc, int len, qvr16s* pMean, int scaleFactor);
+
+/**
+ * Mean of 32-bit integers, scaled; in integers throughout and rounded half to even at each step.
+ *
+ * - scaleFactor 0: the rounded mean.
+ * - 1..31: the rounded mean, divided by 2 to the power of the factor and rounded again; above 31: 0.
+ * - -31..-1: where the sum fits 32 bits it is multiplied first, then divided by `len` and rounded; where it does not,
+ *   the rounded mean is multiplied. Saturated to 32 bits.
+ * - below -31: 2147483647 for a positive rounded mean, -2147483648 for a negative one, 0 for zero.
+ */
+qvrStatus Morven_qvrsMean_32s_Sfs(const qvr32s* pSrc, int len, qvr32s* pMean, int scaleFactor);
+
+/** Mean: the sum in double over `len`, rounded once to single. */
+qvrStatus Morven_qvrsMean_32f(const qvr32f* pSrc, int len, qvr32f* pMean);
+
+/** Mean: the sum over `len`. */
+qvrStatus Morven_qvrsMean_64f(const qvr64f* pSrc, int len, qvr64f* pMean);
+
+/**
+ * Sample standard deviation, by one pass in double: with n = len, s1 the sum of x, s2 the sum of x * x and
+ * v = s2 * n - s1 * s1, the result is sqrt(v / ((n - 1) * n)) rounded to single, or 0 where v is not above 0 (a NaN
+ * among the elements gives 0). A deviation far below the mean suffers from the cancellation in v: subtract the mean
+ * first where that matters.
+ * @return qvrErrBadSize for `len` below 2
+ */
+qvrStatus Morven_qvrsStdDev_32f(const qvr32f* pSrc, int len, qvr32f* pStdDev);
+
+/** The smallest element. */
+qvrStatus Morven_qvrsMin_16s(const qvr16s* pSrc, int len, qvr16s* pResult);
+/** The largest element. */
+qvrStatus Morven_qvrsMax_16s(const qvr16s* pSrc, int len, qvr16s* pResult);
+/** The smallest element. */
+qvrStatus Morven_qvrsMin_32f(const qvr32f* pSrc, int len, qvr32f* pResult);
+/** The largest element. */
+qvrStatus Morven_qvrsMax_32f(const qvr32f* pSrc, int len, qvr32f* pResult);
+/** The largest element. */
+qvrStatus Morven_qvrsMax_64f(const qvr64f* pSrc, int len, qvr64f* pResult);
+/** The smallest and the largest element, in one pass. */
+qvrStatus Morven_qvrsMinMax_16s(const qvr16s* pSrc, int len, qvr16s* pMin, qvr16s* pMax);
+/** The smallest and the largest element, in one pass. */
+qvrStatus Morven_qvrsMinMax_16u(const qvr16u* pSrc, int len, qvr16u* pMin, qvr16u* pMax);
+/** The smallest and the largest element, in one pass. */
+qvrStatus Morven_qvrsMinMax_32f(const qvr32f* pSrc, int len, qvr32f* pMin, qvr32f* pMax);
+
+/**
+ * The smallest element and the first place where it stands.
+ * @param pSrc, len array of `len` elements, at least 1
+ * @param pResult its value
+ * @param pIndx its index, 0 where element 0 is a NaN; a null pointer is no error: only the value is found then
+ */
+qvrStatus Morven_qvrsMinIndx_32f(const qvr32f* pSrc, int len, qvr32f* pResult, qvr32s* pIndx);
+
+/** The largest element and the first place where it stands, as Morven_qvrsMinIndx_32f. */
+qvrStatus Morven_qvrsMaxIndx_32f(const qvr32f* pSrc, int len, qvr32f* pResult, qvr32s* pIndx);
+
+/**
+ * Sums over a sliding window: pDst[i] is the sum of pSrc[i] to pSrc[i + maskSize - 1].
+ *
+ * The sum is a running one in single precision: from output to output, w + (pSrc[i + maskSize] - pSrc[i]), with the
+ * difference taken in integers. While sums stay within 2^24 everything is exact; beyond, rounding errors of one update
+ * stay in all later outputs. The first window is summed in single precision too, with partial sums by the width of the
+ * processor's vectors.
+ * @param pSrc len + maskSize - 1 elements
+ * @param pDst `len` sums
+ * @param len outputs, at least 1
+ * @param maskSize elements in a window
+ * @return qvrErrBadWindowLength for `maskSize` below 1
+ */
+qvrStatus Morven_qvrsSumWindow_16s32f(const qvr16s* pSrc, qvr32f* pDst, int len, int maskSize);
+
+/** @} */
+
+/**
+ * @defgroup logic Logic, shifts, thresholds, replacement and search
+ *
+ * Statuses, unless said otherwise: qvrErrNullPointer, then qvrErrBadSize for `len` below 1.
+ * @{
+ */
+
+/** Which side Morven_qvrsThreshold_32f_I limits. */
+enum {
+    qvrCmpLess = 0,   /**< what is less than the level is raised to it */
+    qvrCmpGreater = 4 /**< what is greater than the level is lowered to it */
+};
+
+/** pDst[i] = pSrc[i] & val */
+qvrStatus Morven_qvrsAndC_16u(const qvr16u* pSrc, qvr16u val, qvr16u* pDst, int len);
+/** pSrcDst[i] = pSrcDst[i] & val */
+qvrStatus Morven_qvrsAndC_16u_I(qvr16u val, qvr16u* pSrcDst, int len);
+/** pSrcDst[i] = pSrcDst[i] | pSrc[i] */
+qvrStatus Morven_qvrsOr_16u_I(const qvr16u* pSrc, qvr16u* pSrcDst, int len);
+
+/**
+ * pDst[i] = pSrc[i] << val, kept to 16 bits; a count of 16 or more gives zeros.
+ * @return qvrErrBadShift for a negative `val`, judged after the pointers and the length
+ */
+qvrStatus Morven_qvrsLShiftC_16u(const qvr16u* pSrc, int val, qvr16u* pDst, int len);
+/** The same as Morven_qvrsLShiftC_16u in place. */
+qvrStatus Morven_qvrsLShiftC_16u_I(int val, qvr16u* pSrcDst, int len);
+/** pSrcDst[i] = pSrcDst[i] >> val, zeros shifted in; counts and statuses as Morven_qvrsLShiftC_16u. */
+qvrStatus Morven_qvrsRShiftC_16u_I(int val, qvr16u* pSrcDst, int len);
+
+/**
+ * Limits from one side: `level > x ? level : x` for qvrCmpLess, `level < x ? level : x` for qvrCmpGreater. A NaN
+ * element stays; a NaN level changes nothing.
+ * @return qvrErrBadArgument for any other `relOp`
+ */
+qvrStatus Morven_qvrsThreshold_32f_I(qvr32f* pSrcDst, int len, qvr32f level, int relOp);
+
+/**
+ * pDst[i] = level >= pSrc[i] ? pSrc[i] : value. A NaN element is replaced; a NaN level replaces everything. The
+ * in-place form does neither.
+ */
+qvrStatus Morven_qvrsThreshold_GTVal_32f(const qvr32f* pSrc, qvr32f* pDst, int len, qvr32f level, qvr32f value);
+/** pSrcDst[i] = pSrcDst[i] > level ? value : pSrcDst[i]. A NaN element stays; a NaN level changes nothing. */
+qvrStatus Morven_qvrsThreshold_GTVal_32f_I(qvr32f* pSrcDst, int len, qvr32f level, qvr32f value);
+/**
+ * pDst[i] = pSrc[i] >= level ? pSrc[i] : value. A NaN element is replaced; a NaN level replaces everything. The
+ * in-place form does neither.
+ */
+qvrStatus Morven_qvrsThreshold_LTVal_32f(const qvr32f* pSrc, qvr32f* pDst, int len, qvr32f level, qvr32f value);
+/** pSrcDst[i] = level > pSrcDst[i] ? value : pSrcDst[i]. A NaN element stays; a NaN level changes nothing. */
+qvrStatus Morven_qvrsThreshold_LTVal_32f_I(qvr32f* pSrcDst, int len, qvr32f level, qvr32f value);
+
+/**
+ * pDst[i] = pSrc[i] == oldVal ? newVal : pSrc[i]
+ *
+ * A `len` of 0 is no error here: qvrOk, and nothing is written.
+ * @return qvrErrNullPointer, then qvrErrBadCount for a negative `len`
+ */
+qvrStatus Morven_qvrsReplaceC_16u(const qvr16u* pSrc, qvr16u* pDst, int len, qvr16u oldVal, qvr16u newVal);
+
+/**
+ * The first place where a sequence stands in an array.
+ * @param pSrc, len the array; it may be empty
+ * @param pFind, lenFind the sequence; an empty one is found nowhere
+ * @param pIndex the lowest k with pSrc[k + i] == pFind[i] for all i, or -1; left alone after an error
+ * @return qvrErrNullPointer, then qvrErrBadCount for a negative `len` or `lenFind`; a sequence not found is qvrOk
+ */
+qvrStatus Morven_qvrsFind_8u(const qvr8u* pSrc, int len, const qvr8u* pFind, int lenFind, qvr32s* pIndex);
+/** The same as Morven_qvrsFind_8u on 16-bit elements. */
+qvrStatus Morven_qvrsFind_16u(const qvr16u* pSrc, int len, const qvr16u* pFind, int lenFind, qvr32s* pIndex);
+
+/** @} */
+
+/**
+ * @defgroup sorting Sorting
+ *
+ * In place, ascending, without other memory than a small stack, and not stable. Quicksort with the median of three: a
+ * sequence made for the purpose takes time quadratic in its length. Statuses: qvrErrNullPointer, then qvrErrBadSize for
+ * `len` below 1.
+ *
+ * Infinities sort as numbers. Zeros of both signs count as equal, and their order among themselves is no promise to
+ * build on; neither is any order once there is a NaN, though all elements are still there then. Where NaN can occur and
+ * the order matters, or where elements carry a payload, another sort serves better.
+ * @{
+ */
+
+/** Sorts singles. */
+qvrStatus Morven_qvrsSortAscend_32f_I(qvr32f* pSrcDst, int len);
+/** Sorts doubles. */
+qvrStatus Morven_qvrsSortAscend_64f_I(qvr64f* pSrcDst, int len);
+
+/** @} */
+
+/**
+ * @defgroup waveform Waveform measures and column movers
+ * @{
+ */
+
+/** What Morven_qvrsZeroCrossing_32f counts as a crossing between neighbours. */
+enum {
+    qvrZcProduct = 0, /**< their product, rounded to single, is below 0 */
+    qvrZcSignBit = 1, /**< their sign bits differ, those of zeros and NaN too */
+    qvrZcSignStep = 2 /**< half the step between their signs -1, 0, +1; a NaN has the sign 0 */
+};
+
+/**
+ * Half the sum of the steps between the signs of neighbours: from + to - counts 1, to or from a zero 0.5.
+ *
+ * A zero of either sign has the sign 0, a NaN counts as positive. The sum is kept in single precision, so beyond 2^24
+ * it no longer counts exactly.
+ * @param pSrc, len array of `len` elements; a single one gives 0
+ * @param pResult the rate
+ * @return qvrErrNullPointer, then qvrErrBadSize for `len` below 1
+ */
+qvrStatus Morven_qvrsSignChangeRate_Count0_32f(const qvr32f* pSrc, int len, qvr32f* pResult);
+
+/**
+ * Crossings of zero between neighbouring elements, by one of three definitions.
+ * @param pSrc, len the array; fewer than two elements, a negative `len` too, give 0
+ * @param pResult the count, exact as an integer and then converted (qvrZcSignStep: times 0.5)
+ * @param zcType qvrZcProduct, qvrZcSignBit or qvrZcSignStep
+ * @return in order: qvrErrNullPointer; qvrErrBadSize for a `len` of exactly 0; qvrErrBadSelector
+ */
+qvrStatus Morven_qvrsZeroCrossing_32f(const qvr32f* pSrc, int len, qvr32f* pResult, int zcType);
+
+/**
+ * Offset compensation: y = prevValue * factor for the first output, then y * factor + (pSrc[i] - pSrc[i - 1]); at the
+ * end *pLast = pSrc[len].
+ *
+ * The in-place form is another recursion with other results.
+ * @param pSrc len + 1 elements: the one behind the last is read, also for a `len` of 1
+ * @param pDst `len` outputs; may be pSrc
+ * @param len outputs, at least 1
+ * @param pLast output alone
+ * @param prevValue, factor start and decay of the recursion; every product and sum is rounded to single
+ * @return qvrErrNullPointer, then qvrErrBadSize for `len` below 1
+ */
+qvrStatus Morven_qvrsCompensateOffset_32f(const qvr32f* pSrc, qvr32f* pDst, int len, qvr32f* pLast, qvr32f prevValue,
+                                          qvr32f factor);
+
+/**
+ * Offset compensation in place, with x the old elements and y the new ones: y[0] = prevValue * factor + (x[0] -
+ * *pLast), then y[i] = (x[i] - y[i - 1]) + x[i - 1] * factor; at the end *pLast = x[len - 1].
+ * @return qvrErrNullPointer, then qvrErrBadSize for `len` below 1
+ */
+qvrStatus Morven_qvrsCompensateOffset_32f_I(qvr32f* pSrcDst, int len, qvr32f* pLast, qvr32f prevValue, qvr32f factor);
+
+/**
+ * Judges its arguments and does nothing else: no element is read or written.
+ * @return in order: qvrErrNullPointer for `pSrc` or `pDstPeaks`; qvrErrBadCount for `len` outside 1..65535;
+ *         qvrErrBadSize for `searchSize` or `movingAvgSize` outside 1..127; else qvrOk
+ */
+qvrStatus Morven_qvrsFindPeaks_32f8u(const qvr32f* pSrc, qvr8u* pDstPeaks, int len, int searchSize, int movingAvgSize);
+
+/**
+ * Gathers columns: pDst[r * dstStride + c] = pSrc[r * srcStride + pIndex[c]], row after row. Elements move as bits.
+ *
+ * An index outside 0..srcCols - 1 ends the call with qvrErrBadSize when its turn comes, in the first row: the columns
+ * before it are then already written.
+ * @param pSrc rows of `srcCols` elements, `srcStride` elements apart
+ * @param srcCols, srcStride columns and row stride of the source, in elements
+ * @param pDst rows of `dstCols` elements, `dstStride` elements apart
+ * @param pIndex `dstCols` source columns
+ * @param dstCols, dstStride columns and row stride of the destination, in elements
+ * @param rows rows of both
+ * @return in order: qvrErrNullPointer; qvrErrBadSize for `srcCols`, `dstCols` or `rows` below 1; qvrErrBadColumns where
+ *         there are more columns than the stride; qvrErrBadSize for an index
+ */
+qvrStatus Morven_qvrsCopyColumn_Indirect_16s_D2(const qvr16s* pSrc, int srcCols, int srcStride, qvr16s* pDst,
+                                                const qvr32s* pIndex, int dstCols, int dstStride, int rows);
+
+/**
+ * Gathers columns between arrays of row pointers: ppDst[r][c] = ppSrc[r][pIndex[c]], row after row.
+ *
+ * The indices are not judged: each must lie within the source rows. A null row pointer ends the call with
+ * qvrErrNullPointer when its turn comes; the rows before it are then already written.
+ * @param ppSrc `rows` pointers to source rows
+ * @param srcCols at least 1
+ * @param ppDst `rows` pointers to rows of `dstCols` elements
+ * @param pIndex `dstCols` source columns
+ * @param dstCols columns of the destination
+ * @param rows rows of both
+ * @return qvrErrNullPointer, then qvrErrBadSize for a count below 1
+ */
+qvrStatus Morven_qvrsCopyColumn_Indirect_16s_D2L(const qvr16s** ppSrc, int srcCols, qvr16s** ppDst,
+                                                 const qvr32s* pIndex, int dstCols, int rows);
+
+/** @} */
+
+/**
+ * @defgroup fft Real FFT
+ *
+ * Transforms of N = 2^order real values to the half spectrum of N/2 + 1 bins and back:
+ *
+ *     forward   X[k] = sum over n of x[n] exp(-2 pi i k n / N),  k = 0 .. N/2
+ *     inverse   the reverse without the factor 1/N: forward and inverse in a row give N x
+ *
+ * times the factor that the object's flag asks for. A specification object holds all that a length needs. It is
+ * created once and then only read: one object serves any number of transforms, from several threads at once too, as
+ * long as they do not share a work buffer.
+ *
+ * CCS layout, N + 2 values: the real and imaginary parts of X[0], X[1], .. X[N/2] in turn; the imaginary parts of
+ * X[0] and X[N/2] are 0. A forward transform writes the zeros, an inverse one never reads those two places. At order
+ * 0 the spectrum is two values, X[0] and 0, and no more.
+ *
+ * Work buffer. `pBuffer` may be null: a transform that needs work memory then allocates it for the call. Otherwise it
+ * is used from its next 64-byte boundary on. With e the bytes of an element, a buffer of e * 2^order + 64 bytes, and
+ * never less than 131136, serves every order; orders up to 6 need none.
+ *
+ * Aliasing: pSrc and pDst may be one array, which then has N + 2 elements.
+ *
+ * Threads: in the builds for SSSE3 and SSE4.1 processors, transforms of orders 14 to 18 (32f) and 13 to 17 (64f) run
+ * on up to two threads. The result does not depend on their number.
+ *
+ * Accuracy: docs/fft-accuracy.md gives the measured error of each order.
+ * @{
+ */
+
+/** What a transform multiplies by. */
+enum {
+    qvrFftDivFwdByN = 1,  /**< forward by 1/N */
+    qvrFftDivInvByN = 2,  /**< inverse by 1/N */
+    qvrFftDivBySqrtN = 4, /**< both by 1/sqrt(N); in 32f from the processor's estimate and one Newton step */
+    qvrFftNoDiv = 8       /**< neither */
+};
+
+/** A wish of the caller; the floating-point transforms do not look at it. */
+enum {
+    qvrHintNone = 0,    /**< no wish */
+    qvrHintFast = 1,    /**< speed before accuracy */
+    qvrHintAccurate = 2 /**< accuracy before speed */
+};
+
+typedef struct qvrsFFTSpec_R_32f qvrsFFTSpec_R_32f; /**< prepared real transform, single precision */
+typedef struct qvrsFFTSpec_R_64f qvrsFFTSpec_R_64f; /**< prepared real transform, double precision */
+
+/**
+ * Creates the specification object of a length.
+ *
+ * Checks in order: ppSpec null (qvrErrNullPointer), order outside 0..30 (qvrErrFFTOrder), flag (qvrErrFFTFlag), order
+ * above the largest (qvrErrFFTOrder): 28 or 29 in 32f and 27 or 28 in 64f, by processor.
+ * @param ppSpec receives the object; untouched after an error. Release it with Morven_qvrsFFTFree_R_32f.
+ * @param order log2 of the length
+ * @param flag qvrFftDivFwdByN, qvrFftDivInvByN, qvrFftDivBySqrtN or qvrFftNoDiv
+ * @param hint any value
+ * @return qvrErrNoMemory if memory could not be had
+ */
+qvrStatus Morven_qvrsFFTInitAlloc_R_32f(qvrsFFTSpec_R_32f** ppSpec, int order, int flag, int hint);
+
+/** Creates the specification object of a length in double precision, as Morven_qvrsFFTInitAlloc_R_32f. */
+qvrStatus Morven_qvrsFFTInitAlloc_R_64f(qvrsFFTSpec_R_64f** ppSpec, int order, int flag, int hint);
+
+/**
+ * Releases an object of Morven_qvrsFFTInitAlloc_R_32f.
+ * @return qvrErrNullPointer for null, qvrErrBadContext for anything but such an object
+ */
+qvrStatus Morven_qvrsFFTFree_R_32f(qvrsFFTSpec_R_32f* pSpec);
+
+/** Releases an object of Morven_qvrsFFTInitAlloc_R_64f. */
+qvrStatus Morven_qvrsFFTFree_R_64f(qvrsFFTSpec_R_64f* pSpec);
+
+/**
+ * Real values to their half spectrum.
+ *
+ * Checks in order: pSpec null (qvrErrNullPointer), its kind (qvrErrBadContext), pSrc or pDst null (qvrErrNullPointer).
+ * @param pSrc N values
+ * @param pDst the spectrum, N + 2 values (2 at order 0)
+ * @param pSpec the object
+ * @param pBuffer work buffer or null
+ * @return qvrErrNoMemory if work memory could not be had; nothing is written then
+ */
+qvrStatus Morven_qvrsFFTFwd_RToCCS_32f(const qvr32f* pSrc, qvr32f* pDst, const qvrsFFTSpec_R_32f* pSpec,
+                                       qvr8u* pBuffer);
+
+/** Real values to their half spectrum in double precision, as Morven_qvrsFFTFwd_RToCCS_32f. */
+qvrStatus Morven_qvrsFFTFwd_RToCCS_64f(const qvr64f* pSrc, qvr64f* pDst, const qvrsFFTSpec_R_64f* pSpec,
+                                       qvr8u* pBuffer);
+
+/**
+ * Half spectrum to real values.
+ *
+ * Checks as in Morven_qvrsFFTFwd_RToCCS_32f.
+ * @param pSrc the spectrum, N + 2 values, of which index 1 and N + 1 are not read
+ * @param pDst N values; nothing behind them is written
+ * @param pSpec the object
+ * @param pBuffer work buffer or null
+ * @return qvrErrNoMemory if work memory could not be had; nothing is written then
+ */
+qvrStatus Morven_qvrsFFTInv_CCSToR_32f(const qvr32f* pSrc, qvr32f* pDst, const qvrsFFTSpec_R_32f* pSpec,
+                                       qvr8u* pBuffer);
+
+/** Half spectrum to real values in double precision, as Morven_qvrsFFTInv_CCSToR_32f. */
+qvrStatus Morven_qvrsFFTInv_CCSToR_64f(const qvr64f* pSrc, qvr64f* pDst, const qvrsFFTSpec_R_64f* pSpec,
+                                       qvr8u* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup windows Windows
+ *
+ * In-place multiplication of a signal by a symmetric window of its own length L. With t = 2 pi / (L - 1), the weights
+ * for k = 0 .. from either end:
+ *
+ *     Bartlett     2k / (L - 1)
+ *     Hann         0.5 - 0.5 cos(k t)
+ *     Hamming      0.54 - 0.46 cos(k t)
+ *     BlackmanStd  0.42 - 0.5 cos(k t) + 0.08 cos(2 k t)
+ *
+ * The weights come from recurrences in double precision; Bartlett's in single precision, except in the SSE2 build.
+ * The middle element of an odd length keeps its value bit for bit, whatever it is. Bartlett sets both ends to +0, at
+ * length 3 Hann and BlackmanStd do so too; at other lengths their ends are multiplied by a weight of about zero.
+ *
+ * All functions return qvrErrNullPointer for null and then qvrErrBadSize for `len` below 3.
+ * @{
+ */
+
+/** Triangle; both ends become +0. */
+qvrStatus Morven_qvrsWinBartlett_32f_I(qvr32f* pSrcDst, int len);
+
+/** Hann window, also called raised cosine. */
+qvrStatus Morven_qvrsWinHann_32f_I(qvr32f* pSrcDst, int len);
+
+/** Hamming window; the ends keep 0.08 of their value. */
+qvrStatus Morven_qvrsWinHamming_32f_I(qvr32f* pSrcDst, int len);
+
+/**
+ * Hamming window on 16-bit samples. The two ends are truncated toward zero; the others are rounded to nearest by the
+ * caller's MXCSR, except in the SSE2 build, which truncates them all.
+ */
+qvrStatus Morven_qvrsWinHamming_16s_I(qvr16s* pSrcDst, int len);
+
+/** Blackman window with the alpha of -0.16. */
+qvrStatus Morven_qvrsWinBlackmanStd_32f_I(qvr32f* pSrcDst, int len);
+
+/** @} */
+
+/**
+ * @defgroup iir Recursive (IIR) filters
+ *
+ * A filter of order L with taps b[0..L] and a[0..L]:
+ * y[n] = (sum of b[k] x[n - k] for k = 0..L, minus the sum of a[k] y[n - k] for k = 1..L) / a[0].
+ *
+ * A state belongs to the caller from creation to release, keeps the delay line from run to run, so that consecutive
+ * runs filter one continuous signal, and is used by one thread at a time. A fresh state is the way to start anew.
+ * @{
+ */
+
+/** A recursive filter with its delay line. */
+typedef struct qvrsIIRState_64f qvrsIIRState_64f;
+
+/** Filter types of the design functions. */
+enum {
+    qvrIirButterworth = 0, /**< flat in the pass band */
+    qvrIirChebyshev = 1    /**< Chebyshev type I: ripple in the pass band, steeper beyond it */
+};
+
+/**
+ * Creates a recursive filter of any order.
+ * @param statePtr receives the state; release it with Morven_qvrsIIRFree_64f
+ * @param taps 2 * (order + 1) doubles: b[0] .. b[order], then a[0] .. a[order]; all are divided by a[0]
+ * @param order L, at least 1
+ * @param dlyLine L doubles: the start of the delay line in the transposed form, in which element k is what the k + 1
+ *     newest samples owe the output (not a list of past samples); null for zeros
+ * @return qvrErrNullPointer for null taps or statePtr; qvrErrBadOrder for an order below 1; qvrErrNoMemory, also when
+ *     the state would pass 2^31 - 1 bytes; qvrErrDivByZero if a[0] is zero, in which case nothing stays allocated and
+ *     *statePtr is not to be used
+ */
+qvrStatus Morven_qvrsIIRInitAlloc_64f(qvrsIIRState_64f** statePtr, const qvr64f* taps, int order,
+                                      const qvr64f* dlyLine);
+
+/**
+ * Filters numIters samples.
+ *
+ * Runs of more than 4 * order samples use a block form on processors with SSE3, which agrees with the sample-by-sample
+ * form up to rounding. Instability is not detected.
+ * @param src samples
+ * @param dst results; may be src
+ * @param numIters samples, at least 1
+ * @param state the filter, whose delay line is carried on
+ * @return qvrErrNullPointer, qvrErrBadSize, then qvrErrBadContext for an object that is no recursive filter
+ */
+qvrStatus Morven_qvrsIIR_64f(const qvr64f* src, qvr64f* dst, int numIters, qvrsIIRState_64f* state);
+
+/** Releases a recursive filter. @return qvrErrNullPointer, qvrErrBadContext */
+qvrStatus Morven_qvrsIIRFree_64f(qvrsIIRState_64f* state);
+
+/**
+ * Designs a low-pass filter in the taps layout of Morven_qvrsIIRInitAlloc_64f, with a[0] = 1.
+ * @param order 1..12
+ * @param taps receives 2 * (order + 1) doubles
+ * @param filterType qvrIirButterworth or qvrIirChebyshev; with any other value the function returns qvrOk and writes
+ *     nothing
+ * @param rFreq cut-off as a fraction of the sampling rate, in (0, 0.5): 3 dB down for Butterworth, the end of the
+ * ripple for Chebyshev
+ * @param rippleDb pass-band ripple in decibels, in (0, 29]; Chebyshev only
+ * @return in order: qvrErrNullPointer, qvrErrBadCutoff, qvrErrBadFilterOrder, qvrErrBadRipple
+ */
+qvrStatus Morven_qvrsIIRGenLowpass_64f(int order, qvr64f* taps, int filterType, qvr64f rFreq, qvr64f rippleDb);
+
+/** Designs a high-pass filter; otherwise as Morven_qvrsIIRGenLowpass_64f. */
+qvrStatus Morven_qvrsIIRGenHighpass_64f(int order, qvr64f* taps, int filterType, qvr64f rFreq, qvr64f rippleDb);
+
+/** @} */
+
+/**
+ * @defgroup median Median filter
+ * @{
+ */
+
+/**
+ * Replaces each sample but the first and the last by the median of the window of maskSize samples round it, taken from
+ * the input. Where a window reaches over an end it takes the end's sample for each missing one.
+ *
+ * Work grows with maskSize for each sample; masks of 3 and 5 have forms of their own. What a NaN in a window gives is
+ * not defined.
+ * @param srcDst the signal, filtered in place; unchanged if it has fewer than 3 samples or the mask is 1
+ * @param len samples, at least 1
+ * @param maskSize window length, at least 1; an even one is reduced by one
+ * @return qvrErrNullPointer, qvrErrBadSize; qvrErrNoMemory for masks above 5 with the signal unchanged; qvrWarnEvenMask
+ *     for an even mask
+ */
+qvrStatus Morven_qvrsFilterMedian_32f_I(qvr32f* srcDst, int len, int maskSize);
+
+/** @} */
+
+/**
+ * @defgroup samplerate Sample-rate change by integer factors
+ *
+ * Zero stuffing and dropping of samples, without any filter. Source and destination do not overlap.
+ *
+ * Statuses in order: qvrErrNullPointer, qvrErrBadSize for srcLen below 1, qvrErrBadSampleFactor for a factor below 1,
+ * qvrErrBadSamplePhase for a phase outside 0 .. factor - 1. After an error neither *dstLen nor *phase has changed.
+ * @{
+ */
+
+/**
+ * dst[i * factor + *phase] = src[i], and zero everywhere else in srcLen * factor outputs.
+ * @param src samples
+ * @param srcLen input samples, at least 1
+ * @param dst srcLen * factor outputs
+ * @param dstLen receives srcLen * factor
+ * @param factor rate factor, at least 1
+ * @param phase place of the sample in its group; it is not changed
+ * @return also qvrErrBadSize if srcLen * factor passes 2^31 - 1
+ */
+qvrStatus Morven_qvrsSampleUp_32f(const qvr32f* src, int srcLen, qvr32f* dst, int* dstLen, int factor, int* phase);
+
+/**
+ * Keeps src[*phase], src[*phase + factor], ...
+ * @param src samples
+ * @param srcLen input samples, at least 1
+ * @param dst the samples kept: (srcLen + factor - 1 - *phase) / factor of them, rounded down
+ * @param dstLen receives their number, which may be 0
+ * @param factor rate factor, at least 1
+ * @param phase place of the first sample to keep; receives the place of the next one in the samples that follow, so
+ * that consecutive calls continue one signal
+ */
+qvrStatus Morven_qvrsSampleDown_32f(const qvr32f* src, int srcLen, qvr32f* dst, int* dstLen, int factor, int* phase);
+
+/** Keeps every factor-th of 16-bit samples, as Morven_qvrsSampleDown_32f. */
+qvrStatus Morven_qvrsSampleDown_16s(const qvr16s* src, int srcLen, qvr16s* dst, int* dstLen, int factor, int* phase);
 
 /** @} */
 

@@ -4,8 +4,8 @@ set -euo pipefail
 
 declare -A lists=(
     [build]="clang-19 lld-19 libomp-19-dev cmake ninja-build"
-    [demo]="pkgconf libsndfile1-dev alsa-utils"
-    [test]="libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev"
+    [demo]="pkgconf libsndfile1-dev libpng-dev alsa-utils"
+    [test]="libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev libpng-dev"
 )
 
 # Only what is configured counts as present.

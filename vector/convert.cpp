@@ -8,6 +8,10 @@ constexpr int kBlock32 = 2 * kLanes<float>;
 constexpr int kBlock64 = 2 * kLanes<double>;
 constexpr int kBlock16 = kLanes<int16_t>;
 
+// The same from 16 bits: with AVX a quarter register is widened as it is read, where the upper quarter of a loaded half
+// would have to be moved down first.
+constexpr int kFrom16To64 = kAvx ? kLanes<double> : kBlock64;
+
 // 2 to the power of -scale, for a scale whose power is a normal double.
 double scaleFactor64(int scale)
 {
@@ -36,13 +40,18 @@ template<int mode, class V> QVR_INLINE Vec<int16_t, lanes<V>> roundTo16(V x)
     } else if constexpr (mode == qvrRoundNearest) {
         return packSaturate(toInt(clamped));
     } else {
-        // (trunc(2 |x|) + 1) / 2 with the sign put back. Adding 0.5 instead would round 0.49999997 up. A magnitude
-        // past the int32 range comes out as 0x80000000, hence the unsigned shift; it saturates to -32768.
-        const V magnitude = abs(clamped);
-        const auto twice = bitcast<Vec<uint32_t, lanes<V>>>(toIntTruncate(magnitude + magnitude));
-        const auto half = bitcast<Vec<int32_t, lanes<V>>>((twice + 1) >> 1);
-        const auto negative = convert<int32_t>(clamped < V{});
-        return packSaturate((half ^ negative) - negative);
+        // With t = trunc(2 x): (t + 1) >> 1 from zero on and t >> 1 below, for truncation has taken the fraction of a
+        // negative t toward zero already. Adding 0.5 to x instead would round 0.49999997 up. What is too small has
+        // t = 0x80000000, whose half still saturates to -32768.
+        // Doubles by halves: their integers are half as wide.
+        const auto halfAway = [](auto v) {
+            const auto twice = toIntTruncate(v + v);
+            return (twice - (twice >= 0)) >> 1;
+        };
+        if constexpr (sizeof(Elem<V>) == 8 && lanes<V> >= 8)
+            return packSaturate(byHalves(halfAway, clamped));
+        else
+            return packSaturate(halfAway(clamped));
     }
 }
 
@@ -100,8 +109,8 @@ qvrStatus SLOT(qvrsConvert_32s16s)(const qvr32s* pSrc, qvr16s* pDst, int len)
 qvrStatus SLOT(qvrsConvert_16s64f_Sfs)(const qvr16s* pSrc, qvr64f* pDst, int len, int scaleFactor)
 {
     const double factor = scaleFactor64(scaleFactor);
-    return conversion<kBlock64>(pSrc, pDst, len,
-                                [factor](auto x) { return convert<double>(convert<int32_t>(x)) * factor; });
+    return conversion<kFrom16To64>(pSrc, pDst, len,
+                                   [factor](auto x) { return convert<double>(convert<int32_t>(x)) * factor; });
 }
 
 qvrStatus SLOT(qvrsConvert_32f16s_Sfs)(const qvr32f* pSrc, qvr16s* pDst, int len, int rndMode, int scaleFactor)

@@ -2,6 +2,7 @@
 #include <string.h>
 
 #include "vector/fill.h"
+#include "vector/halfwords.h"
 #include "vector/loops.h"
 
 namespace {
@@ -102,6 +103,11 @@ extern "C" qvrStatus SLOT(qvrsCopy_32f)(const qvr32f* pSrc, qvr32f* pDst, int le
 }
 
 extern "C" qvrStatus SLOT(qvrsCopy_64f)(const qvr64f* pSrc, qvr64f* pDst, int len)
+{
+    return copy(pSrc, pDst, len);
+}
+
+extern "C" qvrStatus SLOT(ownCopy_16u)(const qvr16u* pSrc, qvr16u* pDst, int len)
 {
     return copy(pSrc, pDst, len);
 }

@@ -1,8 +1,7 @@
 // Division and square root: the functions with a warning, and with a parallel region in the slots from u8 up.
 //
 // Elements that must not reach the instruction (zero divisors, roots of negatives) are replaced by harmless ones
-// before it, so no exception flag is raised on their account, and by their substitute after it. The first replacement
-// is made on bits: one by selection the compiler would drop, seeing that the second hides it.
+// before it, so no exception flag is raised on their account, and by their substitute after it.
 #include "frame/region.h"
 #include "vector/loops.h"
 
@@ -23,14 +22,39 @@ template<class V> QVR_INLINE V overZero(V n)
     return bitcast<V>(bitcast<U>(n != V{} & n == n) ? infinity : splat<U>(kNan));
 }
 
-// n / d, with 1 or -1 in place of a zero divisor.
-template<class V> QVR_INLINE V quotient(V n, V d, int& flagged)
+// The compiler may not see that lanes are discarded after the instruction: it would drop their replacement before it.
+template<class V> QVR_INLINE V opaque(V v)
+{
+    if constexpr (lanes<V> == 1) {
+        Elem<V> x = v[0];
+        __asm__("" : "+x"(x));
+        return V{x};
+    } else if constexpr (sizeof(V) > kVecBytes) {
+        return byHalves([](auto half) { return opaque(half); }, v);
+    } else {
+        __asm__("" : "+x"(v));
+        return v;
+    }
+}
+
+// A vector with a zero among its divisors: 1 is divided by in its place.
+template<class V> __attribute__((noinline)) V quotientWithZeros(V n, V d)
 {
     const Mask<V> zero = d == V{};
-    flagged |= anyTrue(zero);
-    const V one = splat<V>(1);
-    const V harmless = bitcast<V>(bits(d) | (bits(one) & bitcast<Bits<V>>(zero)));
-    return zero ? overZero(n) : n / harmless;
+    return zero ? overZero(n) : n / opaque(zero ? splat<V>(1) : d);
+}
+
+template<class V> QVR_INLINE V quotient(V n, V d, int& flagged)
+{
+    // In the unused lanes of half a register there would be 0 / 0 and its exception.
+    if constexpr (lanes<V> > 1 && sizeof(V) < 16) {
+        return slice<0, lanes<V>>(quotient(padTo16(n), padTo16(d), flagged));
+    } else if (__builtin_expect(anyTrue(d == V{}) != 0, 0)) {
+        flagged = 1;
+        return quotientWithZeros(n, d);
+    } else {
+        return n / d;
+    }
 }
 
 __attribute__((noinline)) int divide(const float* divisors, const float* dividends, float* dst, Index n)
@@ -49,19 +73,29 @@ __attribute__((noinline)) int divideConstant(const float* src, float val, float*
     return flagged;
 }
 
+// sqrt(x), with 0 in place of what has no root.
+template<class V> __attribute__((noinline)) V rootWithNegatives(V x)
+{
+    const Mask<V> ok = x >= V{};
+    return ok ? sqrt(opaque(ok ? x : V{})) : bitcast<V>(splat<Bits<V>>(kNan));
+}
+
+template<class V> QVR_INLINE V root(V x, int& flagged)
+{
+    if constexpr (lanes<V> > 1 && sizeof(V) < 16)
+        return slice<0, lanes<V>>(root(padTo16(x), flagged));
+    else if (__builtin_expect(anyTrue(~(x >= V{})) != 0, 0)) {
+        flagged = 1;
+        return rootWithNegatives(x);
+    } else {
+        return sqrt(x);
+    }
+}
+
 __attribute__((noinline)) int squareRoot(const float* src, float* dst, Index n)
 {
     int flagged = 0;
-    mapElements(
-        dst, n,
-        [&](auto x) {
-            using V = decltype(x);
-            const Mask<V> ok = x >= V{};
-            flagged |= anyTrue(~ok);
-            const V harmless = bitcast<V>(bits(x) & bitcast<Bits<V>>(ok));
-            return ok ? sqrt(harmless) : bitcast<V>(splat<Bits<V>>(kNan));
-        },
-        src);
+    mapElements(dst, n, [&](auto x) { return root(x, flagged); }, src);
     return flagged;
 }
 

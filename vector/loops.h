@@ -5,7 +5,8 @@
 //
 // Tails. The last vector of an array is computed first and stored last, overlapping the one before it: its elements get
 // the same values twice, and in place the sources are read before the loop changes them. So no tail runs lane by lane,
-// and nothing is read past an end. Below one vector the same is done with half vectors.
+// and nothing is read past an end. An array below four vectors is cut into powers of two without overlap: a vector that
+// straddles two stores of the call before could only be loaded when both have left for the cache.
 #ifndef QVR_VECTOR_LOOPS_H
 #define QVR_VECTOR_LOOPS_H
 
@@ -20,24 +21,37 @@ using Index = int64_t;
 // from about 16 vectors on is more than the head.
 template<class T> constexpr Index kAlignFrom = 16 * kLanes<T>;
 
+// Each array has a pointer of its own, whose relation to the others is hidden from the compiler: with one index for all
+// of them, an operand in memory takes a second slot of the front end, which is what limits a loop in the first cache.
+template<class T> QVR_INLINE void advance(T*& p, Index by)
+{
+    p += by;
+    __asm__("" : "+r"(p));
+}
+
 template<class T, bool Aligned, class Op, class... S>
-QVR_INLINE Index mapVectors(T* dst, Index i, Index n, Op& op, const S*... src)
+QVR_INLINE void mapVectors(T* dst, Index n, Op& op, const S*... src)
 {
     using V = Full<T>;
     constexpr int N = kLanes<T>;
-    for (; i + 4 * N <= n; i += 4 * N) {
-        const V a = op(loadIf<Aligned, V>(src + i)...);
-        const V b = op(loadIf<Aligned, V>(src + i + N)...);
-        const V c = op(loadIf<Aligned, V>(src + i + 2 * N)...);
-        const V d = op(loadIf<Aligned, V>(src + i + 3 * N)...);
-        store(dst + i, a);
-        store(dst + i + N, b);
-        store(dst + i + 2 * N, c);
-        store(dst + i + 3 * N, d);
+    Index left = n;
+    for (; left >= 4 * N; left -= 4 * N) {
+        const V a = op(loadIf<Aligned, V>(src)...);
+        const V b = op(loadIf<Aligned, V>(src + N)...);
+        const V c = op(loadIf<Aligned, V>(src + 2 * N)...);
+        const V d = op(loadIf<Aligned, V>(src + 3 * N)...);
+        store(dst, a);
+        store(dst + N, b);
+        store(dst + 2 * N, c);
+        store(dst + 3 * N, d);
+        (advance(src, 4 * N), ...);
+        advance(dst, 4 * N);
     }
-    for (; i + N <= n; i += N)
-        store(dst + i, op(loadIf<Aligned, V>(src + i)...));
-    return i;
+    for (; left >= N; left -= N) {
+        store(dst, op(loadIf<Aligned, V>(src)...));
+        (advance(src, N), ...);
+        advance(dst, N);
+    }
 }
 
 template<class T, class Op, class... S> QVR_INLINE void mapLong(T* dst, Index n, Op& op, const S*... src)
@@ -57,11 +71,11 @@ template<class T, class Op, class... S> QVR_INLINE void mapLong(T* dst, Index n,
     // Below AVX an operand in memory must be aligned, so an aligned source saves its load instructions.
     if constexpr (!kAvx) {
         if (((reinterpret_cast<uintptr_t>(src + i) | ...) % kVecBytes) == 0)
-            mapVectors<T, true>(dst, i, n, op, src...);
+            mapVectors<T, true>(dst + i, n - i, op, (src + i)...);
         else
-            mapVectors<T, false>(dst, i, n, op, src...);
+            mapVectors<T, false>(dst + i, n - i, op, (src + i)...);
     } else {
-        mapVectors<T, false>(dst, i, n, op, src...);
+        mapVectors<T, false>(dst + i, n - i, op, (src + i)...);
     }
     store(dst + n - N, last);
 }
@@ -82,12 +96,24 @@ template<int N, class T, class Op, class... S> QVR_INLINE void mapShort(T* dst, 
     }
 }
 
+// The last elements by falling powers of two, each once.
+template<int N, class T, class Op, class... S> QVR_INLINE void mapPowers(T* dst, Index n, Op& op, const S*... src)
+{
+    if (n & N) {
+        store(dst, op(load<Vec<T, N>>(src)...));
+        dst += N;
+        ((src += N), ...);
+    }
+    if constexpr (N > 1)
+        mapPowers<N / 2>(dst, n, op, src...);
+}
+
 template<class T, class Op, class... S> QVR_INLINE void mapElements(T* dst, Index n, Op&& op, const S*... src)
 {
-    if (n >= kLanes<T>)
-        mapLong(dst, n, op, src...);
-    else
-        mapShort<kLanes<T>>(dst, n, op, src...);
+    constexpr int N = kLanes<T>;
+    if (n >= 4 * N)
+        return mapLong(dst, n, op, src...);
+    mapPowers<2 * N>(dst, n, op, src...);
 }
 
 // Source and destination are different arrays here, so the overlapping last block needs no care.
@@ -107,23 +133,31 @@ template<int B, class TS, class TD, class Op> QVR_INLINE void convertShort(const
 template<int B, class TS, class TD, class Op> QVR_INLINE void convertBlocks(const TS* src, TD* dst, Index n, Op&& op)
 {
     using V = Vec<TS, B>;
-    static_assert(B * sizeof(TD) >= kVecBytes, "a block must reach the first aligned destination");
     if (n < B)
         return convertShort<B>(src, dst, n, op);
     Index i = 0;
     const uintptr_t address = reinterpret_cast<uintptr_t>(dst);
-    if (n >= 8 * B && address % sizeof(TD) == 0 && address % kVecBytes != 0) {
+    // The head is one block, so the boundary to reach is no further than what a block stores.
+    constexpr uintptr_t boundary = B * sizeof(TD) < kVecBytes ? B * sizeof(TD) : kVecBytes;
+    if (n >= 8 * B && address % sizeof(TD) == 0 && address % boundary != 0) {
         store(dst, op(load<V>(src)));
-        i = static_cast<Index>(-address % kVecBytes / sizeof(TD));
+        i = static_cast<Index>(-address % boundary / sizeof(TD));
     }
-    for (; i + 2 * B <= n; i += 2 * B) {
-        const auto a = op(load<V>(src + i)), b = op(load<V>(src + i + B));
-        store(dst + i, a);
-        store(dst + i + B, b);
+    const V last = load<V>(src + n - B);
+    TD* const lastAt = dst + n - B;
+    src += i;
+    dst += i;
+    Index left = n - i;
+    for (; left >= 2 * B; left -= 2 * B) {
+        const auto a = op(load<V>(src)), b = op(load<V>(src + B));
+        store(dst, a);
+        store(dst + B, b);
+        advance(src, 2 * B);
+        advance(dst, 2 * B);
     }
-    if (i + B <= n)
-        store(dst + i, op(load<V>(src + i)));
-    store(dst + n - B, op(load<V>(src + n - B)));
+    if (left >= B)
+        store(dst, op(load<V>(src)));
+    store(lastAt, op(last));
 }
 
 // ---- Checks, then the loop: the whole of a plain element-wise function ----------------------------------------------

@@ -1,21 +1,12 @@
-// Calls of functions whose arguments are not arrays of one length.
-//
-// A function here is a specialisation of Shape for its name; every other export gets the usual call of arguments.h.
+// Calls of functions whose arguments are not arrays of one length, by family.
 #pragma once
 
-#include "fuzz/arguments.h"
+#include "fuzz/shape.h"
+#include "fuzz/shapes_filters.h"
+#include "fuzz/shapes_fourier.h"
+#include "fuzz/shapes_vector.h"
 
 namespace fuzz {
-
-// One type per export, to specialise on.
-#define QVR_SHARED(name) struct name;
-#define QVR_OWN(name) QVR_SHARED(name)
-#define QVR_PLAIN(name) QVR_SHARED(name)
-#include "frame/exports.def"
-
-template<class Name> struct Shape {
-    template<class F> static void call(F f, Input& in) { callUsual(f, in); }
-};
 
 // Allocated in one slot, written to its end and released in another.
 template<class Allocate, class Release> void allocateAndRelease(Allocate allocate, Release release, Input& in)

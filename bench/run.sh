@@ -1,0 +1,40 @@
+#!/bin/sh
+# Installs what is missing, builds the benchmark program, runs it and writes docs/performance.md.
+#   bench/run.sh [family]     all families, or one; QUICK=1 for a short look that leaves the page alone
+set -e
+cd "$(dirname "$0")/.."
+family=$1
+
+packages="clang-19 lld-19 libomp-19-dev cmake ninja-build pkg-config libvolk2-dev libeigen3-dev libfftw3-dev python3-matplotlib"
+missing=
+for package in $packages; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" || missing="$missing $package"
+done
+if [ -n "$missing" ]; then
+    if [ "$(id -u)" = 0 ]; then
+        apt-get install -y $missing
+    elif sudo -n true 2>/dev/null; then
+        sudo apt-get install -y $missing
+    else
+        echo "These packages are missing; install them with"
+        echo "    sudo apt-get install$missing"
+        exit 1
+    fi
+fi
+
+cmake --preset bench
+cmake --build --preset bench
+program=build/bench/bench/qvr_bench
+results=build/bench
+only=${family:+--only=$family}
+
+if [ -n "$QUICK" ]; then
+    exec $program --quick $only
+fi
+rm -f $results/bench.json $results/bench-*.json
+$program $only --json=$results/bench.json
+# The slots whose peer is the plain loop for their level, as far as this machine can run them.
+for slot in y8 mx; do
+    $program $only --slot=$slot --no-memory --json=$results/bench-$slot.json || [ $? = 3 ] # 3: it cannot
+done
+/usr/bin/python3 bench/report.py $results docs # the interpreter that the package of matplotlib is for

@@ -1,0 +1,18 @@
+// What creation and run of the recursive filters share.
+#ifndef QVR_FILTERS_IIR_H
+#define QVR_FILTERS_IIR_H
+
+#include "filters/iir_state_record.h"
+#include "frame/slot.h"
+
+namespace {
+
+// Samples that a run takes at a time: the non-recursive stage of a chunk stays in the first cache.
+constexpr int kIirChunk = 1024;
+
+// From m7 up a chunk of more than 4 L samples goes through the look-ahead rows.
+constexpr bool kHasIirBlocks = kSlot >= slotM7;
+
+} // namespace
+
+#endif

@@ -1,0 +1,7 @@
+// Real FFT in double precision.
+#include "fourier/real.h"
+#include "fourier/spectra.h"
+
+#define QVR_TAG 64f
+#define QVR_T double
+#include "fourier/fft_entries.inc"

@@ -1,0 +1,194 @@
+// Real transforms: the complex transform of N/2 points and the recombination, from and to the three spectrum layouts.
+#ifndef QVR_FOURIER_REAL_H
+#define QVR_FOURIER_REAL_H
+
+#include "fourier/init.h"
+#include "fourier/kernels.h"
+
+namespace {
+
+// Null object, tag, then the arrays.
+template<class T> inline qvrStatus checkTransform(const SpecType<T>* pSpec, const T* pSrc, const T* pDst)
+{
+    if (const qvrStatus status = checkState(pSpec, kFftTag<T>))
+        return status;
+    return anyNull(pSrc, pDst) ? qvrErrNullPointer : qvrOk;
+}
+
+// The complex transform of M points: any class but the real kernels.
+template<bool Inverse, class T>
+inline void complexTransform(const SpecType<T>& spec, const T* src, T* dst, T* work, bool scale)
+{
+    const int m = spec.order - 1;
+    const T factor = spec.normFactor;
+    const FftClass c = classOf<T>(spec.order);
+    if (c == FftClass::complex) {
+        if (scale)
+            complexKernelOf<T, Inverse>(m, src, dst, ScaledPairsOut<Inverse, T>{factor});
+        else
+            complexKernelOf<T, Inverse>(m, src, dst, PairsOut<Inverse>{});
+        return;
+    }
+    if constexpr (kFirstGeneration) {
+        const FirstGenTables<T> tables = {spec.pTwiddle, spec.pSweepTwiddle, spec.pLevelColumnTwiddle,
+                                          spec.pLevelMidTwiddle};
+        firstGenTransform<Inverse>(src, dst, m, spec.pBitRev, tables, work, scale, factor);
+    } else if (c == FftClass::flat) {
+        if (scale)
+            flatTransform<Inverse>(src, dst, m, spec.pTwiddle, TableReversal<T>{spec.pBitRev}, work, AreaGroups{},
+                                   ScaledPairsOut<Inverse, T>{factor});
+        else
+            flatTransform<Inverse>(src, dst, m, spec.pTwiddle, TableReversal<T>{spec.pBitRev}, work, AreaGroups{},
+                                   PairsOut<Inverse>{});
+    } else if (c == FftClass::threaded) {
+        if constexpr (kThreadedBand)
+            bandTransform<Inverse>(src, dst, m, spec.pTwiddle, spec.pSweepTwiddle, spec.pBitRev, work, scale, factor,
+                                   spec.threadLimit.value);
+    } else {
+        splitTransform<Inverse>(src, dst, m, SplitTables<T>{spec.pTwiddle, spec.pLevelMidTwiddle}, work, scale, factor);
+    }
+}
+
+// Work memory of one call: the caller's buffer from its next 64-byte boundary, or our own.
+template<class T> struct Work {
+    T* p;
+    bool own;
+};
+template<class T> inline qvrStatus takeWork(const SpecType<T>& spec, uint8_t* pBuffer, Work<T>& work)
+{
+    work = {nullptr, false};
+    if (spec.workSize <= 0)
+        return qvrOk;
+    if (pBuffer != nullptr) {
+        work.p = reinterpret_cast<T*>(alignLine(pBuffer));
+        return qvrOk;
+    }
+    work = {reinterpret_cast<T*>(allocate<uint8_t>(spec.workSize)), true};
+    return work.p != nullptr ? qvrOk : qvrErrNoMemory;
+}
+template<class T> inline void giveWork(Work<T> work)
+{
+    if (work.own)
+        release(work.p);
+}
+
+// Values moved by whole elements; source and destination may overlap.
+template<class T> inline void moveValues(const T* src, T* dst, Index n)
+{
+    __builtin_memmove(dst, src, static_cast<size_t>(n) * sizeof(T));
+}
+
+template<class T> inline qvrStatus forwardPacked(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
+{
+    if (const qvrStatus status = checkTransform<T>(pSpec, pSrc, pDst))
+        return status;
+    const SpecType<T>& spec = *pSpec;
+    const bool scale = spec.doFwdScale != 0;
+    if (classOf<T>(spec.order) == FftClass::real) {
+        realForwardOf<T>(spec.order, pSrc, pDst, spec.normFactor, scale);
+        return qvrOk;
+    }
+    Work<T> work;
+    if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
+        return status;
+    complexTransform<false>(spec, pSrc, pDst, work.p, scale);
+    recombineBy<false>(spec.order >= kFftLimits<T>.twoLevel, pDst, pDst, spec.order - 1, spec.pFwdRecomb);
+    const T re = get(pDst, 0), im = get(pDst, 1);
+    put(pDst, 0, re + im);
+    put(pDst, 1, re - im);
+    giveWork(work);
+    return qvrOk;
+}
+
+template<class T> inline qvrStatus forwardCcs(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
+{
+    if (const qvrStatus status = forwardPacked<T>(pSrc, pDst, pSpec, pBuffer))
+        return status;
+    const Index n = Index{1} << pSpec->order;
+    if (n > 1) {
+        put(pDst, n, get(pDst, 1));
+        put(pDst, n + 1, T{0});
+    }
+    put(pDst, 1, T{0});
+    return qvrOk;
+}
+
+template<class T> inline qvrStatus forwardTailPacked(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
+{
+    if (const qvrStatus status = forwardPacked<T>(pSrc, pDst, pSpec, pBuffer))
+        return status;
+    const Index n = Index{1} << pSpec->order;
+    if (n >= 4) {
+        const T last = get(pDst, 1);
+        moveValues(pDst + 2, pDst + 1, n - 2);
+        put(pDst, n - 1, last);
+    }
+    return qvrOk;
+}
+
+// The spectrum's bins 1 .. N/2 - 1 at pSrc[2k], Re X[N/2] at pSrc[lastAt].
+template<class T>
+inline qvrStatus inverseFrom(const T* pSrc, T* pDst, Index lastAt, const SpecType<T>& spec, uint8_t* pBuffer)
+{
+    const bool scale = spec.doInvScale != 0;
+    const Index n = Index{1} << spec.order;
+    if (classOf<T>(spec.order) == FftClass::real) {
+        const T first = get(pSrc, 0), last = n > 1 ? get(pSrc, lastAt) : T{0};
+        if (n > 2)
+            moveValues(pSrc + 2, pDst + 2, n - 2);
+        put(pDst, 0, first);
+        if (n > 1)
+            put(pDst, 1, last);
+        realInverseOf<T>(spec.order, pDst, spec.normFactor, scale);
+        return qvrOk;
+    }
+    Work<T> work;
+    if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
+        return status;
+    const T first = get(pSrc, 0), last = get(pSrc, lastAt);
+    recombineBy<true>(spec.order >= kFftLimits<T>.twoLevel, pSrc, pDst, spec.order - 1, spec.pInvRecomb);
+    put(pDst, 0, first + last);
+    put(pDst, 1, first - last);
+    complexTransform<true>(spec, pDst, pDst, work.p, scale);
+    giveWork(work);
+    return qvrOk;
+}
+
+template<class T> inline qvrStatus inverseCcs(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
+{
+    if (const qvrStatus status = checkTransform<T>(pSpec, pSrc, pDst))
+        return status;
+    return inverseFrom<T>(pSrc, pDst, Index{1} << pSpec->order, *pSpec, pBuffer);
+}
+
+template<class T> inline qvrStatus inversePacked(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
+{
+    if (const qvrStatus status = checkTransform<T>(pSpec, pSrc, pDst))
+        return status;
+    return inverseFrom<T>(pSrc, pDst, 1, *pSpec, pBuffer);
+}
+
+template<class T> inline qvrStatus inverseTailPacked(const T* pSrc, T* pDst, const SpecType<T>* pSpec, uint8_t* pBuffer)
+{
+    if (const qvrStatus status = checkTransform<T>(pSpec, pSrc, pDst))
+        return status;
+    // Work memory first: a failure leaves pDst alone.
+    const SpecType<T>& spec = *pSpec;
+    Work<T> work;
+    if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
+        return status;
+    const Index n = Index{1} << spec.order;
+    const T first = get(pSrc, 0), last = get(pSrc, n - 1);
+    if (n > 2)
+        moveValues(pSrc + 1, pDst + 2, n - 2);
+    put(pDst, 0, first);
+    if (n > 1)
+        put(pDst, 1, last);
+    const qvrStatus status = inverseFrom<T>(pDst, pDst, 1, spec, reinterpret_cast<uint8_t*>(work.p));
+    giveWork(work);
+    return status;
+}
+
+} // namespace
+
+#endif
