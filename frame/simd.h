@@ -238,6 +238,38 @@ template<bool Aligned, class V> QVR_INLINE void storeIf(void* p, V v)
         store(p, v);
 }
 
+// Pairs re, im, re, im, ... from memory, sorted: 2 N elements into N real and N imaginary parts. Loads by 16 bytes into
+// both halves leave one shuffle within the blocks for each result.
+template<class V> QVR_INLINE void loadComplex(const Elem<V>* p, V& re, V& im)
+{
+    constexpr int N = lanes<V>;
+    if constexpr (sizeof(V) > kVecBytes) {
+        decltype(lo(V{})) r0, r1, i0, i1;
+        loadComplex(p, r0, i0);
+        loadComplex(p + N, r1, i1);
+        re = concat(r0, r1);
+        im = concat(i0, i1);
+    } else {
+        V a, b;
+        if constexpr (sizeof(V) == 32) {
+            using H = decltype(lo(V{}));
+            constexpr int h = N / 2;
+            a = concat(load<H>(p), load<H>(p + 2 * h));
+            b = concat(load<H>(p + h), load<H>(p + 3 * h));
+        } else {
+            a = load<V>(p);
+            b = load<V>(p + N);
+        }
+        if constexpr (sizeof(Elem<V>) == 4) {
+            re = shuffleBlocks<0, 2, 4, 6>(a, b);
+            im = shuffleBlocks<1, 3, 5, 7>(a, b);
+        } else {
+            re = shuffleBlocks<0, 2>(a, b);
+            im = shuffleBlocks<1, 3>(a, b);
+        }
+    }
+}
+
 // Past the caches, to an aligned address; streamFence orders it before later stores.
 template<class V> QVR_INLINE void stream(void* p, V v)
 {
@@ -475,6 +507,208 @@ template<class V> QVR_INLINE V mulSaturate(V a, V b)
         const __m128i low = _mm_mullo_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b));
         const __m128i high = _mm_mulhi_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b));
         return bitcast<V>(_mm_packs_epi32(_mm_unpacklo_epi16(low, high), _mm_unpackhi_epi16(low, high)));
+    }
+}
+
+// Products of 16-bit lanes, neighbours added to 32 bits: a0 b0 + a1 b1, ... Only (-32768)^2 + (-32768)^2 wraps.
+template<class V> QVR_INLINE Vec<int32_t, lanes<V> / 2> addProductPairs(V a, V b)
+{
+    static_assert(sizeof(Elem<V>) == 2);
+    if constexpr (kAvx2 && sizeof(V) == 32)
+        return bitcast<Vec<int32_t, 8>>(_mm256_madd_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)));
+    else if constexpr (sizeof(V) > 16)
+        return byHalves([](auto... x) { return addProductPairs(x...); }, a, b);
+    else
+        return bitcast<Vec<int32_t, 4>>(_mm_madd_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
+}
+
+// ---- Nearest integer, estimates -------------------------------------------------------------------------------------
+
+// The integer nearest to v, whatever rounding MXCSR asks for, as a value of the same type. Ties go to either side.
+// Below SSE4.1 v must fit an int32.
+template<class V> QVR_INLINE V roundNearest(V v)
+{
+    if constexpr (kSse41) {
+        return __builtin_elementwise_roundeven(v);
+    } else {
+        const Elem<V> half = Elem<V>(0.5);
+        const Bits<V> sign = bits(v) & bits(splat<V>(Elem<V>(-0.0)));
+        return convert<Elem<V>>(toIntTruncate(v + bitcast<V>(bits(splat<V>(half)) | sign)));
+    }
+}
+
+// 1 / v to within 1.5 * 2^-12 of its value. Zero and denormals give an infinity, magnitudes beyond 2^126 zero.
+template<class V> QVR_INLINE V reciprocalEstimate(V v)
+{
+    static_assert(sizeof(Elem<V>) == 4);
+    if constexpr (sizeof(V) > kVecBytes)
+        return byHalves([](auto x) { return reciprocalEstimate(x); }, v);
+    else if constexpr (sizeof(V) == 32)
+        return bitcast<V>(_mm256_rcp_ps(bitcast<__m256>(v)));
+    else
+        return slice<0, lanes<V>>(bitcast<Vec<float, 4>>(_mm_rcp_ps(bitcast<__m128>(padTo16(v)))));
+}
+
+// 1 / sqrt(v) to within 1.5 * 2^-12 of its value.
+template<class V> QVR_INLINE V rootReciprocalEstimate(V v)
+{
+    static_assert(sizeof(Elem<V>) == 4);
+    if constexpr (sizeof(V) > kVecBytes)
+        return byHalves([](auto x) { return rootReciprocalEstimate(x); }, v);
+    else if constexpr (sizeof(V) == 32)
+        return bitcast<V>(_mm256_rsqrt_ps(bitcast<__m256>(v)));
+    else
+        return slice<0, lanes<V>>(bitcast<Vec<float, 4>>(_mm_rsqrt_ps(bitcast<__m128>(padTo16(v)))));
+}
+
+// ---- Look-up --------------------------------------------------------------------------------------------------------
+
+// Table rows by an index in each lane. The indices go through memory, because taking lanes out of a register one by
+// one, or a gather instruction, costs more than loads that overlap with other work; volatile keeps the compiler from
+// turning the loads back into that.
+template<class T, int Stride, class I> struct Rows {
+    const char* base;
+    volatile Elem<I> at[lanes<I>];
+    QVR_INLINE Rows(const T* table, I index) : base(reinterpret_cast<const char*>(table))
+    {
+        store(const_cast<Elem<I>*>(at), index * static_cast<Elem<I>>(Stride * sizeof(T)));
+    }
+    QVR_INLINE const T* operator()(int lane) const { return reinterpret_cast<const T*>(base + at[lane]); }
+};
+
+// The elements base[index[lane]] of rows that are Stride elements apart: one column, or two neighbouring ones.
+template<int Stride, class V, class I> QVR_INLINE V lookUp(const Elem<V>* base, I index)
+{
+    if constexpr (sizeof(V) > kVecBytes) {
+        using H = decltype(lo(V{}));
+        return concat(lookUp<Stride, H>(base, lo(index)), lookUp<Stride, H>(base, hi(index)));
+    } else {
+        const Rows<Elem<V>, Stride, I> row(base, index);
+        V v;
+        for (int i = 0; i < lanes<V>; i++)
+            v[i] = *row(i);
+        return v;
+    }
+}
+template<int Stride, class V, class I> QVR_INLINE void lookUpPairs(const Elem<V>* base, I index, V& first, V& second)
+{
+    constexpr int N = lanes<V>;
+    using T = Elem<V>;
+    if constexpr (sizeof(V) > kVecBytes) {
+        decltype(lo(V{})) f0, f1, s0, s1;
+        lookUpPairs<Stride>(base, lo(index), f0, s0);
+        lookUpPairs<Stride>(base, hi(index), f1, s1);
+        first = concat(f0, f1);
+        second = concat(s0, s1);
+    } else {
+        const Rows<T, Stride, I> row(base, index);
+        if constexpr (N == 1) {
+            first = V{row(0)[0]};
+            second = V{row(0)[1]};
+        } else if constexpr (sizeof(T) == 4) {
+            // Rows as doubles, so ordered that one shuffle within 16-byte blocks sorts the columns out.
+            const auto two = [&](int i, int j) { return Vec<double, 2>{load<double>(row(i)), load<double>(row(j))}; };
+            V a, b;
+            if constexpr (N == 8) {
+                a = bitcast<V>(concat(two(0, 1), two(4, 5)));
+                b = bitcast<V>(concat(two(2, 3), two(6, 7)));
+            } else {
+                a = bitcast<V>(two(0, 1));
+                b = bitcast<V>(two(2, 3));
+            }
+            first = shuffleBlocks<0, 2, 4, 6>(a, b);
+            second = shuffleBlocks<1, 3, 5, 7>(a, b);
+        } else {
+            using P = Vec<T, 2>;
+            V a, b;
+            if constexpr (N == 4) {
+                a = concat(load<P>(row(0)), load<P>(row(2)));
+                b = concat(load<P>(row(1)), load<P>(row(3)));
+            } else {
+                a = load<P>(row(0));
+                b = load<P>(row(1));
+            }
+            first = shuffleBlocks<0, 2>(a, b);
+            second = shuffleBlocks<1, 3>(a, b);
+        }
+    }
+}
+
+// Columns 1, 2 and 3 of rows of four floats.
+template<class V, class I> QVR_INLINE void lookUpTriples(const float* base, I index, V& one, V& two, V& three)
+{
+    constexpr int N = lanes<V>;
+    if constexpr (sizeof(V) > kVecBytes) {
+        decltype(lo(V{})) a1, a2, a3, b1, b2, b3;
+        lookUpTriples(base, lo(index), a1, a2, a3);
+        lookUpTriples(base, hi(index), b1, b2, b3);
+        one = concat(a1, b1);
+        two = concat(a2, b2);
+        three = concat(a3, b3);
+    } else {
+        const Rows<float, 4, I> row(base, index);
+        if constexpr (N == 1) {
+            one = V{row(0)[1]};
+            two = V{row(0)[2]};
+            three = V{row(0)[3]};
+        } else {
+            using Q = Vec<float, 4>;
+            const auto rows = [&](int i) {
+                if constexpr (N == 8)
+                    return concat(load<Q>(row(i)), load<Q>(row(i + 4)));
+                else
+                    return load<Q>(row(i));
+            };
+            const V a = rows(0), b = rows(1), c = rows(2), d = rows(3);
+            const V ab = shuffleBlocks<2, 6, 3, 7>(a, b), cd = shuffleBlocks<2, 6, 3, 7>(c, d);
+            one = shuffleBlocks<2, 3, 6, 7>(shuffleBlocks<0, 4, 1, 5>(a, b), shuffleBlocks<0, 4, 1, 5>(c, d));
+            two = shuffleBlocks<0, 1, 4, 5>(ab, cd);
+            three = shuffleBlocks<2, 3, 6, 7>(ab, cd);
+        }
+    }
+}
+
+// One of eight values by an index 0 .. 7.
+template<class I> QVR_INLINE Vec<float, lanes<I>> choose8(Vec<float, 8> values, I index)
+{
+    if constexpr (sizeof(I) > 32) {
+        return concat(choose8(values, lo(index)), choose8(values, hi(index)));
+    } else if constexpr (sizeof(I) == 32) {
+        return bitcast<Vec<float, 8>>(_mm256_permutevar8x32_ps(bitcast<__m256>(values), bitcast<__m256i>(index)));
+    } else {
+        return slice<0, lanes<I>>(choose8(values, concat(padTo16(index), padTo16(index))));
+    }
+}
+
+// ---- Masked access --------------------------------------------------------------------------------------------------
+
+// The first n <= N lanes; nothing behind them is touched, and the other lanes of a load are zero. One instruction for
+// each register where the level has it.
+template<class V> QVR_INLINE V loadFirst(const void* p, int n)
+{
+    if constexpr (kAvx && sizeof(V) > 32) {
+        using H = decltype(lo(V{}));
+        return concat(loadFirst<H>(p, n), loadFirst<H>(static_cast<const char*>(p) + sizeof(H), n - lanes<H>));
+    } else if constexpr (kAvx && sizeof(V) == 32 && sizeof(Elem<V>) == 4) {
+        const Mask<V> wanted = iota<Mask<V>>() < n;
+        return bitcast<V>(_mm256_maskload_ps(static_cast<const float*>(p), bitcast<__m256i>(wanted)));
+    } else {
+        return n == lanes<V> ? load<V>(p) : loadPartial<V>(p, n);
+    }
+}
+template<class V> QVR_INLINE void storeFirst(void* p, V v, int n)
+{
+    if constexpr (kAvx && sizeof(V) > 32) {
+        using H = decltype(lo(V{}));
+        storeFirst(p, lo(v), n);
+        storeFirst(static_cast<char*>(p) + sizeof(H), hi(v), n - lanes<H>);
+    } else if constexpr (kAvx && sizeof(V) == 32 && sizeof(Elem<V>) == 4) {
+        const Mask<V> wanted = iota<Mask<V>>() < n;
+        _mm256_maskstore_ps(static_cast<float*>(p), bitcast<__m256i>(wanted), bitcast<__m256>(v));
+    } else if (n == lanes<V>) {
+        store(p, v);
+    } else {
+        storePartial(p, v, n);
     }
 }
 

@@ -1015,6 +1015,180 @@ qvrStatus Morven_qvrsSampleDown_16s(const qvr16s* src, int srcLen, qvr16s* dst, 
 
 /** @} */
 
+/**
+ * @defgroup elementary Elementary functions with an accuracy tag
+ *
+ * One function over a whole array of floats. The tag promises correct bits of the result: A11 eleven, A21 twenty-one,
+ * A24 twenty-four, that is at most one unit in the last place. On processors below SSE3 every function works in double
+ * and reaches A24 whatever its tag. docs/accuracy.md lists what each function reaches.
+ *
+ * - Checks: qvrErrNullPointer for a null pointer, then qvrErrBadSize for `len` below 1. On processors with AVX the length
+ *   comes first.
+ * - Warnings name elements that hold a substitute; the loop goes on, and the last element in error gives the status.
+ * - Elements are processed in blocks. In a block with an element outside the range of the fast formula all elements take
+ *   the slower path, which is at least as accurate, so the last bits of an element may depend on its neighbours.
+ * - Environment: exceptions are masked during the call, so none traps. A caller with all exceptions masked finds the five
+ *   flags other than precision cleared; any other caller finds MXCSR as it was. Pending x87 exceptions are cleared. The
+ *   caller's rounding mode and flush modes hold inside, except that arguments are always reduced by the nearest integer.
+ *   errno is not touched.
+ * - A destination may be the very same array as a source.
+ * @{
+ */
+
+/**
+ * Sine, to 11 bits; next to multiples of pi the error is at most 2^-12.7 in absolute terms instead.
+ *
+ * Any finite argument is valid. A zero keeps its sign. A NaN gives a quiet NaN, an infinity the NaN 0xFFC00000.
+ * @return qvrWarnDomain if an element was infinite
+ */
+qvrStatus Morven_qvrsSin_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/** Cosine, to 11 bits; next to its zeros, and otherwise, as Morven_qvrsSin_32f_A11. */
+qvrStatus Morven_qvrsCos_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/** Tangent, to 11 bits everywhere. Special elements as in Morven_qvrsSin_32f_A11. */
+qvrStatus Morven_qvrsTan_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/**
+ * Arc sine in [-pi/2, pi/2], to 11 bits. A NaN gives a quiet NaN, a magnitude above 1 the NaN 0xFFC00000.
+ * @return qvrWarnDomain if the magnitude of an element was above 1
+ */
+qvrStatus Morven_qvrsAsin_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/** Arc cosine in [0, pi], to 11 bits. Special elements as in Morven_qvrsAsin_32f_A11. */
+qvrStatus Morven_qvrsAcos_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/** Arc tangent in [-pi/2, pi/2], to 11 bits. Infinities give plus or minus pi/2. No warnings. */
+qvrStatus Morven_qvrsAtan_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/**
+ * The angle of the point (x, y) in [-pi, pi], to 11 bits. Zeros and infinities by their signs, as C's atan2f. No warnings.
+ * @param pSrcY, pSrcX coordinates, `len` elements each
+ * @param pDst angles; may be either source
+ * @param len elements, at least 1
+ */
+qvrStatus Morven_qvrsAtan2_32f_A11(const qvr32f* pSrcY, const qvr32f* pSrcX, qvr32f* pDst, int len);
+
+/**
+ * Hyperbolic sine, to 11 bits, small arguments and signed zeros included. It stays finite up to a magnitude of 89.4159.
+ * @return qvrWarnOverflow if a finite element gave an infinity
+ */
+qvrStatus Morven_qvrsSinh_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/** Hyperbolic cosine; range and warning as Morven_qvrsSinh_32f_A11. Infinities of both signs give +infinity. */
+qvrStatus Morven_qvrsCosh_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/** Hyperbolic tangent, to 11 bits; for large magnitudes plus or minus 1. No warnings. */
+qvrStatus Morven_qvrsTanh_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/**
+ * Exponential function. Above 88.7228 the result is +infinity; below -87.3365 it is a denormal and then zero. A NaN gives
+ * a quiet NaN. No warnings.
+ */
+qvrStatus Morven_qvrsExp_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/**
+ * Natural logarithm, to 11 bits. A negative element gives the NaN 0x7FFC0000, a zero of either sign -infinity, +infinity
+ * itself, a NaN its own bits.
+ * @return qvrWarnDomain for a negative element, qvrWarnSingularity for a zero: the later of them
+ */
+qvrStatus Morven_qvrsLn_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/**
+ * Decimal logarithm, to 11 bits. A negative element gives the NaN 0xFFC00000, a zero of either sign -infinity, +infinity
+ * itself, a NaN its own bits. No warnings.
+ */
+qvrStatus Morven_qvrsLog10_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/** Decimal logarithm, to 21 bits; otherwise as Morven_qvrsLog10_32f_A11. */
+qvrStatus Morven_qvrsLog10_32f_A21(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/**
+ * pDst[i] = pSrcX[i] to the power pSrcY[i], to 11 bits. Results below the normal floats are zero or the denormal.
+ *
+ * A power of 0 gives 1 and so does the base 1, whatever the other operand is; else a NaN operand is the result, the base
+ * first. The base -1 with an infinite power gives 1. A negative base needs an integer power, else the result is the NaN
+ * 0xFFC00000. A zero base with a negative power gives an infinity, of the base's sign if the power is odd. Infinite
+ * operands as in C's powf. Overflow and underflow give infinity and zero without a warning.
+ * @param pSrcX, pSrcY bases and powers, `len` elements each
+ * @param pDst results; may be either source
+ * @param len elements, at least 1
+ * @return qvrWarnDomain for a negative base with a fractional power, and for a zero base with a negative one
+ */
+qvrStatus Morven_qvrsPow_32f_A11(const qvr32f* pSrcX, const qvr32f* pSrcY, qvr32f* pDst, int len);
+
+/** The same to 24 bits, denormal results included. */
+qvrStatus Morven_qvrsPow_32f_A24(const qvr32f* pSrcX, const qvr32f* pSrcY, qvr32f* pDst, int len);
+
+/** pDst[i] = pSrcX[i] to the power y, by the rules of Morven_qvrsPow_32f_A11. */
+qvrStatus Morven_qvrsPowx_32f_A11(const qvr32f* pSrcX, qvr32f y, qvr32f* pDst, int len);
+
+/** The same to 24 bits, denormal results included. */
+qvrStatus Morven_qvrsPowx_32f_A24(const qvr32f* pSrcX, qvr32f y, qvr32f* pDst, int len);
+
+/** @} */
+
+/**
+ * @defgroup fast Fast elementary functions, magnitudes and phase
+ *
+ * All functions return qvrErrNullPointer for a null pointer and then qvrErrBadSize for `len` below 1. They follow the
+ * caller's MXCSR and raise its flags; errno is not touched.
+ * @{
+ */
+
+/**
+ * Exponential function, within one unit in the last place of the scalar one. Overflow gives +infinity, underflow a denormal
+ * or zero, a NaN a quiet NaN. No warnings.
+ */
+qvrStatus Morven_qvrsExp_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/**
+ * Natural logarithm, correctly rounded but for rare near-ties.
+ *
+ * An element with the sign bit set, -0 and NaN included, gives the NaN 0xFFC00000; +0 gives -infinity, +infinity itself, a
+ * positive NaN a quiet NaN.
+ * @return qvrWarnLnZeroArg or qvrWarnLnNegArg, by which of a +0 and an element with the sign bit set came first
+ */
+qvrStatus Morven_qvrsLn_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/** Arc tangent in [-pi/2, pi/2], within one unit in the last place of the scalar one. No warnings. */
+qvrStatus Morven_qvrsArctan_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
+
+/** The angle of a complex number, atan2(im, re) in double and rounded to single; 0 where both parts are zero. */
+qvrStatus Morven_qvrsPhase_32fc(const qvr32fc* pSrc, qvr32f* pDst, int len);
+
+/**
+ * sqrt(re * re + im * im) in single, each product and the sum rounded.
+ *
+ * Most elements take an approximate root with one Newton step, good to 22 bits: there a sum of squares below 1.1754944e-38
+ * gives 0 and an infinite one a NaN. Elements ahead of the first 16-byte boundary of pDst, and those behind the last whole
+ * group of eight, take the exact root.
+ *
+ * Uses two threads from 2048 elements on, on processors with SSSE3; each works on a half as if it were an array of its own.
+ */
+qvrStatus Morven_qvrsMagnitude_32fc(const qvr32fc* pSrc, qvr32f* pDst, int len);
+
+/**
+ * sqrt(re * re + im * im) in double, every operation rounded, without scaling against overflow.
+ *
+ * Uses two threads from 256 elements on, on processors with SSSE3 but no AVX.
+ */
+qvrStatus Morven_qvrsMagnitude_64fc(const qvr64fc* pSrc, qvr64f* pDst, int len);
+
+/**
+ * sqrt(re^2 + im^2) * 2^-scaleFactor, rounded to nearest, a tie to even, and saturated to 32767.
+ *
+ * From scaleFactor 17 on all results are 0; below -14 every element other than 0 gives 32767.
+ *
+ * Uses two threads from 2048 elements on, on processors with SSSE3.
+ * @param pSrc, pDst source and destination, `len` elements each
+ * @param len elements, at least 1
+ * @param scaleFactor any value
+ */
+qvrStatus Morven_qvrsMagnitude_16sc_Sfs(const qvr16sc* pSrc, qvr16s* pDst, int len, int scaleFactor);
+
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

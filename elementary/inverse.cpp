@@ -1,0 +1,170 @@
+// Arc sine, arc cosine, arc tangent of one and of two arguments.
+//
+// Arc sine: asin t = t P(t^2) for t below 1/2; from there on t = sqrt((1 - |x|) / 2), asin x = pi/2 - 2 asin t.
+// Arc tangent: three comparisons find one of four intervals with breakpoint b; with t = (|x| - b) / (1 + b |x|)
+// atan x = atan b + t P(t^2). The breakpoints tan(k pi/7), k = 0 .. 3, make |t| at most tan(pi/14) = 0.2282; the
+// intervals meet at tan(pi/14), tan(3 pi/14), tan(5 pi/14). Of two arguments: x is |y| / |x| in all of this.
+#include "elementary/arctangent.h"
+#include "elementary/kernel.h"
+
+namespace {
+
+// pi/2 and pi as a float and what it leaves out; a double needs no second part here.
+template<class T> constexpr T kHalfPi = static_cast<T>(1.5707963267948966);
+template<class T> constexpr T kHalfPiLow = sizeof(T) == 4 ? T(-4.371139e-08) : T(0);
+template<class T> constexpr T kPi = 2 * kHalfPi<T>;
+template<class T> constexpr T kPiLow = 2 * kHalfPiLow<T>;
+
+// asin(sqrt z) / sqrt z on [0, 1/4], minimax in relative error: 2^-15.0, 2^-23.4, 2^-31.9.
+template<Accuracy A, class V> QVR_INLINE V arcSineSeries(V z)
+{
+    if constexpr (A == Accuracy::ha)
+        return polynomial(z, 3.7898826560891107e-2, 1.413035129412178e-2, 3.1903151847328691e-2, 4.4502811195781547e-2,
+                          7.5006055428778778e-2, 0.16666656917555992, 1.0000000002554226);
+    else if constexpr (A == Accuracy::la)
+        return polynomial(z, 5.0017424e-2, 4.0002082e-2, 7.5410597e-2, 0.16665554, 1.0);
+    else
+        return polynomial(z, 9.5999368e-2, 0.16453663, 1.0000311);
+}
+
+// asin t of the smaller angle, and whether it was folded.
+template<Accuracy A, class V> QVR_INLINE V foldedArcSine(V x, Mask<V>& folded)
+{
+    const V a = abs(x), half = splat<V>(0.5);
+    folded = a >= half;
+    const V z = folded ? (splat<V>(1) - a) * half : a * a;
+    const V t = folded ? sqrt(z) : a;
+    return t * arcSineSeries<A>(z);
+}
+
+template<Accuracy A, class V> QVR_INLINE V arcSine(V x)
+{
+    using T = Elem<V>;
+    Mask<V> folded;
+    const V p = foldedArcSine<A>(x, folded);
+    const V unfolded = splat<V>(kHalfPi<T>) - (p + p - kHalfPiLow<T>);
+    return withSign(folded ? unfolded : p, signOf(x));
+}
+
+// folded: 2p, or pi - 2p for negative x; else pi/2 - p with the sign of x on p.
+template<Accuracy A, class V> QVR_INLINE V arcCosine(V x)
+{
+    using T = Elem<V>;
+    Mask<V> folded;
+    const V p = foldedArcSine<A>(x, folded);
+    const Mask<V> negative = bitcast<Mask<V>>(x) < 0;
+    const V base = negative ? splat<V>(kPi<T>) : V{}, low = negative ? splat<V>(kPiLow<T>) : V{};
+    const V s = withSign(p, signOf(x));
+    const V wide = base + (s + s + low);
+    const V middle = splat<V>(kHalfPi<T>) - (s - kHalfPiLow<T>);
+    return folded ? wide : middle;
+}
+
+// The domain [-1, 1]: outside it the NaN and a report, for a NaN its quiet form.
+template<class V> QVR_INLINE Mask<V> outsideUnit(V x)
+{
+    return ~(abs(x) <= splat<V>(1));
+}
+template<class K> QVR_INLINE float unitDomain(const K& k, const Error& error, float x)
+{
+    if (x != x)
+        return x + x;
+    if (__builtin_fabsf(x) > 1) {
+        error(qvrWarnDomain);
+        return __builtin_bit_cast(float, kQuietNan);
+    }
+    return k.eval(Vec<float, 1>{x})[0];
+}
+
+template<Accuracy A, bool> struct ArcSine {
+    static constexpr const char* kName = QVR_CLASS_NAME(A, "Asin");
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
+    template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideUnit(x); }
+    template<class V> QVR_INLINE V eval(V x) const
+    {
+        if constexpr (A == Accuracy::ha)
+            return convert<float>(arcSine<A>(convert<double>(x)));
+        else
+            return arcSine<A>(x);
+    }
+    float scalar(const Error& error, float x) const { return unitDomain(*this, error, x); }
+};
+
+template<Accuracy A, bool> struct ArcCosine {
+    static constexpr const char* kName = QVR_CLASS_NAME(A, "Acos");
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
+    template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideUnit(x); }
+    template<class V> QVR_INLINE V eval(V x) const
+    {
+        if constexpr (A == Accuracy::ha)
+            return convert<float>(arcCosine<A>(convert<double>(x)));
+        else
+            return arcCosine<A>(x);
+    }
+    float scalar(const Error& error, float x) const { return unitDomain(*this, error, x); }
+};
+
+// Every argument has a result, so no element is special.
+template<Accuracy A, bool> struct ArcTangent {
+    static constexpr const char* kName = QVR_CLASS_NAME(A, "Atan");
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
+    template<class V> QVR_INLINE Mask<V> care(V) const { return Mask<V>{}; }
+    template<class V> QVR_INLINE V eval(V x) const
+    {
+        if constexpr (A == Accuracy::ha)
+            return convert<float>(arcTangent<A>(convert<double>(x)));
+        else
+            return arcTangent<A>(x);
+    }
+    float scalar(const Error&, float x) const { return eval(Vec<float, 1>{x})[0]; }
+};
+
+// The block path takes magnitudes of 2^-60 .. 2^60, whose products and quotients are normal floats.
+template<Accuracy A, bool> struct ArcTangent2 {
+    static constexpr const char* kName = QVR_CLASS_NAME(A, "Atan2");
+    static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
+    template<class V> QVR_INLINE Mask<V> care(V y, V x) const
+    {
+        const V ay = abs(y), ax = abs(x);
+        return ~((min(ay, ax) >= splat<V>(0x1p-60f)) & (max(ay, ax) <= splat<V>(0x1p60f)));
+    }
+    template<class V> QVR_INLINE V eval(V y, V x) const
+    {
+        if constexpr (A == Accuracy::ha)
+            return convert<float>(arcTangent2<A>(convert<double>(y), convert<double>(x)));
+        else
+            return arcTangent2<A>(y, x);
+    }
+    float scalar(const Error&, float y, float x) const { return static_cast<float>(wideArcTangent2(y, x)); }
+};
+
+} // namespace
+
+QVR_KERNELS(asinKernels, Kernel1, kernel1, ArcSine)
+QVR_KERNELS(acosKernels, Kernel1, kernel1, ArcCosine)
+QVR_KERNELS(atanKernels, Kernel1, kernel1, ArcTangent)
+QVR_KERNELS(atan2Kernels, Kernel2, kernel2, ArcTangent2)
+
+extern "C" {
+
+qvrStatus SLOT(qvrsAsin_32f_A11)(const qvr32f* pSrc, qvr32f* pDst, int len)
+{
+    return SLOT(asinKernels)[static_cast<int>(Accuracy::a11)](pSrc, pDst, len);
+}
+
+qvrStatus SLOT(qvrsAcos_32f_A11)(const qvr32f* pSrc, qvr32f* pDst, int len)
+{
+    return SLOT(acosKernels)[static_cast<int>(Accuracy::a11)](pSrc, pDst, len);
+}
+
+qvrStatus SLOT(qvrsAtan_32f_A11)(const qvr32f* pSrc, qvr32f* pDst, int len)
+{
+    return SLOT(atanKernels)[static_cast<int>(Accuracy::a11)](pSrc, pDst, len);
+}
+
+qvrStatus SLOT(qvrsAtan2_32f_A11)(const qvr32f* pSrcY, const qvr32f* pSrcX, qvr32f* pDst, int len)
+{
+    return SLOT(atan2Kernels)[static_cast<int>(Accuracy::a11)](pSrcY, pSrcX, pDst, len);
+}
+
+} // extern "C"

@@ -1,0 +1,237 @@
+// Sine, cosine and tangent over the whole range of floats, in double with a correction; hyperbolic functions in
+// extended precision.
+//
+// n = round(x * 32/pi), r = x - n pi/32 as a high and a low part, and with S, C the sine and cosine of n pi/32
+//   sin x = S + (S (p(r^2) - 1) + C r q(r^2)),  p(z) = cos sqrt z,  q(z) = sin(sqrt z) / sqrt z.
+// From 2^17 on x is first reduced by multiples of pi/2, by a product with enough bits of 2/pi.
+#include "elementary/tables.h"
+
+namespace {
+
+// ---- Table of sines and cosines, in double-double by the Taylor series ----------------------------------------------
+
+struct Pair {
+    double hi, lo;
+};
+
+constexpr Pair twoSum(double a, double b)
+{
+    const double s = a + b, t = s - a;
+    return {s, (a - (s - t)) + (b - t)};
+}
+constexpr Pair twoProduct(double a, double b)
+{
+    const double ca = 134217729.0 * a, cb = 134217729.0 * b; // 2^27 + 1 splits the mantissa
+    const double ah = ca - (ca - a), al = a - ah, bh = cb - (cb - b), bl = b - bh;
+    const double p = a * b;
+    return {p, ((ah * bh - p) + ah * bl + al * bh) + al * bl};
+}
+constexpr Pair add(Pair a, Pair b)
+{
+    const Pair s = twoSum(a.hi, b.hi);
+    return twoSum(s.hi, s.lo + a.lo + b.lo);
+}
+constexpr Pair multiply(Pair a, Pair b)
+{
+    const Pair p = twoProduct(a.hi, b.hi);
+    return twoSum(p.hi, p.lo + a.hi * b.lo + a.lo * b.hi);
+}
+constexpr Pair divide(Pair a, double d)
+{
+    const double q = a.hi / d;
+    const Pair p = twoProduct(q, d);
+    return twoSum(q, ((a.hi - p.hi) - p.lo + a.lo) / d);
+}
+
+constexpr Pair kPi = {3.141592653589793, 1.2246467991473532e-16};
+
+// sin x (first = 1) or cos x (first = 0) for 0 <= x <= pi/2.
+constexpr Pair series(Pair x, int first)
+{
+    Pair term = first ? x : Pair{1, 0}, sum{0, 0};
+    const Pair square = multiply(x, x);
+    for (int n = first; n < 34; n += 2) {
+        sum = add(sum, term);
+        term = divide(multiply(term, square), -(n + 1.0) * (n + 2.0));
+    }
+    return sum;
+}
+
+struct Turn {
+    Pair sine[64];
+};
+constexpr Turn makeTurn()
+{
+    Turn t{};
+    for (int k = 0; k <= 16; k++) {
+        const Pair x = divide(multiply(kPi, {static_cast<double>(k), 0}), 32);
+        const Pair s = k == 0   ? Pair{0, 0}
+                       : k <= 8 ? series(x, 1)
+                                : series(divide(multiply(kPi, {16.0 - k, 0}), 32), 0);
+        t.sine[k] = s;
+        t.sine[(32 - k) & 63] = s;
+        t.sine[(32 + k) & 63] = {-s.hi, -s.lo};
+        t.sine[(64 - k) & 63] = {-s.hi, -s.lo};
+    }
+    t.sine[0] = t.sine[32] = {0, 0};
+    return t;
+}
+constexpr Turn kTurn = makeTurn(); // sine[k] = sin(k pi/32); the cosine of a row is the sine 16 rows on
+
+// ---- Reduction ------------------------------------------------------------------------------------------------------
+
+// x = n pi/32 + hi + lo.
+struct Reduced {
+    int n;
+    double hi, lo;
+};
+
+constexpr double kTurnsPerUnit = 10.185916357881302; // 32/pi
+constexpr double kStep = 0x1.921fb544p-4;            // pi/32, its first 31 bits, exact times 21 bits
+constexpr double kStepLow = 3.798187816439979e-12;   // the rest of it
+
+Reduced reduceMiddle(double hi, double lo)
+{
+    const int n = static_cast<int>(hi * kTurnsPerUnit + __builtin_copysign(0.5, hi));
+    const double a = hi - n * kStep, b = n * kStepLow;
+    const double r = a - b;
+    return {n, r, ((a - r) - b) + lo};
+}
+
+// The bits of 2/pi behind the binary point.
+constexpr uint64_t kTwoOverPi[] = {0xA2F9836E4E441529, 0xFC2757D1F534DDC0, 0xDB6295993C439041, 0xFE5163ABDEBBC561};
+
+// |x| >= 2^17. With x = m 2^e, the bits of 2/pi that stand for multiples of 4 drop out of the product; the 128 after
+// them leave an error below 2^-100 of a quadrant.
+Reduced reduceLarge(double x)
+{
+    const uint64_t word = __builtin_bit_cast(uint64_t, x);
+    const int exponent = static_cast<int>(word >> 52 & 0x7FF) - 1023;
+    const uint64_t m = (word >> 29 & 0x7FFFFF) | 0x800000; // the 24 bits of a float; e = exponent - 23
+    const int skip = exponent - 23 - 2;                    // bits of 2/pi before the window
+    using U = unsigned __int128;
+    U window;
+    if (skip < 0) {
+        window = ((static_cast<U>(kTwoOverPi[0]) << 64) | kTwoOverPi[1]) >> -skip;
+    } else {
+        const int at = skip / 64, shift = skip % 64;
+        window = (static_cast<U>(kTwoOverPi[at]) << 64) | kTwoOverPi[at + 1];
+        if (shift)
+            window = (window << shift) | (kTwoOverPi[at + 2] >> (64 - shift));
+    }
+    const U product = window * m; // in units of 2^-126 quadrants, modulo 4
+    const int quadrant = static_cast<int>((product >> 126) + ((product >> 125) & 1)) & 3; // to nearest
+    // The signed distance in units of 2^-128 quadrants: 53 bits that a double holds exactly, and the rest.
+    const __int128 rest = static_cast<__int128>(product << 2);
+    const int64_t top = static_cast<int64_t>(rest >> 64) & ~int64_t{0x7FF};
+    const double hi = static_cast<double>(top) * 0x1p-64;
+    const __int128 below = rest - static_cast<__int128>(static_cast<U>(static_cast<__int128>(top)) << 64);
+    const double lo = static_cast<double>(static_cast<int64_t>(below >> 12)) * 0x1p-116;
+    const double sign = x < 0 ? -1.0 : 1.0;
+    // times pi/2
+    const Pair p = twoProduct(hi, 1.5707963267948966);
+    Reduced r = reduceMiddle(sign * p.hi, sign * (p.lo + hi * 6.123233995736766e-17 + lo * 1.5707963267948966));
+    r.n += (x < 0 ? -quadrant : quadrant) * 16;
+    return r;
+}
+
+Reduced reduce(double x)
+{
+    return __builtin_fabs(x) < 0x1p17 ? reduceMiddle(x, 0) : reduceLarge(x);
+}
+
+// sin(n pi/32 + hi + lo)
+double sineAt(int n, double hi, double lo)
+{
+    const Pair s = kTurn.sine[n & 63], c = kTurn.sine[(n + 16) & 63];
+    const double z = hi * hi;
+    const double p = z * (-0.5 + z * (1.0 / 24 + z * (-1.0 / 720 + z * (1.0 / 40320))));
+    const double q = z * (-1.0 / 6 + z * (1.0 / 120 + z * (-1.0 / 5040 + z * (1.0 / 362880))));
+    return s.hi + (c.hi * hi + (s.hi * p + c.hi * hi * q + (s.lo + c.hi * lo + c.lo * hi)));
+}
+
+// ---- Extended precision ---------------------------------------------------------------------------------------------
+
+using Extended = long double;
+
+constexpr uint16_t kX87Default = 0x37F; // all exceptions masked, 64-bit mantissa, to nearest
+
+uint16_t enterX87()
+{
+    uint16_t own;
+    __asm__ volatile("fnstcw %0" : "=m"(own) : : "memory");
+    __asm__ volatile("fldcw %0" : : "m"(kX87Default) : "memory");
+    return own;
+}
+// Exceptions raised inside must not be pending when the caller's masks come back.
+void leaveX87(uint16_t own)
+{
+    __asm__ volatile("fnclex\n\tfldcw %0" : : "m"(own) : "memory");
+}
+
+// e^x - 1 for 0 <= x < 2^14: 2^n 2^f - 1 with f in [-1/2, 1/2].
+Extended exponentialLessOne(Extended x)
+{
+    constexpr Extended kLog2E = 1.442695040888963407359924681001892137L;
+    const Extended t = x * kLog2E;
+    Extended n, f, scale;
+    __asm__("frndint" : "=t"(n) : "0"(t));
+    __asm__("f2xm1" : "=t"(f) : "0"(t - n));
+    __asm__("fscale" : "=t"(scale) : "0"(1.0L), "u"(n));
+    return scale * f + (scale - 1);
+}
+
+__attribute__((noinline)) float hyperbolic(float x, bool sine)
+{
+    const float a = __builtin_fabsf(x);
+    const Extended m = exponentialLessOne(static_cast<Extended>(a < 200 ? a : 200.0f)); // overflows floats from 90 on
+    const Extended value = sine ? (m + m / (m + 1)) / 2 : 1 + m * m / (2 * (m + 1));
+    const float result = static_cast<float>(value);
+    return sine ? __builtin_copysignf(result, x) : result;
+}
+
+float guardedHyperbolic(float x, bool sine)
+{
+    const uint16_t own = enterX87();
+    const float y = hyperbolic(x, sine);
+    leaveX87(own);
+    return y;
+}
+
+} // namespace
+
+extern "C" {
+
+double qvrWideSin(double x)
+{
+    if (__builtin_fabs(x) < 0x1p-252) // a zero keeps its sign
+        return x;
+    const Reduced r = reduce(x);
+    return sineAt(r.n, r.hi, r.lo);
+}
+
+double qvrWideCos(double x)
+{
+    const Reduced r = reduce(x);
+    return sineAt(r.n + 16, r.hi, r.lo);
+}
+
+double qvrWideTan(double x)
+{
+    if (__builtin_fabs(x) < 0x1p-252)
+        return x;
+    const Reduced r = reduce(x);
+    return sineAt(r.n, r.hi, r.lo) / sineAt(r.n + 16, r.hi, r.lo);
+}
+
+float qvrWideSinh(float x)
+{
+    return guardedHyperbolic(x, true);
+}
+
+float qvrWideCosh(float x)
+{
+    return guardedHyperbolic(x, false);
+}
+
+} // extern "C"
