@@ -16,13 +16,11 @@ using Index = int64_t;
 // One element at any address.
 template<class T> QVR_INLINE T get(const T* p, Index i)
 {
-    T v;
-    __builtin_memcpy(&v, p + i, sizeof v);
-    return v;
+    return load<Vec<T, 1>>(p + i)[0];
 }
 template<class T> QVR_INLINE void put(T* p, Index i, T v)
 {
-    __builtin_memcpy(p + i, &v, sizeof v);
+    store(p + i, Vec<T, 1>{v});
 }
 
 // A group of points.
