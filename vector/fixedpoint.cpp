@@ -4,7 +4,9 @@
 // two halvings, which fits the lane with room to spare, and a sticky bit that tells whether the bits below were zero.
 // Rounding half to even is then, with h = 2^(s-1) and L the bit of the floor that becomes the result's lowest,
 //     (floor + h - 1 + (L | sticky)) >> s.
-// Multiplied by 2^k, the sum may saturate first: what does not fit 16 bits before does not after.
+// Signed lanes from SSSE3 on take the sum halved to odd (the floor of its half, with the bit below or-ed into the
+// lowest one), which still tells ties from all else, and the product that rounds. Multiplied by 2^k, the sum may
+// saturate first: what does not fit 16 bits before does not after.
 #include "vector/halfwords.h"
 #include "vector/loops.h"
 
