@@ -21,9 +21,9 @@ const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(ve
 } // namespace
 
 #ifdef QVR_HAVE_EIGEN
-extern const PeerFunction eigen_vector[];
+extern const PeerFunction eigen_vector[], eigen_vector_fixed[];
 namespace {
-const PeerFunction* const kEigen[] = {eigen_vector};
+const PeerFunction* const kEigen[] = {eigen_vector, eigen_vector_fixed};
 } // namespace
 #else
 namespace {

@@ -4,13 +4,11 @@
 // Every number comes from a whole-array function: one call for a channel or a frame, none for a sample.
 #include <getopt.h>
 #include <math.h>
-#include <png.h>
 #include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
 
 #include "common/audio.h"
 #include "common/cli.h"
+#include "common/picture.h"
 #include "morvenqvr.h"
 
 enum { kFrameMilliseconds = 20, kWidth = 1000, kChannelHeight = 160, kMargin = 8 };
@@ -136,21 +134,16 @@ static void printChannel(int channel, const float* x, int n, int rate, const Fra
 
 // ---- The picture ----------------------------------------------------------------------------------------------------
 
-typedef struct {
-    qvr8u* pixels; // rows of RGB
-    int width, height;
-} Picture;
-
-static void fillColumn(Picture* p, int x, int from, int to, const qvr8u colour[3])
+// The rows from the first to the last, both included.
+static void fillColumn(Picture* p, int x, int first, int last, Colour colour)
 {
-    for (int y = from < 0 ? 0 : from; y <= to && y < p->height; y++)
-        memcpy(p->pixels + ((int64_t)y * p->width + x) * 3, colour, 3);
+    pictureFill(p, x, first, 1, last - first + 1, colour);
 }
 
 // Per column the range of its samples, its deviation inside, and a grey ground where it is silent.
 static void drawChannel(Picture* p, int channel, const float* x, int n, const Frames* f)
 {
-    static const qvr8u silent[3] = {225, 225, 225}, range[3] = {140, 175, 220}, core[3] = {30, 80, 160};
+    static const Colour silent = {225, 225, 225}, range = {140, 175, 220}, core = {30, 80, 160};
     const int top = channel * kChannelHeight, middle = top + kChannelHeight / 2, half = kChannelHeight / 2 - kMargin;
     for (int column = 0; column < p->width; column++) {
         const int from = (int)((int64_t)column * n / p->width), next = (int)((int64_t)(column + 1) * n / p->width);
@@ -168,16 +161,6 @@ static void drawChannel(Picture* p, int channel, const float* x, int n, const Fr
         fillColumn(p, column, middle - (int)lroundf((mean + deviation) * half),
                    middle - (int)lroundf((mean - deviation) * half), core);
     }
-}
-
-static void writePicture(const Picture* p, const char* path)
-{
-    png_image image = {.version = PNG_IMAGE_VERSION,
-                       .width = (png_uint_32)p->width,
-                       .height = (png_uint_32)p->height,
-                       .format = PNG_FORMAT_RGB};
-    if (!png_image_write_to_file(&image, path, 0, p->pixels, 0, NULL))
-        fail("%s: %s", path, image.message);
 }
 
 // ---- The program ----------------------------------------------------------------------------------------------------
@@ -233,10 +216,7 @@ int main(int argc, char** argv)
     need(Morven_qvrsSplitScaled_16s32f_D2L(samples, rows, in.channels, n), "split");
     Morven_qvrsFree(samples);
 
-    Picture picture = {.width = kWidth, .height = in.channels * kChannelHeight};
-    const int64_t bytes = (int64_t)picture.width * picture.height * 3;
-    picture.pixels = allocate(bytes);
-    need(Morven_qvrsSet_8u(255, picture.pixels, (int)bytes), "fill");
+    Picture picture = pictureMake(kWidth, in.channels * kChannelHeight, (Colour){255, 255, 255});
     printf("%s: %.2f s, %d channel%s, %d Hz\n", in.path, (double)n / in.rate, in.channels, in.channels == 1 ? "" : "s",
            in.rate);
     for (int c = 0; c < in.channels; c++) {
@@ -247,8 +227,8 @@ int main(int argc, char** argv)
         Morven_qvrsFree(rows[c]);
     }
     if (out != NULL)
-        writePicture(&picture, out);
-    Morven_qvrsFree(picture.pixels);
+        pictureWrite(&picture, out);
+    pictureRelease(&picture);
     Morven_qvrsFree(rows);
     audioClose(&in);
     return 0;

@@ -712,6 +712,20 @@ template<class V> QVR_INLINE void storeFirst(void* p, V v, int n)
     }
 }
 
+// (a * b + 2^14) / 2^15 rounded down, of signed 16-bit lanes; not both -2^15. From SSSE3 on.
+template<class V> QVR_INLINE V mulRounded(V a, V b)
+{
+    static_assert(kSsse3 && sizeof(Elem<V>) == 2);
+    if constexpr (sizeof(V) > (kAvx2 ? 32 : 16))
+        return byHalves([](auto... x) { return mulRounded(x...); }, a, b);
+    else if constexpr (sizeof(V) < 16)
+        return slice<0, lanes<V>>(mulRounded(padTo16(a), padTo16(b)));
+    else if constexpr (sizeof(V) == 32)
+        return bitcast<V>(_mm256_mulhrs_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)));
+    else
+        return bitcast<V>(_mm_mulhrs_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
+}
+
 // ---- Masks ----------------------------------------------------------------------------------------------------------
 
 // Nonzero if any lane of a comparison's result is true.

@@ -10,11 +10,6 @@ namespace {
 // search within one is nothing beside the pass over an array worth searching.
 constexpr Index kBlock = 1024;
 
-template<class T> QVR_INLINE T elementAt(const T* src, Index i)
-{
-    return load<Vec<T, 1>>(src + i)[0];
-}
-
 template<class T> QVR_INLINE T firstZeroIfZero(const T* src, Index n, T extreme)
 {
     return extreme == 0 ? elementAt(src, firstEqual(src, n, extreme)) : extreme;
@@ -28,7 +23,7 @@ template<class T, class Pick> QVR_INLINE qvrStatus extreme(const T* pSrc, int le
     extremes(pSrc, len, &best, pick);
     if constexpr (static_cast<T>(0.5) != 0)
         best = firstZeroIfZero(pSrc, len, best);
-    store(pResult, Vec<T, 1>{best});
+    putElement(pResult, 0, best);
     return qvrOk;
 }
 
@@ -43,8 +38,8 @@ template<class T> QVR_INLINE qvrStatus bothExtremes(const T* pSrc, int len, T* p
         best[0] = firstZeroIfZero(pSrc, len, best[0]);
         best[1] = firstZeroIfZero(pSrc, len, best[1]);
     }
-    store(pMin, Vec<T, 1>{best[0]});
-    store(pMax, Vec<T, 1>{best[1]});
+    putElement(pMin, 0, best[0]);
+    putElement(pMax, 0, best[1]);
     return qvrOk;
 }
 
@@ -71,8 +66,8 @@ QVR_INLINE qvrStatus indexedExtreme(const qvr32f* pSrc, int len, qvr32f* pResult
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pResult))
         return status;
     const Index place = extremePlace(pSrc, len, pick);
-    store(pResult, Vec<float, 1>{elementAt(pSrc, place)});
-    store(pIndx, Vec<int32_t, 1>{static_cast<int32_t>(place)});
+    putElement(pResult, 0, elementAt(pSrc, place));
+    putElement(pIndx, 0, static_cast<qvr32s>(place));
     return qvrOk;
 }
 

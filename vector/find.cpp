@@ -8,11 +8,6 @@
 
 namespace {
 
-template<class T> QVR_INLINE T elementAt(const T* p, Index i)
-{
-    return load<Vec<T, 1>>(p + i)[0];
-}
-
 template<int N, class T> QVR_INLINE bool equalShort(const T* a, const T* b, Index n)
 {
     if constexpr (N > 1) {
@@ -102,7 +97,7 @@ template<class T> QVR_INLINE qvrStatus findFirst(const T* pSrc, int len, const T
     if (len < 0 || lenFind < 0)
         return qvrErrBadCount;
     const Index at = len == 0 || lenFind == 0 || lenFind > len ? -1 : search(pSrc, len, pFind, lenFind);
-    store(pIndex, Vec<int32_t, 1>{static_cast<int32_t>(at)});
+    putElement(pIndex, 0, static_cast<qvr32s>(at));
     return qvrOk;
 }
 

@@ -4,7 +4,9 @@
 // two halvings, which fits the lane with room to spare, and a sticky bit that tells whether the bits below were zero.
 // Rounding half to even is then, with h = 2^(s-1) and L the bit of the floor that becomes the result's lowest,
 //     (floor + h - 1 + (L | sticky)) >> s.
-// Multiplied by 2^k, the sum may saturate first: what does not fit 16 bits before does not after.
+// Signed lanes from SSSE3 on take the sum halved to odd (the floor of its half, with the bit below or-ed into the
+// lowest one), which still tells ties from all else, and the product that rounds. Multiplied by 2^k, the sum may
+// saturate first: what does not fit 16 bits before does not after.
 #include "vector/halfwords.h"
 #include "vector/loops.h"
 
@@ -48,6 +50,16 @@ template<class V> QVR_INLINE V scaleToLimit(V x)
         return bitcast<V>(x != 0);
 }
 
+// x / 2^shift, half to even, for shift from 1 to 15 and signed lanes. The product rounds half up; it takes x lowered by
+// one where the bit that becomes the result's lowest is 0, which brings a tie below the half and moves nothing else to
+// another result. -2^15 has no tie, so it may stay as it is.
+template<class V> QVR_INLINE V halfEvenByProduct(V x, int shift)
+{
+    const V lowest = splat<V>(static_cast<int16_t>(1 << shift)),
+            factor = splat<V>(static_cast<int16_t>(1 << (15 - shift)));
+    return mulRounded(addSaturate(x, (x & lowest) == V{}), factor);
+}
+
 constexpr int kLargestUpShift = 15;
 
 // Runs a + b scaled by 2^-s over arrays: run(op) maps op(a, b). There is a result other than zero.
@@ -68,6 +80,9 @@ template<class Run> QVR_INLINE void scaledSum(int s, const Run& run)
     } else if (s > 0) {
         run([s](auto a, auto b) {
             const auto half = floorHalf(a, b);
+            // With the bit that was halved away kept in the lowest one, ties stay ties and nothing else becomes one.
+            if constexpr (kSsse3 && static_cast<Elem<decltype(a)>>(-1) < 0)
+                return halfEvenByProduct(half | ((a ^ b) & 1), s - 1);
             return halfEven(shiftRight(half, 1), half | (a ^ b), s - 2);
         });
     } else if (s >= -kLargestUpShift) {

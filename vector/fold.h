@@ -9,6 +9,7 @@
 
 #include "frame/simd.h"
 #include "frame/status.h"
+#include "vector/element.h"
 
 namespace {
 
@@ -118,7 +119,7 @@ template<class T> QVR_INLINE Index firstEqual(const T* src, Index n, T value)
             return i + firstTrue(equal);
     }
     for (; i < n - 1; i++)
-        if (load<Vec<T, 1>>(src + i)[0] == value)
+        if (elementAt(src, i) == value)
             break;
     return i;
 }

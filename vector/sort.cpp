@@ -11,14 +11,6 @@ namespace {
 constexpr Index kSelectionUpTo = 9;
 constexpr int kStack = 32; // only the larger part is pushed, so the depth stays within log2(length) + 1
 
-template<class T> QVR_INLINE T elementAt(const T* a, Index i)
-{
-    return load<Vec<T, 1>>(a + i)[0];
-}
-template<class T> QVR_INLINE void putElement(T* a, Index i, T x)
-{
-    store(a + i, Vec<T, 1>{x});
-}
 template<class T> QVR_INLINE void swapElements(T* a, Index i, Index j)
 {
     const T x = elementAt(a, i), y = elementAt(a, j);

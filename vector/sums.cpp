@@ -38,7 +38,7 @@ template<bool Squares, class T> QVR_INLINE Moments<double> groupedMoments(const 
     }
     Moments<double> total{acc.sum[1] + acc.sum[0], acc.squares[1] + acc.squares[0]};
     for (; i < n; i++) {
-        const double x = load<Vec<T, 1>>(src + i)[0];
+        const double x = elementAt(src, i);
         total.sum += x;
         total.squares += Squares ? x * x : 0;
     }
@@ -63,7 +63,7 @@ template<class T> QVR_INLINE qvrStatus mean(const T* pSrc, int len, T* pMean)
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pMean))
         return status;
-    store(pMean, Vec<T, 1>{static_cast<T>(moments<false>(pSrc, len).sum / len)});
+    putElement(pMean, 0, static_cast<T>(moments<false>(pSrc, len).sum / len));
     return qvrOk;
 }
 
@@ -164,7 +164,7 @@ qvrStatus SLOT(qvrsStdDev_32f)(const qvr32f* pSrc, int len, qvr32f* pStdDev)
     const Moments<double> m = moments<true>(pSrc, len);
     const double n = len, v = m.squares * n - m.sum * m.sum;
     const double deviation = v > 0 ? __builtin_sqrt(v / ((n - 1) * n)) : 0;
-    store(pStdDev, Vec<float, 1>{static_cast<float>(deviation)});
+    putElement(pStdDev, 0, static_cast<float>(deviation));
     return qvrOk;
 }
 
@@ -181,7 +181,7 @@ qvrStatus SLOT(qvrsSum_16s32s_Sfs)(const qvr16s* pSrc, int len, qvr32s* pSum, in
         result = shiftUpSaturate(t, -s);
     else if (s <= largestScale)
         result = saturate32(shiftHalfEven(t, scaleFactor));
-    store(pSum, Vec<int32_t, 1>{result});
+    putElement(pSum, 0, result);
     return qvrOk;
 }
 
@@ -195,7 +195,7 @@ qvrStatus SLOT(qvrsMean_16s_Sfs)(const qvr16s* pSrc, int len, qvr16s* pMean, int
     // A mean of zero stays zero where the factor is infinite.
     const double scaled = average == 0 ? 0 : average * __builtin_bit_cast(double, static_cast<uint64_t>(field) << 52);
     const double clamped = scaled < -32768 ? -32768 : scaled > 32767 ? 32767 : scaled;
-    store(pMean, Vec<int16_t, 1>{static_cast<int16_t>(toInt(Vec<double, 1>{clamped})[0])});
+    putElement(pMean, 0, static_cast<int16_t>(toInt(Vec<double, 1>{clamped})[0]));
     return qvrOk;
 }
 
@@ -213,7 +213,7 @@ qvrStatus SLOT(qvrsMean_32s_Sfs)(const qvr32s* pSrc, int len, qvr32s* pMean, int
         result = saturate32(divideHalfEven(t * (int64_t{1} << -s), len));
     else
         result = shiftUpSaturate(divideHalfEven(t, len), -s);
-    store(pMean, Vec<int32_t, 1>{result});
+    putElement(pMean, 0, result);
     return qvrOk;
 }
 

@@ -18,13 +18,8 @@ template<class V> QVR_INLINE auto widen(const int16_t* src)
     return convert<int32_t>(load<Vec<int16_t, lanes<V>>>(src));
 }
 
-QVR_INLINE float sample(const int16_t* src)
-{
-    return load<Vec<int16_t, 1>>(src)[0];
-}
-
 // Eight accumulators of one vector each, folded pairwise, then lane by lane halves first; what does not fill them is
-// added one by one. Up to 31 elements there is one sum alone.
+// added one by one. Windows below 8 vectors, which are 32 elements with SSE and 64 with AVX, have that one sum alone.
 QVR_INLINE float firstWindow(const int16_t* src, Index mask)
 {
     using V = Full<float>;
@@ -45,7 +40,7 @@ QVR_INLINE float firstWindow(const int16_t* src, Index mask)
         w = sumLanes(of[0]);
     }
     for (; i < mask; i++)
-        w += sample(src + i);
+        w += elementAt(src, i);
     return w;
 }
 
@@ -86,7 +81,7 @@ extern "C" qvrStatus SLOT(qvrsSumWindow_16s32f)(const qvr16s* pSrc, qvr32f* pDst
         const Index end = n - 1 - i < kBlock ? n - 1 : i + kBlock;
         for (; i < end; i++) {
             store(pDst + i, Vec<float, 1>{w});
-            w += sample(pSrc + i + mask) - sample(pSrc + i);
+            w += static_cast<float>(elementAt(pSrc, i + mask)) - static_cast<float>(elementAt(pSrc, i));
         }
     }
     store(pDst + n - 1, Vec<float, 1>{w});

@@ -1,19 +1,9 @@
 // Eigen's array expressions behind the exports' prototypes. Compiled for the widest level only: see bench/peers.h.
-#include <Eigen/Core>
+#include "bench/vector/eigen.h"
+
 #include <complex>
 
-#include "bench/peers.h"
-
 namespace {
-
-template<class T> auto in(const T* p, int n)
-{
-    return Eigen::Map<const Eigen::Array<T, Eigen::Dynamic, 1>>(p, n);
-}
-template<class T> auto out(T* p, int n)
-{
-    return Eigen::Map<Eigen::Array<T, Eigen::Dynamic, 1>>(p, n);
-}
 
 #define EXPRESSION(name, parameters, target, value)                                                                    \
     qvrStatus name parameters                                                                                          \

@@ -1,9 +1,49 @@
 // Rows of fixed-point arithmetic, reductions, logic, sorting and waveform measures.
+#include <math.h>
+
 #include "bench/vector/rows.h"
+
+#ifdef QVR_HAVE_LIBYUV
+#include <libyuv/planar_functions.h>
+#define LIBYUV(call) LIBC("libyuv", libyuv::call)
+#else
+#define LIBYUV(call)
+#endif
 
 using namespace bench;
 
 namespace {
+
+// ---- VOLK's kernels as the exports have them ------------------------------------------------------------------------
+
+#ifdef QVR_HAVE_VOLK
+void volkOr(const uint16_t* a, uint16_t* d, int n)
+{
+    auto* const words = reinterpret_cast<int32_t*>(d);
+    volk_32i_x2_or_32i(words, words, reinterpret_cast<const int32_t*>(a), static_cast<unsigned>(n / 2));
+    if (n % 2 != 0)
+        d[n - 1] |= a[n - 1];
+}
+void volkMean(const float* a, int n, float* mean)
+{
+    volk_32f_accumulator_s32f(mean, a, static_cast<unsigned>(n));
+    *mean /= static_cast<float>(n);
+}
+// VOLK divides by n, the sample's deviation by n - 1.
+void volkDeviation(const float* a, int n, float* deviation)
+{
+    float mean;
+    volk_32f_stddev_and_mean_32f_x2(deviation, &mean, a, static_cast<unsigned>(n));
+    *deviation *= sqrtf(static_cast<float>(n) / static_cast<float>(n - 1));
+}
+template<class F> void volkPlace(F kernel, const float* a, int n, float* best, int32_t* place)
+{
+    uint32_t at;
+    kernel(&at, a, static_cast<uint32_t>(n));
+    *best = a[at];
+    *place = static_cast<int32_t>(at);
+}
+#endif
 
 // ---- Element by element ---------------------------------------------------------------------------------------------
 
@@ -15,6 +55,8 @@ constexpr auto kOwn16u = inPlace<uint16_t>(Data::samples);
 VARIANT_ROW(qvrsAdd_16s_Sfs, "scale 0", kFixed, kBoth16, (a, b, d, n, 0))
 VARIANT_ROW(qvrsAdd_16s_Sfs, "scale 4", kFixed, kBoth16, (a, b, d, n, 4))
 VARIANT_ROW(qvrsAdd_16s_Sfs, "scale -3", kFixed, kBoth16, (a, b, d, n, -3))
+VARIANT_ROW(qvrsAdd_16s_Sfs, "scale -20", kFixed, kBoth16, (a, b, d, n, -20))
+VARIANT_ROW(qvrsAdd_16s_Sfs, "scale 1", kFixed, kBoth16, (a, b, d, n, 1))
 VARIANT_ROW(qvrsAdd_16u_ISfs, "scale 0", kFixed, kFrom16u, (a, d, n, 0))
 VARIANT_ROW(qvrsAdd_16u_ISfs, "scale 4", kFixed, kFrom16u, (a, d, n, 4))
 VARIANT_ROW(qvrsAddC_16u_ISfs, "scale 0", kFixed, kOwn16u, (3, d, n, 0))
@@ -29,10 +71,11 @@ ROW(qvrsAbs_32s_I, kFixed, inPlace<int32_t>(Data::samples), (d, n))
 constexpr const char* kLogic = "logic and search";
 ROW(qvrsAndC_16u, kLogic, (unary<uint16_t>(Data::samples)), (a, 0x5555, d, n))
 ROW(qvrsAndC_16u_I, kLogic, kOwn16u, (0x5555, d, n))
-ROW(qvrsOr_16u_I, kLogic, kFrom16u, (a, d, n))
-ROW(qvrsLShiftC_16u, kLogic, (unary<uint16_t>(Data::samples)), (a, 3, d, n))
-ROW(qvrsLShiftC_16u_I, kLogic, kOwn16u, (3, d, n))
-ROW(qvrsRShiftC_16u_I, kLogic, kOwn16u, (3, d, n))
+ROW(qvrsOr_16u_I, kLogic, kFrom16u, (a, d, n), VOLK(volkOr(a, d, n)))
+ROW(qvrsLShiftC_16u, kLogic, (unary<uint16_t>(Data::samples)), (a, 3, d, n),
+    LIBYUV(ConvertToMSBPlane_16(a, n, d, n, n, 1, 16 - 3)))
+ROW(qvrsLShiftC_16u_I, kLogic, kOwn16u, (3, d, n), LIBYUV(ConvertToMSBPlane_16(d, n, d, n, n, 1, 16 - 3)))
+ROW(qvrsRShiftC_16u_I, kLogic, kOwn16u, (3, d, n), LIBYUV(ConvertToLSBPlane_16(d, n, d, n, n, 1, 16 - 3)))
 ROW(qvrsReplaceC_16u, kLogic, (unary<uint16_t>(Data::samples)), (a, d, n, 7, 9))
 ROW(qvrsThreshold_32f_I, kLogic, inPlace<float>(), (d, n, 0.5f, qvrCmpLess))
 ROW(qvrsThreshold_GTVal_32f, kLogic, unary<float>(), (a, d, n, 0.5f, 1.0f))
@@ -48,8 +91,8 @@ VARIANT_ROW(qvrsSumWindow_16s32f, "window 5", kReductions, (unary<int16_t, float
 constexpr int kReductionLengths[] = {15, 256, 4096, 65536, 8 << 20};
 
 // call(function, source, length, results, index); the results are two of the type R.
-template<class T, class R, class F, class Call>
-bool reduction(const char* name, const char* variant, const char* group, F* exported, Call call)
+template<class T, class R, class F, class Call, class Peers>
+bool reduction(const char* name, const char* variant, const char* group, F* exported, Call call, Peers peers)
 {
     return addRow({name, variant, "vector", group, [=](const Sink& sink) {
                        for (const int n : kReductionLengths) {
@@ -62,23 +105,29 @@ bool reduction(const char* name, const char* variant, const char* group, F* expo
                                R* r = c.array<R>(2, Data::mixed, true);
                                int32_t* index = c.array<int32_t>(1, Data::mixed, true);
                                sameCall(c, name, exported, [=](auto* f) { call(f, a, n, r, index); });
+                               peers(c, a, n, r, index);
                            });
                        }
                    }});
 }
 
-#define REDUCTION(name, variant, group, T, R, arguments)                                                               \
-    const bool QVR_ROW_NAME(__LINE__) =                                                                                \
-        reduction<T, R>(#name, variant, group, Morven_##name, [](auto* f, const T* a, int n, R* r, int32_t* index) {   \
+#define REDUCTION(name, variant, group, T, R, arguments, ...)                                                          \
+    const bool QVR_ROW_NAME(__LINE__) = reduction<T, R>(                                                               \
+        #name, variant, group, Morven_##name,                                                                          \
+        [](auto* f, const T* a, int n, R* r, int32_t* index) {                                                         \
             (void)index;                                                                                               \
             f arguments;                                                                                               \
+        },                                                                                                             \
+        [](Case& c, const T* a, int n, R* r, int32_t* index) {                                                         \
+            (void)c, (void)a, (void)n, (void)r, (void)index;                                                           \
+            __VA_ARGS__                                                                                                \
         });
 REDUCTION(qvrsSum_16s32s_Sfs, "", kReductions, int16_t, int32_t, (a, n, r, 2))
 REDUCTION(qvrsMean_16s_Sfs, "", kReductions, int16_t, int16_t, (a, n, r, 0))
 REDUCTION(qvrsMean_32s_Sfs, "", kReductions, int32_t, int32_t, (a, n, r, 0))
-REDUCTION(qvrsMean_32f, "", kReductions, float, float, (a, n, r))
+REDUCTION(qvrsMean_32f, "", kReductions, float, float, (a, n, r), VOLK(volkMean(a, n, r)))
 REDUCTION(qvrsMean_64f, "", kReductions, double, double, (a, n, r))
-REDUCTION(qvrsStdDev_32f, "", kReductions, float, float, (a, n, r))
+REDUCTION(qvrsStdDev_32f, "", kReductions, float, float, (a, n, r), VOLK(volkDeviation(a, n, r)))
 REDUCTION(qvrsMin_16s, "", kReductions, int16_t, int16_t, (a, n, r))
 REDUCTION(qvrsMax_16s, "", kReductions, int16_t, int16_t, (a, n, r))
 REDUCTION(qvrsMin_32f, "", kReductions, float, float, (a, n, r))
@@ -87,8 +136,10 @@ REDUCTION(qvrsMax_64f, "", kReductions, double, double, (a, n, r))
 REDUCTION(qvrsMinMax_16s, "", kReductions, int16_t, int16_t, (a, n, r, r + 1))
 REDUCTION(qvrsMinMax_16u, "", kReductions, uint16_t, uint16_t, (a, n, r, r + 1))
 REDUCTION(qvrsMinMax_32f, "", kReductions, float, float, (a, n, r, r + 1))
-REDUCTION(qvrsMinIndx_32f, "", kReductions, float, float, (a, n, r, index))
-REDUCTION(qvrsMaxIndx_32f, "", kReductions, float, float, (a, n, r, index))
+REDUCTION(qvrsMinIndx_32f, "", kReductions, float, float, (a, n, r, index),
+          VOLK(volkPlace(volk_32f_index_min_32u, a, n, r, index)))
+REDUCTION(qvrsMaxIndx_32f, "", kReductions, float, float, (a, n, r, index),
+          VOLK(volkPlace(volk_32f_index_max_32u, a, n, r, index)))
 
 constexpr const char* kWaveform = "waveform measures";
 REDUCTION(qvrsZeroCrossing_32f, "product", kWaveform, float, float, (a, n, r, qvrZcProduct))

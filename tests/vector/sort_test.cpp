@@ -142,6 +142,56 @@ TEST(Sort, AscendsWithoutNan)
     });
 }
 
+// Splits that take one to three elements off, as often as the sort bears with them and a few times more. Below 128
+// elements the pivot is the median of the places 1, middle and 2 middle - 1 and the elements behind it keep their
+// order, so which places are looked at next is known: of these, one that has no value yet gets the next lowest.
+template<class T> std::vector<T> badSplits(size_t n, std::mt19937& engine)
+{
+    constexpr int splits = 20;
+    const T unset = 0;
+    std::vector<T> v(n, unset);
+    std::vector<size_t> rest(n);
+    for (size_t i = 0; i < n; i++)
+        rest[i] = i;
+    T next = 1;
+    for (int k = 0; k < splits; k++) {
+        const size_t middle = rest.size() / 2, looked[] = {rest[1], rest[middle], rest[2 * middle - 1]};
+        int set = 0;
+        for (const size_t place : looked)
+            set += v[place] != unset;
+        T pivot = next;
+        for (const size_t place : looked)
+            if (v[place] == unset && set < 2) {
+                v[place] = pivot = next++;
+                set++;
+            }
+        std::erase_if(rest, [&](size_t place) { return v[place] != unset && v[place] < pivot; });
+    }
+    for (T& x : v)
+        if (x == unset)
+            x = next + static_cast<T>(engine() % 1000);
+    return v;
+}
+
+template<class T, class Table> void checkBadSplits(Table& table)
+{
+    slots::each(table, [&](auto f, int) {
+        std::mt19937 engine(11);
+        for (size_t n = 100; n < 128; n++) {
+            std::vector<T> v = badSplits<T>(n, engine), want = v;
+            EXPECT_EQ(f(v.data(), static_cast<int>(n)), qvrOk);
+            std::sort(want.begin(), want.end());
+            EXPECT_EQ(v, want) << n;
+        }
+    });
+}
+
+TEST(Sort, BadSplitsOneAfterTheOther)
+{
+    checkBadSplits<float>(qvrTable_qvrsSortAscend_32f_I);
+    checkBadSplits<double>(qvrTable_qvrsSortAscend_64f_I);
+}
+
 // With NaN the order is what the steps give. Every array comes to an end and keeps its elements, payloads included.
 template<class T, class Table> void checkNan(Table& table)
 {
