@@ -57,7 +57,7 @@ void check(int slot, const Case<T>& c, const std::vector<T>& x, const std::vecto
     ASSERT_EQ(F::forward[slot](src, dst, object, pBuffer), qvrOk);
     EXPECT_TRUE(a.intact() && b.intact() && buffer.intact());
     std::vector<T> got(spectrum / sizeof(T));
-    memcpy(got.data(), dst, spectrum);
+    memcpy(got.data(), static_cast<void*>(dst), spectrum);
     EXPECT_EQ(bitsOf(got[1]), 0u);
     EXPECT_EQ(bitsOf(got[got.size() - 1]), 0u);
     ASSERT_LE(spectrumError(got.data(), exact, forwardScale(c.flag, c.order)), bound);
@@ -72,7 +72,7 @@ void check(int slot, const Case<T>& c, const std::vector<T>& x, const std::vecto
     ASSERT_EQ(F::inverse[slot](in, out, object, pBuffer), qvrOk);
     EXPECT_TRUE(a.intact() && b.intact() && buffer.intact());
     std::vector<T> back(n);
-    memcpy(back.data(), out, signal);
+    memcpy(back.data(), static_cast<void*>(out), signal);
     // The rounding of the spectrum adds half a unit to each value.
     ASSERT_LE(signalError(back.data(), x, inverseScale(c.flag, c.order) * n), bound + errorBound<T>(0));
 }
