@@ -2,7 +2,7 @@
 PREFIX ?= /usr/local
 ONLY ?=
 
-.PHONY: demo test fuzz bench install uninstall package
+.PHONY: demo test fuzz bench install uninstall package docs
 .DEFAULT_GOAL := demo
 
 demo:
@@ -37,3 +37,7 @@ package:
 	cmake --preset release -DQVR_TESTS=OFF
 	cmake --build --preset release
 	cd build/release && cpack -B ../packages
+
+# Reference pages and guides into build/docs/html.
+docs:
+	scripts/docs.sh
