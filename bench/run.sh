@@ -37,4 +37,8 @@ $program $only --json=$results/bench.json
 for slot in y8 mx; do
     $program $only --slot=$slot --no-memory --json=$results/bench-$slot.json || [ $? = 3 ] # 3: it cannot
 done
+if [ -z "$family" ] || [ "$family" = frame ]; then
+    strip -o $results/stripped.so build/bench/libmorvenqvr.so.1
+    LD_LIBRARY_PATH=/usr/lib/llvm-19/lib build/bench/bench/load_time $results/stripped.so >$results/load.md
+fi
 /usr/bin/python3 bench/report.py $results docs # the interpreter that the package of matplotlib is for
