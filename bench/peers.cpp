@@ -11,6 +11,7 @@ namespace bench {
 QVR_PLAIN_TABLES(vector)
 QVR_PLAIN_TABLES(vector_fixed)
 QVR_PLAIN_TABLES(filters)
+QVR_PLAIN_TABLES(fourier)
 QVR_PLAIN_TABLES(elementary)
 
 #define QVR_PLAIN_ROW(family)                                                                                          \
@@ -19,7 +20,7 @@ QVR_PLAIN_TABLES(elementary)
 
 namespace {
 const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(vector_fixed), QVR_PLAIN_ROW(filters),
-                                       QVR_PLAIN_ROW(elementary)};
+                                         QVR_PLAIN_ROW(fourier), QVR_PLAIN_ROW(elementary)};
 } // namespace
 
 #ifdef QVR_HAVE_EIGEN

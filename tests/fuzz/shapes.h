@@ -2,6 +2,7 @@
 #pragma once
 
 #include "fuzz/shape.h"
+#include "fuzz/shapes_convolution.h"
 #include "fuzz/shapes_filters.h"
 #include "fuzz/shapes_fourier.h"
 #include "fuzz/shapes_vector.h"
