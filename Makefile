@@ -2,7 +2,7 @@
 PREFIX ?= /usr/local
 ONLY ?=
 
-.PHONY: demo test fuzz bench install uninstall
+.PHONY: demo test fuzz bench install uninstall package
 .DEFAULT_GOAL := demo
 
 demo:
@@ -30,3 +30,10 @@ install:
 uninstall:
 	xargs -d '\n' -a build/installed.txt rm -fv
 	rm -f build/installed.txt
+
+# Debian packages into build/packages.
+package:
+	scripts/packages.sh build package
+	cmake --preset release -DQVR_TESTS=OFF
+	cmake --build --preset release
+	cd build/release && cpack -B ../packages

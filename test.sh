@@ -20,11 +20,10 @@ fail() {
     failed=$((failed + 1))
 }
 
-build() { # preset, cmake options
+build() { # preset, target
     local preset=$1 log=$reports/$1-build.log
-    shift
     say "$preset: build"
-    if ! { cmake --preset "$preset" "$@" && cmake --build --preset "$preset" -j "$jobs"; } >"$log" 2>&1; then
+    if ! { cmake --preset "$preset" && cmake --build --preset "$preset" -j "$jobs" --target "${2:-all}"; } >"$log" 2>&1; then
         grep -E 'error|Error|FAILED' "$log" | head -20
         fail "$preset does not build, see $log"
         return 1
@@ -80,7 +79,7 @@ if scripts/packages.sh build test; then
             build fuzz && tests fuzz
             ;;
         tsan)
-            build tsan && OMP_TOOL_LIBRARIES=$archer \
+            build tsan thread_tests && OMP_TOOL_LIBRARIES=$archer \
                 TSAN_OPTIONS="ignore_noninstrumented_modules=1 ${TSAN_OPTIONS:-}" tests tsan -L threads
             ;;
         fuzz) build fuzz && fuzz ;;

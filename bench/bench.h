@@ -48,6 +48,8 @@ enum class Data {
     tiny,     // 2^-70: added to `mixed` it changes nothing, in either precision
     signs,    // +-1
     samples,  // +-30000 with a fraction; integers over their whole range
+    fraction, // (-1, 1)
+    angles,   // +-10
 };
 
 struct Competitor {

@@ -54,6 +54,10 @@ double value(Data filling, uint32_t random)
         return sign;
     case Data::samples:
         return 60000 * unit - 30000;
+    case Data::fraction:
+        return 1.9999 * unit - 0.9999;
+    case Data::angles:
+        return 20 * unit - 10;
     }
     return 0;
 }

@@ -11,13 +11,15 @@ namespace bench {
 QVR_PLAIN_TABLES(vector)
 QVR_PLAIN_TABLES(vector_fixed)
 QVR_PLAIN_TABLES(filters)
+QVR_PLAIN_TABLES(elementary)
 
 #define QVR_PLAIN_ROW(family)                                                                                          \
     {plain_##family##_mx, plain_##family##_m7, plain_##family##_u8, plain_##family##_n8,                               \
      plain_##family##_y8, plain_##family##_e9, plain_##family##_l9}
 
 namespace {
-const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(vector_fixed), QVR_PLAIN_ROW(filters)};
+const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(vector_fixed), QVR_PLAIN_ROW(filters),
+                                       QVR_PLAIN_ROW(elementary)};
 } // namespace
 
 #ifdef QVR_HAVE_EIGEN

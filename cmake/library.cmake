@@ -30,18 +30,44 @@ target_link_libraries(morvenqvr_static PUBLIC ${QVR_OMP_LIBRARY} m)
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
-install(TARGETS morvenqvr EXPORT morvenqvrTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/morvenqvr.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT morvenqvrTargets NAMESPACE morvenqvr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/morvenqvr)
+install(TARGETS morvenqvr EXPORT morvenqvrTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    COMPONENT runtime NAMELINK_COMPONENT development)
+install(FILES include/morvenqvr.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(EXPORT morvenqvrTargets NAMESPACE morvenqvr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/morvenqvr
+    COMPONENT development)
 configure_package_config_file(cmake/morvenqvrConfig.cmake.in ${PROJECT_BINARY_DIR}/morvenqvrConfig.cmake
     INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/morvenqvr)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/morvenqvrConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/morvenqvrConfig.cmake ${PROJECT_BINARY_DIR}/morvenqvrConfigVersion.cmake
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/morvenqvr)
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/morvenqvr COMPONENT development)
 configure_file(cmake/morvenqvr.pc.in ${PROJECT_BINARY_DIR}/morvenqvr.pc.in @ONLY)
 install(CODE "
     set(prefix \"\${CMAKE_INSTALL_PREFIX}\")
     file(READ \"${PROJECT_BINARY_DIR}/morvenqvr.pc.in\" text)
     string(REPLACE \"%PREFIX%\" \"\${prefix}\" text \"\${text}\")
-    file(WRITE \"${PROJECT_BINARY_DIR}/morvenqvr.pc\" \"\${text}\")")
-install(FILES ${PROJECT_BINARY_DIR}/morvenqvr.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    file(WRITE \"${PROJECT_BINARY_DIR}/morvenqvr.pc\" \"\${text}\")" COMPONENT development)
+install(FILES ${PROJECT_BINARY_DIR}/morvenqvr.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# Debian packages: `cpack` in the build folder. What the runtime package depends on is read off the shared object.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME libmorvenqvr)
+set(CPACK_PACKAGE_VENDOR morvenqvr)
+set(CPACK_PACKAGE_CONTACT "The libmorvenqvr developers <morvenqvr@localhost>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libmorvenqvr${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmorvenqvr-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmorvenqvr${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "signal- and image-processing primitives, shared library
+ Transforms, filters, vector arithmetic, elementary functions, statistics and image scaling for x86-64,
+ at the speed of whatever processor they run on.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "signal- and image-processing primitives, development files
+ The header, the pkg-config file and the CMake package of libmorvenqvr.")
+include(CPack)

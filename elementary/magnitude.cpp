@@ -19,11 +19,12 @@ template<class V> QVR_INLINE V sumOfSquares(V a, V b)
     return re * re + im * im;
 }
 
-// The body: one Newton step from the estimate of 1 / sqrt(s), which is forced to 0 for s below the normals.
+// The body: one Newton step from the estimate of 1 / sqrt(s), which is forced to 0 for s below the normals. A sum of
+// squares is not negative, and a NaN stays.
 template<class V> QVR_INLINE V estimatedRoot(V s)
 {
     const V estimate = rootReciprocalEstimate(s);
-    const V g = abs(s) < splat<V>(0x1p-126f) ? V{} : estimate;
+    const V g = s < splat<V>(0x1p-126f) ? V{} : estimate;
     const V t = s * g;
     return t * (g * t - 3.0f) * -0.5f;
 }

@@ -60,7 +60,8 @@ typedef struct {
     Window window;
     float toFullScale; // of a magnitude
     qvrsFFTSpec_R_32f* spec;
-    float *frame, *spectrum;
+    float *frame, *magnitude;
+    qvr32fc* spectrum;
     uint8_t* work;
 } Analyser;
 
@@ -70,7 +71,8 @@ static Analyser analyserMake(const Settings* settings)
     a.bins = a.length / 2 + 1;
     CHECK(Morven_qvrsFFTInitAlloc_R_32f(&a.spec, settings->order, qvrFftNoDiv, qvrHintNone));
     a.frame = allocate((int64_t)sizeof(float) * a.length);
-    a.spectrum = allocate((int64_t)sizeof(float) * (a.length + 2));
+    a.spectrum = allocate((int64_t)sizeof(qvr32fc) * a.bins);
+    a.magnitude = allocate((int64_t)sizeof(float) * a.bins);
     const int64_t work = (int64_t)sizeof(float) * a.length + 64;
     a.work = allocate(work > 131136 ? work : 131136);
     CHECK(Morven_qvrsSet_32f(1.0f, a.frame, a.length));
@@ -88,20 +90,19 @@ static void analyserRelease(Analyser* a)
     Morven_qvrsFFTFree_R_32f(a->spec);
     Morven_qvrsFree(a->frame);
     Morven_qvrsFree(a->spectrum);
+    Morven_qvrsFree(a->magnitude);
     Morven_qvrsFree(a->work);
 }
 
-// The squared levels of one frame, raised into `power` where they are larger.
-static void analyserRun(Analyser* a, const float* samples, float* power)
+// The levels of one frame, raised into `peak` where they are larger.
+static void analyserRun(Analyser* a, const float* samples, float* peak)
 {
     CHECK(Morven_qvrsMulC_32f(samples, a->toFullScale, a->frame, a->length));
     if (a->window != NULL)
         CHECK(a->window(a->frame, a->length));
-    CHECK(Morven_qvrsFFTFwd_RToCCS_32f(a->frame, a->spectrum, a->spec, a->work));
-    for (int k = 0; k < a->bins; k++) {
-        const float re = a->spectrum[2 * k], im = a->spectrum[2 * k + 1], square = re * re + im * im;
-        power[k] = square > power[k] ? square : power[k];
-    }
+    CHECK(Morven_qvrsFFTFwd_RToCCS_32f(a->frame, (float*)a->spectrum, a->spec, a->work));
+    CHECK(Morven_qvrsMagnitude_32fc(a->spectrum, a->magnitude, a->bins));
+    CHECK(Morven_qvrsMaxEvery_32f_I(a->magnitude, peak, a->bins));
 }
 
 // Reads `frames` frames as the mean of their channels, -1 .. 1.
@@ -116,11 +117,11 @@ static void readMono(Audio* in, int16_t* samples, float* mono, int frames)
     }
 }
 
-// Columns of `bins` squared levels each.
+// Columns of `bins` levels each, in decibels; silence is -infinity.
 typedef struct {
     int columns, bins;
     int64_t frames;
-    float* power;
+    float* level;
 } Levels;
 
 static Levels analyse(Audio* in, const Settings* settings)
@@ -129,8 +130,8 @@ static Levels analyse(Audio* in, const Settings* settings)
     const int hop = (int)fmax(1, lround(a.length * (1 - settings->overlap)));
     const int64_t frames = in->frames <= a.length ? 1 : (in->frames - a.length + hop - 1) / hop + 1;
     Levels levels = {.columns = frames > kMaxWidth ? kMaxWidth : (int)frames, .bins = a.bins, .frames = frames};
-    levels.power = calloc((size_t)levels.columns * (size_t)levels.bins, sizeof(float));
-    if (levels.power == NULL)
+    levels.level = calloc((size_t)levels.columns * (size_t)levels.bins, sizeof(float));
+    if (levels.level == NULL)
         fail("out of memory");
 
     float* samples = allocate((int64_t)sizeof(float) * a.length);
@@ -147,10 +148,15 @@ static Levels analyse(Audio* in, const Settings* settings)
             readMono(in, raw, samples + keep, got);
         memset(samples + keep + got, 0, sizeof(float) * (size_t)(want - got));
         read += got;
-        analyserRun(&a, samples, levels.power + f * levels.columns / frames * levels.bins);
+        analyserRun(&a, samples, levels.level + f * levels.columns / frames * levels.bins);
         progressShow(&progress, read);
     }
     progressEnd(&progress);
+    for (int column = 0; column < levels.columns; column++) {
+        float* level = levels.level + (int64_t)column * levels.bins;
+        CHECK(Morven_qvrsLog10_32f_A21(level, level, levels.bins));
+        CHECK(Morven_qvrsMulC_32f_I(20.0f, level, levels.bins));
+    }
     Morven_qvrsFree(samples);
     Morven_qvrsFree(raw);
     analyserRelease(&a);
@@ -225,12 +231,11 @@ static void draw(const Levels* levels, double range, const Audio* in, const char
     const int height = levels->bins < kMaxHeight ? levels->bins : kMaxHeight;
     Picture picture = pictureMake(kLeft + width + kRight, kTop + height + kBottom, (Colour){255, 255, 255});
     for (int x = 0; x < width; x++) {
-        const float* power = levels->power + (int64_t)x * levels->columns / width * levels->bins;
+        const float* level = levels->level + (int64_t)x * levels->columns / width * levels->bins;
         for (int y = 0; y < height; y++) {
-            float most = 0;
+            float decibels = -INFINITY;
             for (int k = y * levels->bins / height; k < (y + 1) * levels->bins / height; k++)
-                most = power[k] > most ? power[k] : most;
-            const double decibels = most > 0 ? 10 * log10(most) : -1e9;
+                decibels = level[k] > decibels ? level[k] : decibels;
             pictureFill(&picture, kLeft + x, kTop + height - 1 - y, 1, 1, heat(1 + decibels / range));
         }
     }
@@ -329,7 +334,7 @@ int main(int argc, char** argv)
     printf("%lld transforms of %d samples in %.3f s with reading\n", (long long)levels.frames, 1 << settings.order,
            analysed - began);
     printf("wrote %s\n", path);
-    free(levels.power);
+    free(levels.level);
     free(own);
     audioClose(&in);
     return 0;

@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that a command needs and that are missing: scripts/packages.sh build|demo|test|bench ...
+# Installs the Debian packages that a command needs and that are missing: scripts/packages.sh build|demo|test|package|docs ...
 set -euo pipefail
 
 declare -A lists=(
     [build]="clang-19 lld-19 libomp-19-dev cmake ninja-build"
     [demo]="pkgconf libsndfile1-dev libpng-dev alsa-utils"
-    [test]="libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev libpng-dev"
+    [package]="dpkg-dev file"
+    [docs]="doxygen"
+    [test]="abigail-tools dpkg-dev file libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev libpng-dev"
 )
 
 # Only what is configured counts as present.

@@ -64,7 +64,7 @@ template<class T, bool Inverse> void transformCase(Case& c, int order)
     c.work.unit = sizeof(T) == 4 ? Unit::add32 : Unit::none;
     c.work.operations = 0.5;
     // Errors scale with the spectrum's norm, about sqrt(N), not with the single bin.
-    c.tolerance = (sizeof(T) == 4 ? 1e-6 : 1e-14) * std::sqrt(static_cast<double>(n)) * (Inverse ? 10 : 1);
+    c.tolerance = (sizeof(T) == 4 ? 3e-6 : 1e-14) * std::sqrt(static_cast<double>(n)) * (Inverse ? 10 : 1);
     T* src = c.array<T>(Inverse ? n + 2 : n, Data::mixed);
     T* dst = c.array<T>(Inverse ? n : n + 2, Data::mixed, true);
     typename L::Spec* spec = nullptr;

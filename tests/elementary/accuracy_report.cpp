@@ -41,9 +41,6 @@ MVEC2(atan2f)
 
 namespace {
 
-using Run = std::function<void(const float*, float*, int)>;
-using Run2 = std::function<void(const float*, const float*, float*, int)>;
-
 struct Worst {
     double relative = 0, ulp = 0, absolute = 0;
     float at = 0, at2 = 0; // where relative is worst
@@ -73,28 +70,68 @@ void measure(Worst& w, float got, double want, float x, float y = 0)
     if (std::isnan(want) || std::isinf(static_cast<float>(want)) || want == 0)
         return;
     const double error = std::fabs(got - want);
-    const double ulp = error / unitOf(want), relative = std::fabs(want) < 0x1p-126 ? 0 : error / std::fabs(want);
-    if (ulp > w.ulp)
-        w.ulp = ulp, w.ulpAt = x, w.ulpAt2 = y;
-    if (relative > w.relative)
-        w.relative = relative, w.at = x, w.at2 = y;
+    const double unit = unitOf(want), size = std::fabs(want);
     w.absolute = std::max(w.absolute, error);
+    if (error > w.ulp * unit)
+        w.ulp = error / unit, w.ulpAt = x, w.ulpAt2 = y;
+    if (error > w.relative * size && size >= 0x1p-126)
+        w.relative = error / size, w.at = x, w.at2 = y;
 }
 
+using Run = std::function<void(const float* a, const float* b, float* y, int n)>;
+
+// One kernel. As long as its results are those of an earlier one, bit for bit, it follows that one and has its errors.
 struct Contender {
-    std::string name;
+    int slot; // -1 for a peer
+    std::string kind;
     Run run;
-    Worst worst{};
+    int leader;              // an earlier contender, or itself
+    Worst worst{}, before{}; // now, and before the chunk at hand
+    std::vector<float> results{};
 };
-struct Contender2 {
-    std::string name;
-    Run2 run;
-    Worst worst{};
-};
+using Contenders = std::vector<Contender>;
+
+void addContender(Contenders& all, int slot, const std::string& kind, Run run)
+{
+    const int self = static_cast<int>(all.size());
+    all.push_back({slot, kind, std::move(run), self});
+    for (int i = 0; i < self; i++)
+        if (slot >= 0 && all[i].slot >= 0 && all[i].leader == i && all[i].kind == kind) {
+            all[self].leader = i;
+            break;
+        }
+}
+
+void measureAll(Contenders& all, const float* a, const float* b, const double* want, int n)
+{
+    for (size_t k = 0; k < all.size(); k++) {
+        Contender& c = all[k];
+        c.before = c.worst;
+        c.results.resize(n);
+        c.run(a, b, c.results.data(), n);
+        if (c.leader != static_cast<int>(k)) {
+            const Contender& leader = all[c.leader];
+            if (memcmp(c.results.data(), leader.results.data(), sizeof(float) * n) == 0)
+                continue;
+            c.worst = leader.before;
+            c.leader = static_cast<int>(k);
+        }
+        for (int i = 0; i < n; i++)
+            measure(c.worst, c.results[i], want[i], a[i], b ? b[i] : 0);
+    }
+}
+
+void addKernels(Contenders& all, const std::function<Run(int slot, int c)>& kernel)
+{
+    for (int c : {a11, la, ha})
+        for (int slot = 0; slot < slots::kCount; slot++)
+            if (slots::canRun(slot) && (slot > 0 || c == ha))
+                addContender(all, slot, slot ? kClassNames[c] : "all", kernel(slot, c));
+}
 
 #ifdef QVR_HAVE_PEERS
 #define VECTOR8(f)                                                                                                     \
-    [](const float* x, float* y, int n) {                                                                              \
+    [](const float* x, const float*, float* y, int n) {                                                                \
         for (int i = 0; i < n; i += 8)                                                                                 \
             _mm256_storeu_ps(y + i, f(_mm256_loadu_ps(x + i)));                                                        \
     }
@@ -105,12 +142,12 @@ struct Contender2 {
     }
 #define PEERS(NAME, mvec, sleef)                                                                                       \
     if (name == NAME) {                                                                                                \
-        v.push_back({"glibc vector", VECTOR8(_ZGVdN8v_##mvec)});                                                       \
-        v.push_back({"SLEEF", VECTOR8(Sleef_##sleef)});                                                                \
+        addContender(all, -1, "glibc vector", VECTOR8(_ZGVdN8v_##mvec));                                               \
+        addContender(all, -1, "SLEEF", VECTOR8(Sleef_##sleef));                                                        \
     }
 #endif
 
-void addPeers([[maybe_unused]] const std::string& name, [[maybe_unused]] std::vector<Contender>& v)
+void addPeers([[maybe_unused]] const std::string& name, [[maybe_unused]] Contenders& all)
 {
 #ifdef QVR_HAVE_PEERS
     PEERS("Sin", sinf, sinf8_u35avx2)
@@ -127,6 +164,14 @@ void addPeers([[maybe_unused]] const std::string& name, [[maybe_unused]] std::ve
     PEERS("Log10", log10f, log10f8_u10avx2)
 #endif
 }
+
+// The functions without a class stand beside the tagged ones of the same name.
+struct Untagged {
+    const char* beside;
+    Kernel1* const* table;
+};
+const Untagged kUntagged[] = {
+    {"Exp", qvrTable_qvrsExp_32f}, {"Ln", qvrTable_qvrsLn_32f}, {"Atan", qvrTable_qvrsArctan_32f}};
 
 using Mpfr1 = int (*)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t);
 struct Reference {
@@ -158,30 +203,44 @@ double exact(Mpfr1 f, float x)
     return y;
 }
 
-// Slots with the same arithmetic give the same bits, so they share a row: what a name stands for is decided by results.
-void print(const char* function, const std::string& kind, const Worst& w, bool two)
+// A row for each leader; `confirm` measures its worst arguments once more.
+void print(const char* function, const Contenders& all, bool two, const std::function<Worst(const Contender&)>& confirm)
 {
-    char at[64], ulpAt[64];
-    snprintf(at, sizeof at, two ? "%.9g, %.9g" : "%.9g", w.at, w.at2);
-    snprintf(ulpAt, sizeof ulpAt, two ? "%.9g, %.9g" : "%.9g", w.ulpAt, w.ulpAt2);
-    printf("| %s | %s | %.3f | %s | %.1f | %s | %.1f |\n", function, kind.c_str(), w.ulp, ulpAt, -log2(w.relative), at,
-           -log2(w.absolute));
+    for (int k = 0; k < static_cast<int>(all.size()); k++) {
+        if (all[k].leader != k)
+            continue;
+        std::string kernel;
+        for (int i = k; i < static_cast<int>(all.size()); i++)
+            if (all[i].leader == k && all[i].slot >= 0)
+                kernel += std::string(slots::kNames[all[i].slot]) + " ";
+        const Worst w = confirm(all[k]);
+        char at[64], ulpAt[64];
+        snprintf(at, sizeof at, two ? "%.9g, %.9g" : "%.9g", w.at, w.at2);
+        snprintf(ulpAt, sizeof ulpAt, two ? "%.9g, %.9g" : "%.9g", w.ulpAt, w.ulpAt2);
+        printf("| %s | %s%s | %.3f | %s | %.1f | %s | %.1f |\n", function, kernel.c_str(), all[k].kind.c_str(), w.ulp,
+               ulpAt, -log2(w.relative), at, -log2(w.absolute));
+    }
+    fflush(stdout);
 }
+
+constexpr int kChunk = 4096;
 
 void oneArgument(const Function1& f, uint64_t stride)
 {
     const Reference& reference = referenceOf(f.name);
-    std::vector<Contender> contenders;
-    for (int slot = 0; slot < slots::kCount; slot++)
-        for (int c : {a11, la, ha})
-            if (slots::canRun(slot) && (slot > 0 || c == ha))
-                contenders.push_back(
-                    {std::string(slots::kNames[slot]) + " " + (slot ? kClassNames[c] : "all"),
-                     [kernel = f.kernels[slot][c]](const float* x, float* y, int n) { kernel(x, y, n); }});
+    Contenders contenders;
+    const auto alone = [](Kernel1* kernel) {
+        return [kernel](const float* x, const float*, float* y, int n) { kernel(x, y, n); };
+    };
+    addKernels(contenders, [&](int slot, int c) { return alone(f.kernels[slot][c]); });
+    for (const Untagged& u : kUntagged)
+        if (strcmp(u.beside, f.name) == 0)
+            for (int slot = 0; slot < slots::kCount; slot++)
+                if (slots::canRun(slot))
+                    addContender(contenders, slot, "untagged", alone(u.table[slot]));
     addPeers(f.name, contenders);
 
-    constexpr int kChunk = 4096;
-    std::vector<float> x(kChunk), y(kChunk);
+    std::vector<float> x(kChunk);
     std::vector<double> want(kChunk);
     for (uint64_t start = 0; start < (uint64_t{1} << 32); start += stride * kChunk) {
         int n = 0;
@@ -196,80 +255,94 @@ void oneArgument(const Function1& f, uint64_t stride)
             x[n] = x[n - 1], n++;
         for (int i = 0; i < n; i++)
             want[i] = reference.libm(x[i]);
-        for (Contender& c : contenders) {
-            c.run(x.data(), y.data(), n);
-            for (int i = 0; i < n; i++)
-                measure(c.worst, y[i], want[i], x[i]);
-        }
+        measureAll(contenders, x.data(), nullptr, want.data(), n);
     }
-    for (Contender& c : contenders) {
-        // The worst arguments again, alone and against MPFR.
+    // The worst arguments again, alone and against MPFR.
+    print(f.name, contenders, false, [&](const Contender& c) {
         Worst confirmed;
         for (float at : {c.worst.at, c.worst.ulpAt}) {
             std::vector<float> eight(8, at), out(8);
-            c.run(eight.data(), out.data(), 8);
+            c.run(eight.data(), nullptr, out.data(), 8);
             measure(confirmed, out[0], exact(reference.mpfr, at), at);
         }
         confirmed.absolute = c.worst.absolute;
-        print(f.name, c.name, confirmed, false);
-    }
-    fflush(stdout);
+        return confirmed;
+    });
 }
 
-void twoArguments(const char* function, Kernel2* const* const (&kernels)[slots::kCount],
-                  long double (*model)(long double, long double), bool power, int pairs)
+// Chunks of pairs from draw(a, b), against a model in extended precision.
+void twoArguments(const char* function, Contenders& contenders, long double (*model)(long double, long double),
+                  int pairs, double least, const std::function<void(float* a, float* b)>& draw)
 {
-    std::vector<Contender2> contenders;
-    for (int slot = 0; slot < slots::kCount; slot++)
-        for (int c : {a11, la, ha})
-            if (slots::canRun(slot) && (slot > 0 || c == ha))
-                contenders.push_back({std::string(slots::kNames[slot]) + " " + (slot ? kClassNames[c] : "all"),
-                                      [kernel = kernels[slot][c]](const float* a, const float* b, float* y, int n) {
-                                          kernel(a, b, y, n);
-                                      }});
-#ifdef QVR_HAVE_PEERS
-    if (power) {
-        contenders.push_back({"glibc vector", PAIRS8(_ZGVdN8vv_powf)});
-        contenders.push_back({"SLEEF", PAIRS8(Sleef_powf8_u10avx2)});
-    } else {
-        contenders.push_back({"glibc vector", PAIRS8(_ZGVdN8vv_atan2f)});
-        contenders.push_back({"SLEEF", PAIRS8(Sleef_atan2f8_u35avx2)});
-    }
-#endif
-    constexpr int kChunk = 4096;
-    std::vector<float> a(kChunk), b(kChunk), y(kChunk);
-    std::mt19937_64 engine(1);
-    std::uniform_real_distribution<double> d(0, 1);
+    std::vector<float> a(kChunk), b(kChunk);
+    std::vector<double> want(kChunk);
     for (int done = 0; done < pairs; done += kChunk) {
-        for (int i = 0; i < kChunk; i++) {
-            if (power) {
-                a[i] = static_cast<float>(i % 3 ? exp2(252 * d(engine) - 126)
-                                                : 1 + (d(engine) - 0.5) * exp2(-20 * d(engine)));
-                const double most = std::min(126 / std::fabs(log2(a[i]) + 1e-12), 1e30);
-                b[i] = static_cast<float>((2 * d(engine) - 1) * most);
-                if (b[i] == 0)
-                    b[i] = 1;
-            } else {
-                a[i] = static_cast<float>((2 * d(engine) - 1) * exp2(40 * d(engine) - 20));
-                b[i] = static_cast<float>((2 * d(engine) - 1) * exp2(40 * d(engine) - 20));
-            }
-        }
-        std::vector<double> want(kChunk);
+        draw(a.data(), b.data());
         for (int i = 0; i < kChunk; i++) {
             want[i] = static_cast<double>(model(a[i], b[i]));
-            // Results below the normals are no part of the float classes' promise.
-            if (power && want[i] < 0x1p-125)
+            if (want[i] < least)
                 want[i] = NAN;
         }
-        for (Contender2& c : contenders) {
-            c.run(a.data(), b.data(), y.data(), kChunk);
-            for (int i = 0; i < kChunk; i++)
-                measure(c.worst, y[i], want[i], a[i], b[i]);
-        }
+        measureAll(contenders, a.data(), b.data(), want.data(), kChunk);
     }
-    for (Contender2& c : contenders)
-        print(function, c.name, c.worst, true);
-    fflush(stdout);
+    print(function, contenders, true, [](const Contender& c) { return c.worst; });
+}
+
+// Powers by an exponent of each element's own, or by one for the chunk. Results below the normals are no part of the
+// float classes' promise.
+void powers(bool constant, int pairs)
+{
+    Contenders contenders;
+    addKernels(contenders, [&](int slot, int c) -> Run {
+        if (constant)
+            return [kernel = powxKernels[slot][c]](const float* a, const float* b, float* y, int n) {
+                kernel(a, b[0], y, n);
+            };
+        return [kernel = powKernels[slot][c]](const float* a, const float* b, float* y, int n) { kernel(a, b, y, n); };
+    });
+#ifdef QVR_HAVE_PEERS
+    addContender(contenders, -1, "glibc vector", PAIRS8(_ZGVdN8vv_powf));
+    addContender(contenders, -1, "SLEEF", PAIRS8(Sleef_powf8_u10avx2));
+#endif
+    std::mt19937_64 engine(1);
+    std::uniform_real_distribution<double> d(0, 1);
+    twoArguments(constant ? "Powx" : "Pow", contenders, powl, pairs, 0x1p-125, [&](float* a, float* b) {
+        const float y = static_cast<float>((2 * d(engine) - 1) * exp2(20 * d(engine) - 10));
+        for (int i = 0; i < kChunk; i++) {
+            if (constant) {
+                a[i] = static_cast<float>(exp2(std::min(125 / std::fabs(y), 125.0f) * (2 * d(engine) - 1)));
+                b[i] = y;
+                continue;
+            }
+            a[i] =
+                static_cast<float>(i % 3 ? exp2(252 * d(engine) - 126) : 1 + (d(engine) - 0.5) * exp2(-20 * d(engine)));
+            const double most = std::min(126 / std::fabs(log2(a[i]) + 1e-12), 1e30);
+            b[i] = static_cast<float>((2 * d(engine) - 1) * most);
+            if (b[i] == 0)
+                b[i] = 1;
+        }
+    });
+}
+
+void angles(int pairs)
+{
+    Contenders contenders;
+    addKernels(contenders, [&](int slot, int c) -> Run {
+        return
+            [kernel = atan2Kernels[slot][c]](const float* a, const float* b, float* y, int n) { kernel(a, b, y, n); };
+    });
+#ifdef QVR_HAVE_PEERS
+    addContender(contenders, -1, "glibc vector", PAIRS8(_ZGVdN8vv_atan2f));
+    addContender(contenders, -1, "SLEEF", PAIRS8(Sleef_atan2f8_u35avx2));
+#endif
+    std::mt19937_64 engine(1);
+    std::uniform_real_distribution<double> d(0, 1);
+    twoArguments("Atan2", contenders, atan2l, pairs, -4, [&](float* a, float* b) {
+        for (int i = 0; i < kChunk; i++) {
+            a[i] = static_cast<float>((2 * d(engine) - 1) * exp2(40 * d(engine) - 20));
+            b[i] = static_cast<float>((2 * d(engine) - 1) * exp2(40 * d(engine) - 20));
+        }
+    });
 }
 
 } // namespace
@@ -279,26 +352,28 @@ int main(int argc, char** argv)
     const uint64_t stride = argc > 1 ? strtoull(argv[1], nullptr, 10) : 257;
     const std::string only = argc > 2 ? argv[2] : "";
     if (only.empty()) {
+        const std::string every = stride == 1 ? "every float" : "one float in " + std::to_string(stride);
         printf(
             "# Accuracy of the elementary functions\n\n"
-            "The worst error on every %s float of the domain (random pairs for two arguments): in units in the last\n"
-            "place (ulp), as correct bits (relative error), and as bits behind the binary point (absolute error), "
-            "with\n"
-            "the worst arguments. Slot `mx` has one kernel for all classes. Peers ran on the same arguments.\n\n"
-            "Sine and cosine of class A11 promise an absolute error next to their zeros, so the last column is "
-            "theirs.\n"
-            "Made by `accuracy_report %llu`.\n\n",
-            stride == 1 ? "single" : (std::to_string(stride) + "th").c_str(), static_cast<unsigned long long>(stride));
+            "The worst error on %s of the domain (random pairs for two arguments): in units in the last place\n"
+            "(ulp), as correct bits (relative error), and as bits behind the binary point (absolute error), with the\n"
+            "worst arguments. Slots whose results are the same, bit for bit, share a row; slot `mx` has one kernel\n"
+            "for all classes. Peers ran on the same arguments.\n\n"
+            "Sine and cosine of class A11 promise an absolute error next to their zeros, so the last column is\n"
+            "theirs. Made by `accuracy_report %llu`.\n\n",
+            every.c_str(), static_cast<unsigned long long>(stride));
         printf("| function | kernel | worst ulp | at | correct bits | at | absolute bits "
                "|\n|---|---|---|---|---|---|---|\n");
     }
     for (const Function1& f : kFunctions1)
         if (only.empty() || only == f.name)
             oneArgument(f, stride);
-    const int pairs = stride > 1000 ? 100000 : 2000000;
+    const int pairs = stride > 1000 ? 100000 : stride > 1 ? 2000000 : 50000000;
     if (only.empty() || only == "Pow")
-        twoArguments("Pow", powKernels, powl, true, pairs);
+        powers(false, pairs);
+    if (only.empty() || only == "Powx")
+        powers(true, pairs);
     if (only.empty() || only == "Atan2")
-        twoArguments("Atan2", atan2Kernels, atan2l, false, pairs);
+        angles(pairs);
     return 0;
 }
