@@ -1292,6 +1292,252 @@ qvrStatus Morven_qvrsSampleDown_16s(const qvr16s* src, int srcLen, qvr16s* dst, 
 /** @} */
 
 /**
+ * @defgroup resize Image resize
+ *
+ * Eight interpolation methods for images of 8-bit pixels with one or four channels, of singles and of doubles.
+ *
+ * @section resize-geometry Geometry
+ * Images are rows of pixels whose starts lie `step` bytes apart; a step may be negative or larger than a row, and is
+ * not checked. A source point (x, y) lands on (x * xFactor + xShift, y * yFactor + yShift); pixel i covers [i, i + 1).
+ * Only the part of `srcRoi` that lies in the image is used, and only `dstRoi` is written, but for the edge treatments.
+ * Without one, a destination pixel is produced if its centre lies within the region's image (a border exactly on a
+ * centre includes the pixel); with one, if it is covered whole. Pixels of the source image outside `srcRoi` take part
+ * as neighbours; what is outside the image repeats its edge pixels.
+ *
+ * @section resize-methods Methods
+ * With pos = (d + 0.5) / factor - shift / factor - 0.5, i = floor(pos) and f = pos - i of a destination position d:
+ * - qvriInterNearest: the pixel under the centre of the destination pixel.
+ * - qvriInterLinear: two taps on each axis. 8-bit images use weights of 14 bits, one rounding to 16 bits along the row
+ * and one to 8 bits across; where the image's border leaves only one row or column there is a single rounding.
+ * - qvriInterCubic: the four-point Lagrange polynomial; qvriInterCubicBSpline, qvriInterCubicCatmullRom,
+ *   qvriInterCubicB05C03: two-parameter cubics with B, C = 1, 0; 0, 0.5; 0.5, 0.3. Four taps on each axis.
+ * - qvriInterLanczos: sinc(t) sinc(t / 3), six taps on each axis, from a table of hundredths with linear interpolation
+ *   between entries. The weights are not normalised.
+ * - qvriInterSuper: every output is the area-weighted mean of the source under it. Factors up to 1 only. Parts of a
+ * pixel below 1e-7 are left out.
+ *
+ * A source image below 6 pixels in either direction turns Lanczos into qvriInterCubic; one below 4 turns the cubics
+ * into linear. Sums of 8-bit images are rounded to nearest, half up, and clamped to 0..255. Sums of 8-bit and 32-bit
+ * images run in single, those of 64-bit images in double; a NaN passes through all sums. Singles may differ by a
+ * rounding between processors with and without fused multiply-add.
+ *
+ * @section resize-flags Flags
+ * At most one of:
+ * - qvriEdgeBlend: a border pixel that the region covers by the fraction a becomes old + a * (inner - old), with `old`
+ * what the destination holds and `inner` the nearest produced pixel; a corner by the product of its two fractions.
+ * - qvriEdgeFade: the same with a * inner.
+ *   Both write one pixel round what is produced, also outside `dstRoi`.
+ * - qvriAntialias: the weights are stretched by 1 / factor where an axis is reduced, and divided by their sum; taps
+ * stand at whole source positions around (d + 0.5) / factor - shift / factor. Ignored, with the warning
+ * qvrWarnNoAntialiasing, by qvriInterNearest and qvriInterSuper.
+ *
+ * @section resize-memory Work buffer and threads
+ * The functions of the ResizeSqrPixel family allocate nothing: the caller gives a buffer of the size that
+ * Morven_qvriResizeGetBufSize tells for the same rectangles and selector (Morven_qvriResizeGetBufSize_64f for 64f). Any
+ * alignment will do. Two calls at a time need two buffers. From 64 by 64 produced pixels on, bands of rows are spread
+ * over all threads that the OpenMP runtime allowed when the library was loaded; the result does not depend on their
+ * number.
+ * @{
+ */
+
+/** Interpolation methods and flags; a selector is one method, or one method + one flag. */
+enum {
+    qvriInterNearest = 1,         /**< nearest neighbour */
+    qvriInterLinear = 2,          /**< bilinear */
+    qvriInterCubic = 4,           /**< four-point Lagrange cubic */
+    qvriInterCubicBSpline = 5,    /**< cubic B-spline: smooth, blurs */
+    qvriInterCubicCatmullRom = 6, /**< Catmull-Rom spline */
+    qvriInterCubicB05C03 = 7,     /**< cubic with B = 0.5, C = 0.3 */
+    qvriInterSuper = 8,           /**< area-weighted supersampling, reduction only */
+    qvriInterLanczos = 16,        /**< three-lobe Lanczos */
+
+    qvriAntialias = 0x20000000,     /**< low-pass weights when reducing */
+    qvriEdgeFade = 0x40000000,      /**< partly covered border pixels fade */
+    qvriEdgeBlend = -0x7FFFFFFF - 1 /**< partly covered border pixels blend with the destination (bit 31) */
+};
+
+/**
+ * Size of the work buffer for images of 8-bit pixels or singles.
+ *
+ * It covers every thread that a call can use.
+ * @param srcRoi, dstRoi the rectangles of the resize call; origins not negative, widths and heights at least 1
+ * @param nChannel channels: 1, 3 or 4
+ * @param interpolation method and flags of the call
+ * @param sizeOut receives the bytes; 0 if they would be 2^31 or more
+ * @return qvrErrNullPointer; qvrErrBadSize for the rectangles; qvrErrBadChannels; qvrErrBadInterpolation; qvrErrBadSize
+ * if the size overflows; qvrWarnNoAntialiasing, with the size stored, where the call will ignore qvriAntialias
+ */
+qvrStatus Morven_qvriResizeGetBufSize(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation, int* sizeOut);
+
+/** The same for images of doubles. */
+qvrStatus Morven_qvriResizeGetBufSize_64f(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation,
+                                          int* sizeOut);
+
+/**
+ * Resizes a region of an image of bytes.
+ *
+ * @param src pixel 0, 0 of the source image, not of the region
+ * @param srcSize size of the source image
+ * @param srcStep bytes from one source row to the next
+ * @param srcRoi region of the source to use
+ * @param dst pixel 0, 0 of the destination image; must not overlap the source
+ * @param dstStep bytes from one destination row to the next
+ * @param dstRoi region of the destination that may be written
+ * @param xFactor, yFactor scale factors, above 0; at most 1 for qvriInterSuper
+ * @param xShift, yShift shift in destination pixels
+ * @param interpolation method and flags
+ * @param buffer work buffer
+ * @return in this order: qvrErrNullPointer; qvrErrBadSize for a size below 1 or a negative origin; qvrErrBadFactor for
+ * a factor that is not above 0; qvrErrBadInterpolation; qvrErrBadFactor for qvriInterSuper; qvrWarnRoiOutside if the
+ * source region begins outside the image; qvrWarnNothingToDo if no destination pixel is covered; qvrErrBadSize if the
+ * buffer size overflows; qvrWarnNoAntialiasing
+ */
+qvrStatus Morven_qvriResizeSqrPixel_8u_C1R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
+                                           int dstStep, qvriRect dstRoi, double xFactor, double yFactor, double xShift,
+                                           double yShift, int interpolation, qvr8u* buffer);
+/** The same for four interleaved channels, all treated alike. */
+qvrStatus Morven_qvriResizeSqrPixel_8u_C4R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
+                                           int dstStep, qvriRect dstRoi, double xFactor, double yFactor, double xShift,
+                                           double yShift, int interpolation, qvr8u* buffer);
+/** The same for singles. */
+qvrStatus Morven_qvriResizeSqrPixel_32f_C1R(const qvr32f* src, qvriSize srcSize, int srcStep, qvriRect srcRoi,
+                                            qvr32f* dst, int dstStep, qvriRect dstRoi, double xFactor, double yFactor,
+                                            double xShift, double yShift, int interpolation, qvr8u* buffer);
+/** The same for doubles; the buffer's size comes from Morven_qvriResizeGetBufSize_64f. */
+qvrStatus Morven_qvriResizeSqrPixel_64f_C1R(const qvr64f* src, qvriSize srcSize, int srcStep, qvriRect srcRoi,
+                                            qvr64f* dst, int dstStep, qvriRect dstRoi, double xFactor, double yFactor,
+                                            double xShift, double yShift, int interpolation, qvr8u* buffer);
+
+/**
+ * Resizes a region of an image of bytes without a shift and with a work buffer of its own.
+ *
+ * The destination rectangle has its origin at that of the source region: with `srcRoi` at (10, 10) only destination
+ * pixels from (10, 10) on are written. Otherwise as Morven_qvriResizeSqrPixel_8u_C1R, with the checks of
+ * Morven_qvriResizeGetBufSize before its own.
+ * @param src, srcSize, srcStep, srcRoi source image and region
+ * @param dst, dstStep destination image
+ * @param dstRoiSize size of the destination rectangle
+ * @param xFactor, yFactor scale factors
+ * @param interpolation method and flags
+ * @return as Morven_qvriResizeSqrPixel_8u_C1R. Any status other than 0 of the size query, qvrWarnNoAntialiasing
+ * included, is returned with nothing written. If no memory is to be had nothing is written either and the status is
+ * qvrOk.
+ */
+qvrStatus Morven_qvriResize_8u_C1R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
+                                   int dstStep, qvriSize dstRoiSize, double xFactor, double yFactor, int interpolation);
+/** The same for four interleaved channels. */
+qvrStatus Morven_qvriResize_8u_C4R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
+                                   int dstStep, qvriSize dstRoiSize, double xFactor, double yFactor, int interpolation);
+/** The same for singles. */
+qvrStatus Morven_qvriResize_32f_C1R(const qvr32f* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr32f* dst,
+                                    int dstStep, qvriSize dstRoiSize, double xFactor, double yFactor,
+                                    int interpolation);
+
+/** @} */
+
+/**
+ * @defgroup points Image point operations
+ *
+ * Every pixel on its own. An image is its first pixel, the bytes from one row to the next and a size in pixels.
+ * Statuses in order: qvrErrNullPointer, qvrErrBadSize for a width or height below 1, then what is said at each
+ * function.
+ * @{
+ */
+
+/**
+ * Adds a constant in place and scales: (pixel + value) * 2^-scaleFactor, rounded to nearest, a tie to even, and
+ * saturated to 0..255. Steps are not checked.
+ *
+ * Any scale factor works: from 10 on the image becomes 0; below -7 every sum other than 0 becomes 255. With `value` and
+ * `scaleFactor` 0 nothing is written.
+ *
+ * Uses all threads of the library's budget on processors with SSE3; for `scaleFactor` from 1 on if width + height is at
+ * least 256.
+ */
+qvrStatus Morven_qvriAddC_8u_C1IRSfs(qvr8u value, qvr8u* srcDst, int step, qvriSize roiSize, int scaleFactor);
+
+/** The same for 16-bit pixels, saturated to 0..65535: zero from scaleFactor 18 on, full below -15. Uses no threads. */
+qvrStatus Morven_qvriAddC_16u_C1IRSfs(qvr16u value, qvr16u* srcDst, int step, qvriSize roiSize, int scaleFactor);
+
+/** Fills an image. Gaps between rows stay; steps are not checked. Images far larger than the caches bypass them. */
+qvrStatus Morven_qvriSet_16u_C1R(qvr16u value, qvr16u* dst, int step, qvriSize roiSize);
+
+/**
+ * Copies the pixels whose mask byte is not 0; the others stay. Steps are not checked.
+ * @param src, srcStep source
+ * @param dst, dstStep destination
+ * @param roiSize size of all three images
+ * @param mask, maskStep one byte for each pixel
+ */
+qvrStatus Morven_qvriCopy_16u_C1MR(const qvr16u* src, int srcStep, qvr16u* dst, int dstStep, qvriSize roiSize,
+                                   const qvr8u* mask, int maskStep);
+
+/**
+ * Widens bytes to 16 bits.
+ * @return qvrErrBadStep for a step below 1
+ */
+qvrStatus Morven_qvriConvert_8u16u_C1R(const qvr8u* src, int srcStep, qvr16u* dst, int dstStep, qvriSize roiSize);
+/** The same to signed pixels. */
+qvrStatus Morven_qvriConvert_8u16s_C1R(const qvr8u* src, int srcStep, qvr16s* dst, int dstStep, qvriSize roiSize);
+
+/**
+ * Looks pixels up in a palette: dst = table[src & (2^nBitSize - 1)].
+ * @param src, srcStep source
+ * @param dst, dstStep destination
+ * @param roiSize size of both
+ * @param table 2^nBitSize entries
+ * @param nBitSize bits of a pixel that count: 1..8, or 1..16 for pixels of 16 bits
+ * @return qvrErrBadBitSize, then qvrErrBadStep for a step below the bytes of a row
+ */
+qvrStatus Morven_qvriLUTPalette_8u_C1R(const qvr8u* src, int srcStep, qvr8u* dst, int dstStep, qvriSize roiSize,
+                                       const qvr8u* table, int nBitSize);
+/** The same to entries of 32 bits. */
+qvrStatus Morven_qvriLUTPalette_8u32u_C1R(const qvr8u* src, int srcStep, qvr32u* dst, int dstStep, qvriSize roiSize,
+                                          const qvr32u* table, int nBitSize);
+/** The same from pixels of 16 bits. */
+qvrStatus Morven_qvriLUTPalette_16u8u_C1R(const qvr16u* src, int srcStep, qvr8u* dst, int dstStep, qvriSize roiSize,
+                                          const qvr8u* table, int nBitSize);
+/** The same from pixels of 16 bits to entries of 32. */
+qvrStatus Morven_qvriLUTPalette_16u32u_C1R(const qvr16u* src, int srcStep, qvr32u* dst, int dstStep, qvriSize roiSize,
+                                           const qvr32u* table, int nBitSize);
+
+/**
+ * Minimum and maximum of each block of an image, and of all of it. Blocks are laid from the top left; those at the
+ * right and bottom edges hold what is there.
+ * @param src, srcStep, srcSize the image
+ * @param blockMin, blockMinStep receives the minimum of each block: ceil(width / blockSize.width) in a row, and
+ * ceil(height / blockSize.height) rows
+ * @param blockMax, blockMaxStep receives the maxima in the same way
+ * @param blockSize size of a block
+ * @param globalMin, globalMax receive the image's extremes
+ * @return qvrErrBadStep for a source step below 2 * width or a block step below a row of blocks
+ */
+qvrStatus Morven_qvriBlockMinMax_16s_C1R(const qvr16s* src, int srcStep, qvriSize srcSize, qvr16s* blockMin,
+                                         int blockMinStep, qvr16s* blockMax, int blockMaxStep, qvriSize blockSize,
+                                         qvr16s* globalMin, qvr16s* globalMax);
+
+/**
+ * Splits 16-bit little-endian samples into a plane of high bytes and one of low bytes:
+ * dstPlanes[0][i] = src[2i + 1], dstPlanes[1][i] = src[2i].
+ * @param src 2 * len bytes
+ * @param dstPlanes two planes of `len` bytes
+ * @param len samples
+ * @return qvrErrNullPointer for src or dstPlanes, qvrErrBadStep for `len` below 1, then qvrErrNullPointer for a plane
+ */
+qvrStatus Morven_qvriSplitRow_TIFF_16u8u_C1(const qvr8u* src, qvr8u** dstPlanes, int len);
+
+/**
+ * Joins what Morven_qvriSplitRow_TIFF_16u8u_C1 splits: dst[2i + 1] = srcPlanes[0][i], dst[2i] = srcPlanes[1][i].
+ * @param srcPlanes two planes of `len` bytes
+ * @param dst 2 * len bytes
+ * @param len samples
+ * @return qvrErrNullPointer for any of the four pointers, then qvrErrBadStep for `len` below 1
+ */
+qvrStatus Morven_qvriJoinRow_TIFF_8u16u_C1(qvr8u** srcPlanes, qvr8u* dst, int len);
+
+/** @} */
+
+/**
  * @defgroup elementary Elementary functions with an accuracy tag
  *
  * One function over a whole array of floats. The tag promises correct bits of the result: A11 eleven, A21 twenty-one,

@@ -5,6 +5,7 @@
 #include "fuzz/shapes_convolution.h"
 #include "fuzz/shapes_filters.h"
 #include "fuzz/shapes_fourier.h"
+#include "fuzz/shapes_image.h"
 #include "fuzz/shapes_vector.h"
 
 namespace fuzz {
