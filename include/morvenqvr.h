@@ -1232,6 +1232,214 @@ qvrStatus Morven_qvrsIIRGenHighpass_64f(int order, qvr64f* taps, int filterType,
 /** @} */
 
 /**
+ * @defgroup fir FIR filters
+ *
+ * y[n] = sum of taps[k] x[n - k] for k = 0 .. tapsLen - 1.
+ *
+ * A state belongs to the caller from creation to release, keeps its own copy of the taps and the newest samples, so that
+ * consecutive runs filter one continuous signal, and is used by one thread at a time. There are four kinds, by the type
+ * of the taps, in which all sums are made, and of the samples: 32f and 32f, 64f and 64f, 64f and 32f, 64f and 16s.
+ *
+ * Long filters. From 64 taps on a state also has a transform plan (with 64f taps from 32 on, on processors without
+ * SSSE3), and long runs go by overlap-save through blocks of 2 to 4 times tapsLen. Both paths give the same samples up
+ * to rounding and leave the same delay line. Out of place, and for 64f taps with 32f or 16s samples in place too, runs of
+ * 512 samples and more go through the transform. In place in one type a run is cut into chunks of 4096 samples, 4224 on
+ * processors with AVX, and a chunk goes through the transform if 512 samples or more follow it.
+ *
+ * Rounding. The order of the additions in a sum is not fixed, and products may be fused with additions. On one
+ * processor with SSE3 the direct path gives the same bits however a signal is cut into runs. A NaN or an infinity enters
+ * the outputs whose sums it belongs to; on the transform path it enters all outputs of its block.
+ *
+ * Threads. From 1601 samples on a run may use as many threads as the OpenMP runtime allowed when the library was loaded:
+ * on the transform path always, on the direct path but for the 32f form on processors with AVX. A state is made for the
+ * number of threads at its creation.
+ * @{
+ */
+
+/** A FIR filter with 32f taps for 32f samples. */
+typedef struct qvrsFIRState_32f qvrsFIRState_32f;
+/** A FIR filter with 64f taps for 64f samples. */
+typedef struct qvrsFIRState_64f qvrsFIRState_64f;
+/** A FIR filter with 64f taps for 32f samples. */
+typedef struct qvrsFIRState64f_32f qvrsFIRState64f_32f;
+/** A FIR filter with 64f taps for 16s samples. */
+typedef struct qvrsFIRState64f_16s qvrsFIRState64f_16s;
+
+/**
+ * Creates a FIR filter.
+ * @param statePtr receives the state; release it with Morven_qvrsFIRFree_32f
+ * @param taps tapsLen taps, which are copied
+ * @param tapsLen number of taps, at least 1
+ * @param dlyLine tapsLen past samples, the newest first: dlyLine[k] is x[-1 - k]; the last one influences no output. Null
+ *     for zeros
+ * @return qvrErrNullPointer for null statePtr or taps; qvrErrBadTapsLen; qvrErrNoMemory, also when the state would pass
+ *     2^31 - 1 bytes; here qvrErrNullPointer too when the transform plan cannot be had. After an error nothing stays
+ *     allocated, and *statePtr is not to be used
+ */
+qvrStatus Morven_qvrsFIRInitAlloc_32f(qvrsFIRState_32f** statePtr, const qvr32f* taps, int tapsLen,
+                                      const qvr32f* dlyLine);
+
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_32f; a plan that no transform is long enough for is left out. */
+qvrStatus Morven_qvrsFIRInitAlloc_64f(qvrsFIRState_64f** statePtr, const qvr64f* taps, int tapsLen,
+                                      const qvr64f* dlyLine);
+
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f. */
+qvrStatus Morven_qvrsFIRInitAlloc64f_32f(qvrsFIRState64f_32f** statePtr, const qvr64f* taps, int tapsLen,
+                                         const qvr32f* dlyLine);
+
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f. */
+qvrStatus Morven_qvrsFIRInitAlloc64f_16s(qvrsFIRState64f_16s** statePtr, const qvr64f* taps, int tapsLen,
+                                         const qvr16s* dlyLine);
+
+/** Releases a FIR filter. @return qvrErrNullPointer; qvrErrBadContext for an object of another kind */
+qvrStatus Morven_qvrsFIRFree_32f(qvrsFIRState_32f* state);
+/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+qvrStatus Morven_qvrsFIRFree_64f(qvrsFIRState_64f* state);
+/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+qvrStatus Morven_qvrsFIRFree64f_32f(qvrsFIRState64f_32f* state);
+/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+qvrStatus Morven_qvrsFIRFree64f_16s(qvrsFIRState64f_16s* state);
+
+/**
+ * Filters numIters samples.
+ * @param src samples
+ * @param dst results; may be src
+ * @param numIters samples, at least 1
+ * @param state the filter, whose delay line is carried on
+ * @return qvrErrNullPointer, qvrErrBadSize, then qvrErrBadContext for an object of another kind; with none of them has
+ *     the state changed
+ */
+qvrStatus Morven_qvrsFIR_32f(const qvr32f* src, qvr32f* dst, int numIters, qvrsFIRState_32f* state);
+
+/** Filters numIters samples, as Morven_qvrsFIR_32f. */
+qvrStatus Morven_qvrsFIR_64f(const qvr64f* src, qvr64f* dst, int numIters, qvrsFIRState_64f* state);
+
+/** Filters numIters samples, as Morven_qvrsFIR_32f. Results beyond the range of a float become the largest one. */
+qvrStatus Morven_qvrsFIR64f_32f(const qvr32f* src, qvr32f* dst, int numIters, qvrsFIRState64f_32f* state);
+
+/**
+ * Filters numIters samples, as Morven_qvrsFIR_32f.
+ *
+ * A sum is multiplied by 2 to the power of -scaleFactor, saturated to 16 bits and rounded half away from zero, by adding
+ * 0.5 or -0.5 and dropping the fraction. A NaN gives 0.
+ * @param scaleFactor its magnitude counts modulo 128
+ */
+qvrStatus Morven_qvrsFIR64f_16s_Sfs(const qvr16s* src, qvr16s* dst, int numIters, qvrsFIRState64f_16s* state,
+                                    int scaleFactor);
+
+/** Writes the filter's tapsLen taps in their original order. @return qvrErrNullPointer, qvrErrBadContext */
+qvrStatus Morven_qvrsFIRGetTaps_32f(const qvrsFIRState_32f* state, qvr32f* taps);
+
+/**
+ * Writes the delay line, tapsLen past samples with the newest first.
+ * @return qvrErrNullPointer, then qvrErrBadContext for an object of another kind
+ */
+qvrStatus Morven_qvrsFIRGetDlyLine_32f(const qvrsFIRState_32f* state, qvr32f* dlyLine);
+/** Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRGetDlyLine_64f(const qvrsFIRState_64f* state, qvr64f* dlyLine);
+/** Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRGetDlyLine64f_32f(const qvrsFIRState64f_32f* state, qvr32f* dlyLine);
+
+/**
+ * Replaces the delay line, as after creation.
+ * @param state the filter
+ * @param dlyLine tapsLen past samples with the newest first, or null for zeros
+ * @return qvrErrNullPointer for a null state, then qvrErrBadContext for an object of another kind
+ */
+qvrStatus Morven_qvrsFIRSetDlyLine_32f(qvrsFIRState_32f* state, const qvr32f* dlyLine);
+/** Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRSetDlyLine_64f(qvrsFIRState_64f* state, const qvr64f* dlyLine);
+/** Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRSetDlyLine64f_32f(qvrsFIRState64f_32f* state, const qvr32f* dlyLine);
+
+/** @} */
+
+/**
+ * @defgroup firmr Multi-rate FIR in one call
+ *
+ * Filters and changes the sample rate by upFactor / downFactor without a state. Time runs on a grid on which an input
+ * sample enters every upFactor steps, the first at step upPhase, and an output falls every downFactor steps, the first at
+ * step downPhase. An output at a step whose newest sample is number k and entered q steps before is the sum of
+ * taps[q + m * upFactor] x[k - m] for m from 0 on, as long as there are taps. With a stream of taps for the high rate
+ * that is: stuff upFactor - 1 zeros behind each sample, filter, keep every downFactor-th.
+ *
+ * - src holds numIters * downFactor samples, dst takes numIters * upFactor; they do not overlap.
+ * - dlyLine holds the past samples, the newest first, x[-1 - m] in dlyLine[m], and after the call those of its end;
+ *   tapsLen / upFactor of them, rounded up. The same phases continue a signal in the next call.
+ * - Statuses in order: qvrErrNullPointer for src or dst; qvrErrBadSize for numIters below 1; qvrErrNullPointer for taps;
+ *   qvrErrBadTapsLen for tapsLen below 1; qvrErrBadMultiRateFactor for a factor below 1; qvrErrBadMultiRatePhase for a
+ *   phase outside 0 .. factor - 1; qvrErrNullPointer for dlyLine. After an error neither dst nor dlyLine has changed.
+ * - The caller's thread does all the work.
+ * @{
+ */
+
+/**
+ * Multi-rate FIR of 16-bit samples with 32f taps; sums are 32f.
+ *
+ * A sum of eight terms and more adds terms 8i to 8i + 3 into the four lanes of one accumulator and terms 8i + 4 to
+ * 8i + 7 into those of another, adds the two, lanes 2 and 3 to 0 and 1, lane 1 to 0, and then the remaining terms one by
+ * one. It is multiplied by 2 to the power of -scaleFactor in 32f, saturated to 16 bits and rounded half away from zero,
+ * by adding 0.5 or -0.5 in 64f and dropping the fraction. A NaN gives 0.
+ * @param scaleFactor its magnitude counts modulo 128; 127 gives a factor of 0, -127 one of 2 to the power of 127
+ */
+qvrStatus Morven_qvrsFIRMR32f_Direct_16s_Sfs(const qvr16s* src, qvr16s* dst, int numIters, const qvr32f* taps,
+                                             int tapsLen, int upFactor, int upPhase, int downFactor, int downPhase,
+                                             qvr16s* dlyLine, int scaleFactor);
+
+/** Multi-rate FIR of 32f samples with 64f taps. Sums are 64f; beyond the range of a float they become the largest one. */
+qvrStatus Morven_qvrsFIRMR64f_Direct_32f(const qvr32f* src, qvr32f* dst, int numIters, const qvr64f* taps, int tapsLen,
+                                         int upFactor, int upPhase, int downFactor, int downPhase, qvr32f* dlyLine);
+
+/**
+ * Multi-rate FIR in place: the outputs begin where the samples did, and may be more or fewer.
+ * @param srcDst numIters * downFactor samples, with room for numIters * upFactor outputs
+ * @return also qvrErrNoMemory when a copy of the samples cannot be had
+ */
+qvrStatus Morven_qvrsFIRMR64f_Direct_32f_I(qvr32f* srcDst, int numIters, const qvr64f* taps, int tapsLen, int upFactor,
+                                           int upPhase, int downFactor, int downPhase, qvr32f* dlyLine);
+
+/** @} */
+
+/**
+ * @defgroup firgen FIR design
+ *
+ * Windowed-sinc taps. Frequencies are fractions of the sampling rate. Taps are symmetric, so that the delay is
+ * (tapsLen - 1) / 2 samples at all frequencies; those of the high-pass with an even tapsLen are antisymmetric.
+ *
+ * - taps receives tapsLen doubles; at least 5.
+ * - windowType is one of the selectors below; with any other value no window is applied, and that is no error.
+ * - normalize: 0 leaves the gain as the formulas give it; any other value scales it to 1 at the reference frequency,
+ *   which is 0 for low-pass and band-stop, 0.5 for high-pass, and the middle of the band for band-pass.
+ * - Statuses in order: qvrErrNullPointer for taps; qvrErrBadSize for tapsLen below 5, for a frequency that is not
+ *   between 0 and 0.5, and for edges that do not rise; qvrErrNullPointer also if work memory cannot be had.
+ * @{
+ */
+
+/** Windows of the design functions, with W = 2 pi i / (tapsLen - 1). */
+enum {
+    qvrFirBartlett = 0, /**< rises from 0 to the centre in equal steps */
+    qvrFirBlackman = 1, /**< (a + 1) / 2 - 0.5 cos W - (a / 2) cos 2W, a = -(0.5 / cos(pi / (tapsLen - 1)))^2 */
+    qvrFirHamming = 2,  /**< 0.54 - 0.46 cos W */
+    qvrFirHann = 3      /**< 0.5 - 0.5 cos W */
+};
+
+/** Low-pass up to rFreq. */
+qvrStatus Morven_qvrsFIRGenLowpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rFreq);
+
+/** High-pass from rFreq on. */
+qvrStatus Morven_qvrsFIRGenHighpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rFreq);
+
+/** Band-pass from rLowFreq to rHighFreq, of which the first is the lower. */
+qvrStatus Morven_qvrsFIRGenBandpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rLowFreq,
+                                        qvr64f rHighFreq);
+
+/** Band-stop between rLowFreq and rHighFreq, of which the first is the lower. */
+qvrStatus Morven_qvrsFIRGenBandstop_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rLowFreq,
+                                        qvr64f rHighFreq);
+
+/** @} */
+
+/**
  * @defgroup median Median filter
  * @{
  */
