@@ -29,8 +29,16 @@ template<class Tap> constexpr Index firDirectLimit(Index taps)
     return (taps + kFirGroup<Tap> - 1) / kFirGroup<Tap> * kFirGroup<Tap> + 1;
 }
 
+// Runs up to this length go through the delay buffer too, where the limit is less: copying a few samples costs less
+// than the short stretches of outputs on both sides of a cut. On mx, where a sum depends on its window's address, none.
+constexpr Index kFirShortRun = kSlot == slotMx ? 0 : 256;
+
 // Zeros behind the newest sample in a delay buffer: a full vector of outputs may be computed for fewer wanted.
 constexpr int kFirSlack = kVecBytes / 4;
+constexpr Index firBuffered(Index limit)
+{
+    return limit > kFirShortRun ? limit : kFirShortRun;
+}
 
 // The type forms. Output: whether results are narrowed from the taps' type.
 struct Fir32f {
@@ -84,7 +92,11 @@ template<class T> QVR_INLINE void moveElements(const T* src, T* dst, Index n)
 }
 template<class T> QVR_INLINE void zeroElements(T* p, Index n)
 {
-    for (Index i = 0; i < n; i++)
+    using V = Full<T>;
+    Index i = 0;
+    for (; i + lanes<V> <= n; i += lanes<V>)
+        store(p + i, V{});
+    for (; i < n; i++)
         setElement(p, i, T{0});
 }
 

@@ -94,6 +94,8 @@ template<class T> inline void outputs(const T* x, T* y, Index n, const T* t, Ind
         step<kStep>(x + i, y + i, t, taps);
     for (; i + kStep / 2 * W <= n; i += kStep / 2 * W)
         step<kStep / 2>(x + i, y + i, t, taps);
+    for (; i + 2 * W <= n; i += 2 * W)
+        step<2>(x + i, y + i, t, taps);
     for (; i + W <= n; i += W)
         step<1>(x + i, y + i, t, taps);
     if (i == n)

@@ -52,7 +52,7 @@ inline void directRun(typename Form::State* state, const typename Form::Data* sr
         results = state->scratch;
     else
         results = dst;
-    if (c <= limit) {
+    if (c <= firBuffered(limit)) {
         widen(src, d + L, c);
         zeroElements(d + L + c, kFirSlack);
         firOutputs(d + 1, results, c, t, L, true);

@@ -122,7 +122,7 @@ qvrStatus create(typename Form::State** statePtr, const typename Form::Tap* taps
     const Index N = planned ? Index{1} << order : 0;
     const TapCopies copies = tapCopies<Tap>(L);
     const Index limit = firDirectLimit<Tap>(L);
-    const Index delay = 3 * L > L + limit + kFirSlack ? 3 * L : L + limit + kFirSlack;
+    const Index used = L + firBuffered(limit) + kFirSlack, delay = 3 * L > used ? 3 * L : used;
     const Index scratch = kFirScratch + (sizeof(Tap) == 8 ? 2 : 4) * threads;
 
     FirLayout layout = {sizeof(State)};
