@@ -2,7 +2,7 @@
 PREFIX ?= /usr/local
 ONLY ?=
 
-.PHONY: demo test fuzz bench install uninstall package docs
+.PHONY: demo test fuzz bench install uninstall package docs reproducible
 .DEFAULT_GOAL := demo
 
 demo:
@@ -41,3 +41,7 @@ package:
 # Reference pages and guides into build/docs/html.
 docs:
 	scripts/docs.sh
+
+# Two builds of the committed state must give the same bytes.
+reproducible:
+	scripts/reproducible.sh

@@ -17,6 +17,7 @@
 #include "common/axes.h"
 #include "common/cli.h"
 #include "common/picture.h"
+#include "common/signal.h"
 
 enum { kMinOrder = 6, kMaxOrder = 16 };
 enum { kMaxWidth = 1200, kMinWidth = 480, kMaxHeight = 512 };
@@ -39,21 +40,6 @@ typedef struct {
     double overlap; // share of a frame that the next one repeats
     double range;   // decibels below full scale that are told apart
 } Settings;
-
-static void check(qvrStatus status, const char* call)
-{
-    if (status != qvrOk)
-        fail("%s returned status %d", call, (int)status);
-}
-#define CHECK(call) check(call, #call)
-
-static void* allocate(int64_t bytes)
-{
-    void* block = bytes <= INT32_MAX ? Morven_qvrsMalloc_8u((int)bytes) : NULL;
-    if (block == NULL)
-        fail("out of memory");
-    return block;
-}
 
 // One transform length with its arrays.
 typedef struct {

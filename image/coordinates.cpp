@@ -141,10 +141,11 @@ void fillTaps(const qvrResizeAxis* axis, int32_t method, int32_t* start, T* weig
 
 // ---- Low pass -------------------------------------------------------------------------------------------------------
 
-double sinc(double t)
+// sinc(t) sinc(t / 3) by one sine, for sin 3x = sin x (3 - 4 sin^2 x).
+double lanczosKernel(double t)
 {
-    const double x = M_PI * t;
-    return sin(x) / x;
+    const double x = M_PI / kLobes * t, s = sin(x);
+    return s * s * (3 - 4 * s * s) / (kLobes * x * x);
 }
 double lowPassKernel(int32_t method, double t)
 {
@@ -152,7 +153,7 @@ double lowPassKernel(int32_t method, double t)
         return t < 1 ? 1 - t : 0;
     if (method != qvriInterLanczos)
         return cubicWeight(method, t);
-    return t == 0 ? 1 : t < kLobes ? sinc(t) * sinc(t / kLobes) : 0;
+    return t == 0 ? 1 : t < kLobes ? lanczosKernel(t) : 0;
 }
 
 double lowPassReach(const qvrResizeAxis* axis, int32_t method)
@@ -213,6 +214,17 @@ void qvrLowPassSum(qvrLowPassTaps* taps, int32_t method)
     taps->sum = 0;
     for (int64_t j = taps->first; j <= taps->last; j++)
         taps->sum += qvrLowPassWeight(taps, method, j);
+}
+
+void qvrLowPassFill(qvrLowPassTaps* taps, int32_t method, double* weights)
+{
+    taps->sum = 0;
+    for (int64_t j = taps->first; j <= taps->last; j++) {
+        weights[j - taps->first] = qvrLowPassWeight(taps, method, j);
+        taps->sum += weights[j - taps->first];
+    }
+    for (int64_t j = taps->first; j <= taps->last; j++)
+        weights[j - taps->first] /= taps->sum;
 }
 
 int qvrIsBlockAxis(const qvrResizeAxis* axis)

@@ -90,6 +90,8 @@ QVR_HIDDEN int64_t qvrLowPassCount(const qvrResizeAxis* axis, int32_t method); /
 QVR_HIDDEN void qvrLowPassRange(const qvrResizeAxis* axis, int32_t method, int64_t d, qvrLowPassTaps* taps);
 QVR_HIDDEN double qvrLowPassWeight(const qvrLowPassTaps* taps, int32_t method, int64_t j);
 QVR_HIDDEN void qvrLowPassSum(qvrLowPassTaps* taps, int32_t method);
+// The same with all weights, divided by their sum; there must be room for last - first + 1.
+QVR_HIDDEN void qvrLowPassFill(qvrLowPassTaps* taps, int32_t method, double* weights);
 
 // Supersampling along an axis: position d covers `lead` of pixel `start`, then `whole` pixels, then `tail` of the next.
 // With blocks set the ratio and the start are whole numbers, and every position is a block of `whole` pixels.

@@ -5,8 +5,8 @@
 // 1e-7 is left out. Each row and column starts from its own position, so nothing is carried from one output to the
 // next.
 //
-// Indices outside the image stand for its edge pixel. The line is as long as the buffer allows; outputs that together
-// need more are done in groups, and an output that needs more alone is added up in pieces.
+// The outputs of a row go in strips whose columns are worked out once for all rows. Indices outside the image stand for
+// its edge pixel. The line is as long as the buffer allows; an output that needs more is added up in pieces.
 #include "image/kernels.h"
 
 namespace {
@@ -14,11 +14,22 @@ namespace {
 // Rows of bytes that 16-bit sums hold.
 constexpr Index kRowsIn16 = 257;
 
+// Outputs of a strip: their columns take 8 KiB of the stack.
+constexpr Index kStrip = 320;
+
 template<class T> struct LineOf {
     using type = float;
 };
 template<> struct LineOf<double> {
     using type = double;
+};
+
+// Columns of a strip, relative to the line's first pixel.
+struct Strip {
+    Index from, to;   // outputs
+    Index base, span; // pixels of the line
+    double lead[kStrip], tail[kStrip];
+    int32_t start[kStrip], whole[kStrip];
 };
 
 template<class T> struct Super {
@@ -30,110 +41,115 @@ template<class T> struct Super {
     qvrCover rows; // of the output row at hand
 };
 
+QVR_INLINE Index wholeAt(const qvrCover& c, int blocks)
+{
+    return c.start + (blocks ? 0 : 1);
+}
+QVR_INLINE Index endOf(const qvrCover& c, int blocks)
+{
+    return wholeAt(c, blocks) + c.whole + (c.tail > 0 ? 1 : 0);
+}
+
 // ---- Down the columns -----------------------------------------------------------------------------------------------
 
-// line[i] += src[i] * cover in double, rounded once to the line's type.
-template<class A, class T> QVR_INLINE void addPart(const T* src, A* line, Index n, double cover)
+// The rows of an output row: parts in their order, then whole rows between them.
+struct RowSet {
+    const char *lead, *tail; // null: left out
+    const char* whole;
+    Index step, count;
+    double leadCover, tailCover;
+};
+
+// Bytes: whole rows in 16 bits, parts in single, whose products are off by less than 2^-16.
+template<class V> QVR_INLINE void sumByteBlock(const RowSet& r, Index i, float* line, V)
 {
-    constexpr int N = kLanes<float>;
-    Index i = 0;
-    const auto step = [&]<class V>(V, Index at) {
-        const auto s = convert<double>(load<Vec<T, lanes<V>>>(src + at));
-        const auto sum = convert<double>(load<V>(line + at)) + s * cover;
-        store(line + at, convert<A>(sum));
+    constexpr int W = lanes<V>;
+    using F = Vec<float, W>;
+    const auto pixels = [&](const char* row) {
+        return convert<float>(convert<int32_t>(load<Vec<uint8_t, W>>(row + i)));
     };
-    for (; i + N <= n; i += N)
-        step(Vec<A, N>{}, i);
-    for (; i < n; i++)
-        step(Vec<A, 1>{}, i);
+    F sum = {};
+    if (r.lead)
+        sum = pixels(r.lead) * static_cast<float>(r.leadCover);
+    const char* p = r.whole + i;
+    for (Index left = r.count; left > 0;) {
+        const Index rows = left < kRowsIn16 ? left : kRowsIn16;
+        Vec<uint16_t, W> words = {};
+        for (Index k = 0; k < rows; k++, p += r.step)
+            words += convert<uint16_t>(load<Vec<uint8_t, W>>(p));
+        sum += convert<float>(convert<int32_t>(words));
+        left -= rows;
+    }
+    if (r.tail)
+        sum = fma(pixels(r.tail), splat<F>(static_cast<float>(r.tailCover)), sum);
+    store(line + i, sum);
 }
-// Bytes in single: the products are off by less than 2^-16.
-QVR_INLINE void addPart(const uint8_t* src, float* line, Index n, double cover)
+// Singles and doubles: parts by products in double, rounded to the line's type.
+template<class A, class V> QVR_INLINE void sumBlock(const RowSet& r, Index i, A* line, V)
 {
-    constexpr int N = 2 * kLanes<float>;
-    const float part = static_cast<float>(cover);
-    const auto step = [&]<class V>(V, Index at) {
-        const auto s = convert<float>(convert<int32_t>(load<Vec<uint8_t, lanes<V>>>(src + at)));
-        store(line + at, fma(s, splat<V>(part), load<V>(line + at)));
+    const auto part = [&](const char* row, double cover) {
+        return convert<double>(load<V>(reinterpret_cast<const A*>(row) + i)) * cover;
+    };
+    V sum = {};
+    if (r.lead)
+        sum = convert<A>(part(r.lead, r.leadCover));
+    const A* p = reinterpret_cast<const A*>(r.whole) + i;
+    for (Index k = 0; k < r.count; k++, p = reinterpret_cast<const A*>(reinterpret_cast<const char*>(p) + r.step))
+        sum += load<V>(p);
+    if (r.tail)
+        sum = convert<A>(convert<double>(sum) + part(r.tail, r.tailCover));
+    store(line + i, sum);
+}
+template<class T, class A> QVR_INLINE void sumRows(const RowSet& r, A* line, Index n)
+{
+    constexpr int N = sizeof(A) == 4 ? (kAvx2 ? 32 : 16) : 2 * kLanes<A>;
+    const auto block = [&]<class V>(V lanesOf, Index i) {
+        if constexpr (sizeof(T) == 1)
+            sumByteBlock(r, i, line, lanesOf);
+        else
+            sumBlock(r, i, line, lanesOf);
     };
     Index i = 0;
     for (; i + N <= n; i += N)
-        step(Vec<float, N>{}, i);
+        block(Vec<A, N>{}, i);
+    for (; i + 8 <= n; i += 8)
+        block(Vec<A, 8>{}, i);
     for (; i < n; i++)
-        step(Vec<float, 1>{}, i);
+        block(Vec<A, 1>{}, i);
 }
 
-template<class A> QVR_INLINE void addRow(const A* src, A* line, Index n)
+// line[i] += src[i] * times: rows outside the image, which are its edge rows so many times.
+template<class T, class A> void addOutside(const T* src, Index times, A* line, Index n)
 {
-    constexpr int N = 2 * kLanes<A>;
-    Index i = 0;
-    for (; i + N <= n; i += N)
-        store(line + i, load<Vec<A, N>>(line + i) + load<Vec<A, N>>(src + i));
-    for (; i < n; i++)
-        store(line + i, load<Vec<A, 1>>(line + i) + load<Vec<A, 1>>(src + i));
-}
-
-// Whole rows of bytes y .. y + count - 1 inside the image, by 16-bit sums of up to 257 of them.
-void addWholeRows(const Super<uint8_t>& s, Index offset, Index y, Index count, float* line, Index n)
-{
-    constexpr int N = kAvx2 ? 32 : 16;
-    while (count > 0) {
-        const Index rows = count < kRowsIn16 ? count : kRowsIn16;
-        const uint8_t* const first = reinterpret_cast<const uint8_t*>(sourceRow(s.band, y)) + offset;
-        const Index step = s.band->srcStep;
-        const auto block = [&]<class V>(V, Index i) {
-            constexpr int W = lanes<V>;
-            Vec<uint16_t, W> sum = {};
-            const uint8_t* p = first + i;
-            for (Index r = 0; r < rows; r++, p += step)
-                sum += convert<uint16_t>(load<V>(p));
-            using F = Vec<float, W>;
-            store(line + i, load<F>(line + i) + convert<float>(convert<int32_t>(sum)));
-        };
-        Index i = 0;
-        for (; i + N <= n; i += N)
-            block(Vec<uint8_t, N>{}, i);
-        for (; i < n; i++)
-            block(Vec<uint8_t, 1>{}, i);
-        y += rows;
-        count -= rows;
+    for (Index i = 0; i < n; i++) {
+        const auto pixel = convert<double>(load<Vec<T, 1>>(src + i)) * static_cast<double>(times);
+        store(line + i, convert<A>(convert<double>(load<Vec<A, 1>>(line + i)) + pixel));
     }
 }
-template<class T>
-void addWholeRows(const Super<T>& s, Index offset, Index y, Index count, typename Super<T>::A* line, Index n)
-{
-    for (Index r = 0; r < count; r++)
-        addRow(reinterpret_cast<const T*>(sourceRow(s.band, y + r)) + offset, line, n);
-}
 
-// The vertical sums of the elements `offset` .. `offset + n - 1` of a row.
+// The vertical sums of the elements offset .. offset + n - 1 of a row.
 template<class T> void sumColumns(const Super<T>& s, Index offset, typename Super<T>::A* line, Index n)
 {
-    using A = typename Super<T>::A;
     const Index height = s.band->y.length;
     const qvrCover& c = s.rows;
     const auto row = [&](Index y) {
-        return reinterpret_cast<const T*>(sourceRow(s.band, clampIndex(y, height))) + offset;
+        return sourceRow(s.band, clampIndex(y, height)) + offset * static_cast<Index>(sizeof(T));
     };
-    for (Index i = 0; i < n; i++)
-        line[i] = A(0);
-    if (c.lead > 0)
-        addPart(row(c.start), line, n, c.lead);
-    // Whole rows: how many of them lie before the image, inside and behind.
-    Index y = c.start + (s.blocks ? 0 : 1), left = c.whole;
-    const Index before = y < 0 ? (-y < left ? -y : left) : 0;
+    const Index first = wholeAt(c, s.blocks), end = first + c.whole;
+    const Index from = first < 0 ? (end < 0 ? end : 0) : first, to = end < height ? end : height;
+    const RowSet r = {c.lead > 0 ? row(c.start) : nullptr,
+                      c.tail > 0 ? row(end) : nullptr,
+                      row(from),
+                      s.band->srcStep,
+                      to > from ? to - from : 0,
+                      c.lead,
+                      c.tail};
+    sumRows<T>(r, line, n);
+    const Index before = from - first, behind = c.whole - before - r.count;
     if (before > 0)
-        addPart(row(-1), line, n, static_cast<double>(before));
-    y += before;
-    left -= before;
-    const Index inside = y < height ? (height - y < left ? height - y : left) : 0;
-    addWholeRows(s, offset, y, inside, line, n);
-    y += inside;
-    left -= inside;
-    if (left > 0)
-        addPart(row(height), line, n, static_cast<double>(left));
-    if (c.tail > 0)
-        addPart(row(y + left), line, n, c.tail);
+        addOutside(reinterpret_cast<const T*>(row(0)), before, line, n);
+    if (behind > 0)
+        addOutside(reinterpret_cast<const T*>(row(height)), behind, line, n);
 }
 
 // The line for the source pixels from .. from + n - 1, of which those outside the image repeat its edge.
@@ -155,79 +171,81 @@ template<class T, int NC> void makeLine(const Super<T>& s, Index from, Index n)
 
 // ---- Along the line -------------------------------------------------------------------------------------------------
 
-template<class A, int NC> QVR_INLINE Vec<A, NC> addWeighted(Vec<A, NC> sum, Vec<A, NC> pixel, double cover)
+// sum + pixel * cover; of singles by double products, but for bytes, where singles are near enough.
+template<class T, class V> QVR_INLINE V addPart(V sum, V pixel, double cover)
 {
-    return convert<A>(convert<double>(sum) + convert<double>(pixel) * cover);
+    if constexpr (sizeof(T) == 1)
+        return fma(pixel, splat<V>(static_cast<float>(cover)), sum);
+    else
+        return convert<Elem<V>>(convert<double>(sum) + convert<double>(pixel) * cover);
 }
 
-// Pixels from .. to of an output that are in the line, whose first is pixel `base`.
-template<class A, int NC>
-QVR_INLINE Vec<A, NC> addPixels(Vec<A, NC> sum, const A* line, Index base, const qvrCover& c, Index wholeAt, Index from,
-                                Index to)
-{
-    using P = Vec<A, NC>;
-    const auto at = [&](Index j) { return load<P>(line + (j - base) * NC); };
-    if (c.lead > 0 && c.start >= from && c.start < to)
-        sum = addWeighted<A, NC>(sum, at(c.start), c.lead);
-    const Index tailAt = wholeAt + c.whole;
-    const Index first = wholeAt > from ? wholeAt : from, end = tailAt < to ? tailAt : to;
-    for (Index j = first; j < end; j++)
-        sum += at(j);
-    if (c.tail > 0 && tailAt >= from && tailAt < to)
-        sum = addWeighted<A, NC>(sum, at(tailAt), c.tail);
-    return sum;
-}
-
-template<class T, class A, int NC> QVR_INLINE void putOutput(T* dst, Vec<A, NC> sum, double area)
+template<class T, class P> QVR_INLINE void putOutput(T* dst, P sum, double area)
 {
     const auto product = convert<double>(sum) * area;
     if constexpr (sizeof(T) == 1)
         store(dst, packBytes(toIntTruncate(product + 0.5)));
     else
-        store(dst, convert<A>(product));
+        store(dst, convert<Elem<P>>(product));
 }
 
-template<class T, int NC> void superRow(Super<T>& s, T* dst)
+// An output longer than the line.
+template<class T, int NC> void longOutput(const Super<T>& s, const qvrCover& c, T* dst)
 {
-    using A = typename Super<T>::A;
+    using P = Vec<typename Super<T>::A, NC>;
+    const Index first = wholeAt(c, s.blocks), tailAt = first + c.whole, end = endOf(c, s.blocks);
+    P sum = {};
+    for (Index from = c.start; from < end; from += s.room) {
+        const Index to = end - from < s.room ? end : from + s.room;
+        makeLine<T, NC>(s, from, to - from);
+        for (Index j = from; j < to; j++) {
+            const P pixel = load<P>(s.line + (j - from) * NC);
+            if (j >= first && j < tailAt)
+                sum += pixel;
+            else
+                sum = addPart<T>(sum, pixel, j < first ? c.lead : c.tail);
+        }
+    }
+    putOutput(dst, sum, s.band->superArea);
+}
+
+template<class T, int NC> void stripOutputs(const Super<T>& s, const Strip& strip, T* dst)
+{
+    using P = Vec<typename Super<T>::A, NC>;
+    for (Index x = 0; x < strip.to - strip.from; x++) {
+        const auto* p = s.line + Index{strip.start[x]} * NC;
+        P sum = {};
+        if (!s.blocks) {
+            if (strip.lead[x] > 0)
+                sum = addPart<T>(sum, load<P>(p), strip.lead[x]);
+            p += NC;
+        }
+        for (int j = strip.whole[x]; j > 0; j--, p += NC)
+            sum += load<P>(p);
+        if (strip.tail[x] > 0)
+            sum = addPart<T>(sum, load<P>(p), strip.tail[x]);
+        putOutput(dst + x * NC, sum, s.band->superArea);
+    }
+}
+
+// The strip from output `from` on, as far as columns and line reach; empty if not even one output fits.
+template<class T> void makeStrip(const Super<T>& s, Index from, Strip& strip)
+{
     const qvrResizeBand* const b = s.band;
-    const auto coverAt = [&](Index x) {
+    strip.from = strip.to = from;
+    for (; strip.to < b->x.count && strip.to - from < kStrip; strip.to++) {
         qvrCover c;
-        qvrCoverOf(&b->x, s.blocks, b->x.first + x, &c);
-        return c;
-    };
-    const auto wholeAt = [&](const qvrCover& c) { return c.start + (s.blocks ? 0 : 1); };
-    const auto endOf = [&](const qvrCover& c) { return wholeAt(c) + c.whole + (c.tail > 0 ? 1 : 0); };
-    Index x = 0;
-    while (x < b->x.count) {
-        const qvrCover first = coverAt(x);
-        if (endOf(first) - first.start > s.room) {
-            Vec<A, NC> sum = {};
-            for (Index from = first.start; from < endOf(first); from += s.room) {
-                const Index to = endOf(first) < from + s.room ? endOf(first) : from + s.room;
-                makeLine<T, NC>(s, from, to - from);
-                sum = addPixels<A, NC>(sum, s.line, from, first, wholeAt(first), from, to);
-            }
-            putOutput<T, A, NC>(dst + x * NC, sum, b->superArea);
-            x++;
-            continue;
-        }
-        Index end = x + 1;
-        Index reach = endOf(first);
-        while (end < b->x.count) {
-            const Index next = endOf(coverAt(end));
-            if (next - first.start > s.room)
-                break;
-            reach = next;
-            end++;
-        }
-        makeLine<T, NC>(s, first.start, reach - first.start);
-        for (; x < end; x++) {
-            const qvrCover c = coverAt(x);
-            const Vec<A, NC> sum =
-                addPixels<A, NC>(Vec<A, NC>{}, s.line, first.start, c, wholeAt(c), first.start, reach);
-            putOutput<T, A, NC>(dst + x * NC, sum, b->superArea);
-        }
+        qvrCoverOf(&b->x, s.blocks, b->x.first + strip.to, &c);
+        if (strip.to == from)
+            strip.base = c.start;
+        const Index span = endOf(c, s.blocks) - strip.base, x = strip.to - from;
+        if (span > s.room)
+            break;
+        strip.span = span;
+        strip.start[x] = static_cast<int32_t>(c.start - strip.base);
+        strip.whole[x] = static_cast<int32_t>(c.whole);
+        strip.lead[x] = c.lead;
+        strip.tail[x] = c.tail;
     }
 }
 
@@ -240,9 +258,27 @@ template<class T, int NC> void superBand(const qvrResizeBand* b)
     s.line = carver.take<A>(0, 16);
     s.room = (carver.end - carver.at) / static_cast<Index>(sizeof(A)) / NC;
     s.blocks = qvrIsBlockAxis(&b->x) && qvrIsBlockAxis(&b->wholeY);
-    for (Index n = 0; n < b->y.count; n++) {
+    const Index width = b->x.count;
+    const auto output = [&](Index n, Index x) {
         qvrCoverOf(&b->wholeY, s.blocks, b->y.first + n, &s.rows);
-        superRow<T, NC>(s, reinterpret_cast<T*>(outputRow(b, n, NC * static_cast<Index>(sizeof(T)))));
+        return reinterpret_cast<T*>(outputRow(b, n, NC * static_cast<Index>(sizeof(T)))) + x * NC;
+    };
+    Strip strip;
+    for (Index x = 0; x < width; x = strip.to) {
+        makeStrip(s, x, strip);
+        if (strip.to == x) {
+            qvrCover c;
+            qvrCoverOf(&b->x, s.blocks, b->x.first + x, &c);
+            for (Index n = 0; n < b->y.count; n++)
+                longOutput<T, NC>(s, c, output(n, x));
+            strip.to++;
+        } else {
+            for (Index n = 0; n < b->y.count; n++) {
+                T* const dst = output(n, x);
+                makeLine<T, NC>(s, strip.base, strip.span);
+                stripOutputs<T, NC>(s, strip, dst);
+            }
+        }
     }
 }
 

@@ -98,6 +98,9 @@ double errorBound(int n)
     return 0x1p-24 * (std::sqrt(std::log2(n)) + 1) * (smallFactors(n) ? 1.5 : 4);
 }
 
+// Longer ones go through once.
+constexpr int kEveryFormMost = 1400;
+
 std::vector<int> lengths()
 {
     std::vector<int> v;
@@ -107,8 +110,7 @@ std::vector<int> lengths()
                   539, 576, 625, 768, 800, 998, 999, 1000, 1001, 1009, 1024, 1155, 1369})
         v.push_back(n);
     if (!slots::simulatedSlot())
-        v.insert(v.end(), {2 * 73 * 71, 2018, 4095, 4096, 5041, 6000, 8191, 10000, 16384, 44100, 65536, 65537, 99225,
-                           131072, 524288});
+        v.insert(v.end(), {2 * 73 * 71, 2018, 4095, 4096, 5041, 6000, 8191, 10000, 16384, 44100, 65537, 131072});
     return v;
 }
 
@@ -123,12 +125,14 @@ TEST(AnyLength, Complex)
         const std::vector<Bin> there = exactDft(in, -1), back = exactDft(in, 1);
         eachSlot([&](int slot) {
             for (int flag : {qvrFftDivInvByN, qvrFftNoDiv, qvrFftDivFwdByN}) {
+                if (n > kEveryFormMost && flag != qvrFftDivInvByN)
+                    continue;
                 qvrsDFTSpec* spec = nullptr;
                 ASSERT_EQ(kInitComplex[slot](&spec, n, flag, 0), qvrOk) << n;
                 int32_t need = -1;
                 ASSERT_EQ(kSizeComplex[slot](spec, &need), qvrOk);
                 Guarded a(bytes + 64), b(bytes + 64), work(static_cast<size_t>(need) + 64);
-                for (int form = 0; form < 4; form++) {
+                for (int form = 0; form < (n > kEveryFormMost ? 1 : 4); form++) {
                     const size_t offset = form == 0 ? 0 : 4;
                     float *src = a.atEnd<float>(bytes, offset), *dst = form == 2 ? src : b.atEnd<float>(bytes, offset);
                     uint8_t* buffer =
@@ -161,12 +165,14 @@ TEST(AnyLength, Real)
         const std::vector<Bin> want = exactDft(std::vector<Bin>(x.begin(), x.end()), -1);
         eachSlot([&](int slot) {
             for (int flag : {qvrFftDivFwdByN, qvrFftNoDiv}) {
+                if (n > kEveryFormMost && flag != qvrFftNoDiv)
+                    continue;
                 qvrsDFTSpec* spec = nullptr;
                 ASSERT_EQ(kInitReal[slot](&spec, n, flag, 0), qvrOk) << n;
                 int32_t need = -1;
                 ASSERT_EQ(kSizeReal[slot](spec, &need), qvrOk);
                 Guarded a(out + 64), b(out + 64), work(static_cast<size_t>(need) + 64);
-                for (int form = 0; form < 3; form++) {
+                for (int form = 0; form < (n > kEveryFormMost ? 1 : 3); form++) {
                     const size_t offset = form == 0 ? 0 : 4;
                     float *src = a.atEnd<float>(form == 2 ? out : in, offset),
                           *dst = form == 2 ? src : b.atEnd<float>(out, offset);
