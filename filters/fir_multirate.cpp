@@ -209,8 +209,8 @@ qvrStatus multiRate(typename Form::State* state, const typename Form::Data* src,
             moveElements(scratch, dst + U * i, U * count);
         }
     } else {
-        const Index bytes = D * n * static_cast<Index>(sizeof(Data));
-        Data* copy = bytes <= INT32_MAX ? reinterpret_cast<Data*>(allocate<uint8_t>(static_cast<int>(bytes))) : nullptr;
+        const Index bytes = static_cast<Index>(sizeof(Data)), fits = D * n <= INT32_MAX / bytes ? D * n * bytes : 0;
+        Data* copy = reinterpret_cast<Data*>(allocate<uint8_t>(static_cast<int>(fits)));
         if (copy == nullptr)
             return qvrErrNoMemory;
         moveElements(src, copy, D * n);

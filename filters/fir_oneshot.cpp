@@ -109,21 +109,35 @@ template<int G> QVR_INLINE void foldedSums(const double* w, Index stride, const 
             r[i] += h[m] * w[i * stride + m];
 }
 
+// Sums to outputs of the caller's type.
 struct Narrow {
-    QVR_INLINE void operator()(double y, float* dst, Index i) const
-    {
-        setElement(dst, i, narrowed(Vec<double, 1>{y})[0]);
-    }
+    template<class V> QVR_INLINE Vec<float, lanes<V>> operator()(V y) const { return narrowed(y); }
 };
 struct ScaledTo16 {
     float factor;
-    QVR_INLINE void operator()(float y, int16_t* dst, Index i) const
+    // Scaled in single precision, rounded by a half in double.
+    template<class V> QVR_INLINE Vec<int16_t, lanes<V>> operator()(V y) const
     {
-        // Scaled in single precision, rounded by a half in double.
-        const double v = static_cast<double>(y * factor);
-        setElement(dst, i, roundedTo16(Vec<double, 2>{v, v})[0]);
+        return roundedTo16(convert<double>(y * factor));
     }
 };
+
+// A few sums to outputs that stand `stride` apart.
+template<class V, class Data, class Finish> QVR_INLINE void put(V y, Data* dst, Index stride, const Finish& finish)
+{
+    const auto out = finish(y);
+    if (stride == 1) {
+        store(dst, out);
+        return;
+    }
+#pragma unroll
+    for (int i = 0; i < lanes<V>; i++)
+        setElement(dst, i * stride, out[i]);
+}
+template<class Tap, class Data, class Finish> QVR_INLINE void putOne(Tap y, Data* dst, const Finish& finish)
+{
+    setElement(dst, 0, finish(Vec<Tap, 2>{y, y})[0]);
+}
 
 QVR_INLINE void widenBlock(const float* src, double* dst, Index n)
 {
@@ -144,9 +158,9 @@ template<class Tap, class Data> void layOutSamples(const Data* src, const Data* 
         widenBlock(src + from + i, w + i, n - i);
 }
 
-template<class Tap, class Data, class Store>
+template<class Tap, class Data, class Finish>
 void runBlocks(const Data* src, Data* dst, Index outputs, const Tap* taps, const Rate& rate, const Data* dlyLine,
-               const Store& put)
+               const Finish& finish)
 {
     Tap w[kBlockSamples], h[kPhaseTaps];
     const Index periods = (kBlockSamples - rate.K) / rate.periodAdvance, most = periods * rate.period;
@@ -164,33 +178,31 @@ void runBlocks(const Data* src, Data* dst, Index outputs, const Tap* taps, const
             for (; i + 3 * rate.period < count; i += 4 * rate.period) {
                 Tap y[4];
                 foldedSums<4>(x, rate.periodAdvance, h, n, y);
-                for (int j = 0; j < 4; j++)
-                    put(y[j], dst, o + i + j * rate.period);
+                put(load<Vec<Tap, 4>>(y), dst + o + i, rate.period, finish);
                 x += 4 * rate.periodAdvance;
             }
             for (; i < count; i += rate.period) {
                 Tap y;
                 foldedSums<1>(x, 0, h, n, &y);
-                put(y, dst, o + i);
+                putOne(y, dst + o + i, finish);
                 x += rate.periodAdvance;
             }
         }
     }
 }
 
-template<class Tap, class Data, class Store>
+template<class Tap, class Data, class Finish>
 void runInPieces(const Data* src, Data* dst, Index outputs, const Tap* taps, const Rate& rate, const Data* dlyLine,
-                 const Store& put)
+                 const Finish& finish)
 {
     for (Index o = 0; o < outputs; o++) {
         const Place place = placeOf(rate, o);
-        put(orderedSum<Tap>(rate.tapsOf(place.q),
-                            [&](Index m) {
-                                const Index k = place.k - m;
-                                const Data x = k < 0 ? elementOf(dlyLine, -1 - k) : elementOf(src, k);
-                                return static_cast<Tap>(x) * elementOf(taps, place.q + m * rate.U);
-                            }),
-            dst, o);
+        const Tap y = orderedSum<Tap>(rate.tapsOf(place.q), [&](Index m) {
+            const Index k = place.k - m;
+            const Data x = k < 0 ? elementOf(dlyLine, -1 - k) : elementOf(src, k);
+            return static_cast<Tap>(x) * elementOf(taps, place.q + m * rate.U);
+        });
+        putOne(y, dst + o, finish);
     }
 }
 
@@ -223,9 +235,9 @@ qvrStatus checkCall(const Data* src, const Data* dst, int numIters, const void* 
     return dlyLine == nullptr ? qvrErrNullPointer : qvrOk;
 }
 
-template<class Tap, class Data, class Store>
+template<class Tap, class Data, class Finish>
 qvrStatus oneShot(const Data* src, Data* dst, int numIters, const Tap* taps, int tapsLen, int upFactor, int upPhase,
-                  int downFactor, int downPhase, Data* dlyLine, const Store& put)
+                  int downFactor, int downPhase, Data* dlyLine, const Finish& finish)
 {
     if (const qvrStatus status = checkCall(src, dst, numIters, taps, tapsLen, upFactor, upPhase, downFactor, downPhase,
                                            static_cast<const Data*>(dlyLine)))
@@ -234,9 +246,9 @@ qvrStatus oneShot(const Data* src, Data* dst, int numIters, const Tap* taps, int
     const Rate rate = {tapsLen, U, upPhase, D, downPhase, a, b, a + (b != 0 ? 1 : 0), U / common, D / common};
     const Index outputs = numIters * U;
     if (rate.K <= kPhaseTaps && rate.periodAdvance <= kBlockSamples - kPhaseTaps)
-        runBlocks(src, dst, outputs, taps, rate, dlyLine, put);
+        runBlocks(src, dst, outputs, taps, rate, dlyLine, finish);
     else
-        runInPieces(src, dst, outputs, taps, rate, dlyLine, put);
+        runInPieces(src, dst, outputs, taps, rate, dlyLine, finish);
     advanceDelay(src, numIters * D, dlyLine, rate.K);
     return qvrOk;
 }
@@ -265,8 +277,8 @@ qvrStatus SLOT(qvrsFIRMR64f_Direct_32f_I)(qvr32f* srcDst, int numIters, const qv
     if (const qvrStatus status = checkCall<float>(srcDst, srcDst, numIters, taps, tapsLen, upFactor, upPhase,
                                                   downFactor, downPhase, dlyLine))
         return status;
-    const Index inputs = Index{numIters} * downFactor, bytes = inputs * 4;
-    float* copy = bytes <= INT32_MAX ? allocate<float>(static_cast<int>(inputs)) : nullptr;
+    const Index inputs = Index{numIters} * downFactor;
+    float* copy = inputs <= INT32_MAX / 4 ? allocate<float>(static_cast<int>(inputs)) : nullptr;
     if (copy == nullptr)
         return qvrErrNoMemory;
     moveElements(srcDst, copy, inputs);

@@ -69,9 +69,9 @@ EXAMPLE(qvrsFIRGetTaps_32f)
     const qvr32f taps[] = {0.5, 0.25, 0.25};
     qvrsFIRState_32f* state;
     Morven_qvrsFIRInitAlloc_32f(&state, taps, 3, NULL);
-    qvr32f got[3];
-    Morven_qvrsFIRGetTaps_32f(state, got);
-    EXPECT(got, 0.5, 0.25, 0.25);
+    qvr32f stored[3];
+    Morven_qvrsFIRGetTaps_32f(state, stored);
+    EXPECT(stored, 0.5, 0.25, 0.25);
     Morven_qvrsFIRFree_32f(state);
 }
 
