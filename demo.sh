@@ -51,6 +51,19 @@ build/examples/filter --pass 0,1000 --kind chebyshev --order 6 --picture build/d
     --out build/demo/filter-chebyshev.wav "$sound"
 
 echo
+echo "findsound: a piece of the recording looked for in the effects' output, where its echo follows it"
+build/examples/findsound --cut 0.1,0.5 --out build/demo/findsound.png "$sound" build/demo/effects-even.wav
+
+echo
+echo "denoise: noise added, and taken out again by wavelets"
+build/examples/denoise --noise -35 --out build/demo/denoise "$sound"
+
+echo
+echo "analytic: envelope and instantaneous frequency of the whole recording, by its Hilbert transform"
+build/examples/analytic --out build/demo/analytic.png "$sound"
+
+echo
 echo "Sounds are in build/demo; the program built through pkg-config wrote the same bytes as the one built through CMake."
-echo "The envelope is build/demo/statistics.png, the filters' responses are build/demo/filter.png and filter-chebyshev.png."
+echo "The envelope is build/demo/statistics.png, the filters' responses are filter.png and filter-chebyshev.png beside it; see"
+echo "findsound.png, denoise.png and analytic.png too."
 echo "Listen with: aplay build/demo/effects-even.wav"

@@ -178,7 +178,7 @@ template<int Lags> inline void dotProducts(const float* a, const float* b, Index
         }
     }
     for (int l = 0; l < Lags; l++)
-        sums[l] = total[l];
+        put(sums, l, total[l]);
 }
 
 } // namespace
