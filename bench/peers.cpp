@@ -13,6 +13,7 @@ QVR_PLAIN_TABLES(vector_fixed)
 QVR_PLAIN_TABLES(filters)
 QVR_PLAIN_TABLES(fourier)
 QVR_PLAIN_TABLES(elementary)
+QVR_PLAIN_TABLES(image)
 
 #define QVR_PLAIN_ROW(family)                                                                                          \
     {plain_##family##_mx, plain_##family##_m7, plain_##family##_u8, plain_##family##_n8,                               \
@@ -20,7 +21,7 @@ QVR_PLAIN_TABLES(elementary)
 
 namespace {
 const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(vector_fixed), QVR_PLAIN_ROW(filters),
-                                         QVR_PLAIN_ROW(fourier), QVR_PLAIN_ROW(elementary)};
+                                         QVR_PLAIN_ROW(fourier), QVR_PLAIN_ROW(elementary), QVR_PLAIN_ROW(image)};
 } // namespace
 
 #ifdef QVR_HAVE_EIGEN

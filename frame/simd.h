@@ -726,6 +726,42 @@ template<class V> QVR_INLINE V mulRounded(V a, V b)
         return bitcast<V>(_mm_mulhrs_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
 }
 
+// ---- Bytes ----------------------------------------------------------------------------------------------------------
+
+// Each lane of `from` picks a byte of its 16-byte block, or zero if its top bit is set. From SSSE3 on.
+template<class V> QVR_INLINE V shuffleBytes(V bytes, V from)
+{
+    static_assert(kSsse3 && sizeof(Elem<V>) == 1);
+    if constexpr (sizeof(V) > (kAvx2 ? 32 : 16))
+        return byHalves([](auto... x) { return shuffleBytes(x...); }, bytes, from);
+    else if constexpr (sizeof(V) == 32)
+        return bitcast<V>(_mm256_shuffle_epi8(bitcast<__m256i>(bytes), bitcast<__m256i>(from)));
+    else
+        return bitcast<V>(_mm_shuffle_epi8(bitcast<__m128i>(bytes), bitcast<__m128i>(from)));
+}
+
+// int32 to bytes, clamped to 0..255 by way of int16.
+template<class V> QVR_INLINE Vec<uint8_t, lanes<V>> packBytes(V v)
+{
+    static_assert(sizeof(Elem<V>) == 4);
+    using R = Vec<uint8_t, lanes<V>>;
+    if constexpr (lanes<V> == 32 && kAvx2) {
+        const auto pack16 = [](auto x) { return _mm256_packs_epi32(bitcast<__m256i>(lo(x)), bitcast<__m256i>(hi(x))); };
+        const __m256i blocks = _mm256_packus_epi16(pack16(lo(v)), pack16(hi(v)));
+        // Fours of bytes now stand in the order 0 2 4 6 | 1 3 5 7.
+        return bitcast<R>(_mm256_permutevar8x32_epi32(blocks, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
+    } else if constexpr (lanes<V> > 16) {
+        return concat(packBytes(lo(v)), packBytes(hi(v)));
+    } else {
+        const auto words = packSaturate(v);
+        if constexpr (lanes<V> == 16)
+            return bitcast<R>(_mm_packus_epi16(bitcast<__m128i>(lo(words)), bitcast<__m128i>(hi(words))));
+        else
+            return slice<0, lanes<V>>(bitcast<Vec<uint8_t, 16>>(
+                _mm_packus_epi16(bitcast<__m128i>(padTo16(words)), bitcast<__m128i>(padTo16(words)))));
+    }
+}
+
 // ---- Masks ----------------------------------------------------------------------------------------------------------
 
 // Nonzero if any lane of a comparison's result is true.

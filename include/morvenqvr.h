@@ -1232,6 +1232,214 @@ qvrStatus Morven_qvrsIIRGenHighpass_64f(int order, qvr64f* taps, int filterType,
 /** @} */
 
 /**
+ * @defgroup fir FIR filters
+ *
+ * y[n] = sum of taps[k] x[n - k] for k = 0 .. tapsLen - 1.
+ *
+ * A state belongs to the caller from creation to release, keeps its own copy of the taps and the newest samples, so that
+ * consecutive runs filter one continuous signal, and is used by one thread at a time. There are four kinds, by the type
+ * of the taps, in which all sums are made, and of the samples: 32f and 32f, 64f and 64f, 64f and 32f, 64f and 16s.
+ *
+ * Long filters. From 64 taps on a state also has a transform plan (with 64f taps from 32 on, on processors without
+ * SSSE3), and long runs go by overlap-save through blocks of 2 to 4 times tapsLen. Both paths give the same samples up
+ * to rounding and leave the same delay line. Out of place, and for 64f taps with 32f or 16s samples in place too, runs of
+ * 512 samples and more go through the transform. In place in one type a run is cut into chunks of 4096 samples, 4224 on
+ * processors with AVX, and a chunk goes through the transform if 512 samples or more follow it.
+ *
+ * Rounding. The order of the additions in a sum is not fixed, and products may be fused with additions. On one
+ * processor with SSE3 the direct path gives the same bits however a signal is cut into runs. A NaN or an infinity enters
+ * the outputs whose sums it belongs to; on the transform path it enters all outputs of its block.
+ *
+ * Threads. From 1601 samples on a run may use as many threads as the OpenMP runtime allowed when the library was loaded:
+ * on the transform path always, on the direct path but for the 32f form on processors with AVX. A state is made for the
+ * number of threads at its creation.
+ * @{
+ */
+
+/** A FIR filter with 32f taps for 32f samples. */
+typedef struct qvrsFIRState_32f qvrsFIRState_32f;
+/** A FIR filter with 64f taps for 64f samples. */
+typedef struct qvrsFIRState_64f qvrsFIRState_64f;
+/** A FIR filter with 64f taps for 32f samples. */
+typedef struct qvrsFIRState64f_32f qvrsFIRState64f_32f;
+/** A FIR filter with 64f taps for 16s samples. */
+typedef struct qvrsFIRState64f_16s qvrsFIRState64f_16s;
+
+/**
+ * Creates a FIR filter.
+ * @param statePtr receives the state; release it with Morven_qvrsFIRFree_32f
+ * @param taps tapsLen taps, which are copied
+ * @param tapsLen number of taps, at least 1
+ * @param dlyLine tapsLen past samples, the newest first: dlyLine[k] is x[-1 - k]; the last one influences no output. Null
+ *     for zeros
+ * @return qvrErrNullPointer for null statePtr or taps; qvrErrBadTapsLen; qvrErrNoMemory, also when the state would pass
+ *     2^31 - 1 bytes; here qvrErrNullPointer too when the transform plan cannot be had. After an error nothing stays
+ *     allocated, and *statePtr is not to be used
+ */
+qvrStatus Morven_qvrsFIRInitAlloc_32f(qvrsFIRState_32f** statePtr, const qvr32f* taps, int tapsLen,
+                                      const qvr32f* dlyLine);
+
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_32f; a plan that no transform is long enough for is left out. */
+qvrStatus Morven_qvrsFIRInitAlloc_64f(qvrsFIRState_64f** statePtr, const qvr64f* taps, int tapsLen,
+                                      const qvr64f* dlyLine);
+
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f. */
+qvrStatus Morven_qvrsFIRInitAlloc64f_32f(qvrsFIRState64f_32f** statePtr, const qvr64f* taps, int tapsLen,
+                                         const qvr32f* dlyLine);
+
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f. */
+qvrStatus Morven_qvrsFIRInitAlloc64f_16s(qvrsFIRState64f_16s** statePtr, const qvr64f* taps, int tapsLen,
+                                         const qvr16s* dlyLine);
+
+/** Releases a FIR filter. @return qvrErrNullPointer; qvrErrBadContext for an object of another kind */
+qvrStatus Morven_qvrsFIRFree_32f(qvrsFIRState_32f* state);
+/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+qvrStatus Morven_qvrsFIRFree_64f(qvrsFIRState_64f* state);
+/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+qvrStatus Morven_qvrsFIRFree64f_32f(qvrsFIRState64f_32f* state);
+/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+qvrStatus Morven_qvrsFIRFree64f_16s(qvrsFIRState64f_16s* state);
+
+/**
+ * Filters numIters samples.
+ * @param src samples
+ * @param dst results; may be src
+ * @param numIters samples, at least 1
+ * @param state the filter, whose delay line is carried on
+ * @return qvrErrNullPointer, qvrErrBadSize, then qvrErrBadContext for an object of another kind; with none of them has
+ *     the state changed
+ */
+qvrStatus Morven_qvrsFIR_32f(const qvr32f* src, qvr32f* dst, int numIters, qvrsFIRState_32f* state);
+
+/** Filters numIters samples, as Morven_qvrsFIR_32f. */
+qvrStatus Morven_qvrsFIR_64f(const qvr64f* src, qvr64f* dst, int numIters, qvrsFIRState_64f* state);
+
+/** Filters numIters samples, as Morven_qvrsFIR_32f. Results beyond the range of a float become the largest one. */
+qvrStatus Morven_qvrsFIR64f_32f(const qvr32f* src, qvr32f* dst, int numIters, qvrsFIRState64f_32f* state);
+
+/**
+ * Filters numIters samples, as Morven_qvrsFIR_32f.
+ *
+ * A sum is multiplied by 2 to the power of -scaleFactor, saturated to 16 bits and rounded half away from zero, by adding
+ * 0.5 or -0.5 and dropping the fraction. A NaN gives 0.
+ * @param scaleFactor its magnitude counts modulo 128
+ */
+qvrStatus Morven_qvrsFIR64f_16s_Sfs(const qvr16s* src, qvr16s* dst, int numIters, qvrsFIRState64f_16s* state,
+                                    int scaleFactor);
+
+/** Writes the filter's tapsLen taps in their original order. @return qvrErrNullPointer, qvrErrBadContext */
+qvrStatus Morven_qvrsFIRGetTaps_32f(const qvrsFIRState_32f* state, qvr32f* taps);
+
+/**
+ * Writes the delay line, tapsLen past samples with the newest first.
+ * @return qvrErrNullPointer, then qvrErrBadContext for an object of another kind
+ */
+qvrStatus Morven_qvrsFIRGetDlyLine_32f(const qvrsFIRState_32f* state, qvr32f* dlyLine);
+/** Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRGetDlyLine_64f(const qvrsFIRState_64f* state, qvr64f* dlyLine);
+/** Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRGetDlyLine64f_32f(const qvrsFIRState64f_32f* state, qvr32f* dlyLine);
+
+/**
+ * Replaces the delay line, as after creation.
+ * @param state the filter
+ * @param dlyLine tapsLen past samples with the newest first, or null for zeros
+ * @return qvrErrNullPointer for a null state, then qvrErrBadContext for an object of another kind
+ */
+qvrStatus Morven_qvrsFIRSetDlyLine_32f(qvrsFIRState_32f* state, const qvr32f* dlyLine);
+/** Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRSetDlyLine_64f(qvrsFIRState_64f* state, const qvr64f* dlyLine);
+/** Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRSetDlyLine64f_32f(qvrsFIRState64f_32f* state, const qvr32f* dlyLine);
+
+/** @} */
+
+/**
+ * @defgroup firmr Multi-rate FIR in one call
+ *
+ * Filters and changes the sample rate by upFactor / downFactor without a state. Time runs on a grid on which an input
+ * sample enters every upFactor steps, the first at step upPhase, and an output falls every downFactor steps, the first at
+ * step downPhase. An output at a step whose newest sample is number k and entered q steps before is the sum of
+ * taps[q + m * upFactor] x[k - m] for m from 0 on, as long as there are taps. With a stream of taps for the high rate
+ * that is: stuff upFactor - 1 zeros behind each sample, filter, keep every downFactor-th.
+ *
+ * - src holds numIters * downFactor samples, dst takes numIters * upFactor; they do not overlap.
+ * - dlyLine holds the past samples, the newest first, x[-1 - m] in dlyLine[m], and after the call those of its end;
+ *   tapsLen / upFactor of them, rounded up. The same phases continue a signal in the next call.
+ * - Statuses in order: qvrErrNullPointer for src or dst; qvrErrBadSize for numIters below 1; qvrErrNullPointer for taps;
+ *   qvrErrBadTapsLen for tapsLen below 1; qvrErrBadMultiRateFactor for a factor below 1; qvrErrBadMultiRatePhase for a
+ *   phase outside 0 .. factor - 1; qvrErrNullPointer for dlyLine. After an error neither dst nor dlyLine has changed.
+ * - The caller's thread does all the work.
+ * @{
+ */
+
+/**
+ * Multi-rate FIR of 16-bit samples with 32f taps; sums are 32f.
+ *
+ * A sum of eight terms and more adds terms 8i to 8i + 3 into the four lanes of one accumulator and terms 8i + 4 to
+ * 8i + 7 into those of another, adds the two, lanes 2 and 3 to 0 and 1, lane 1 to 0, and then the remaining terms one by
+ * one. It is multiplied by 2 to the power of -scaleFactor in 32f, saturated to 16 bits and rounded half away from zero,
+ * by adding 0.5 or -0.5 in 64f and dropping the fraction. A NaN gives 0.
+ * @param scaleFactor its magnitude counts modulo 128; 127 gives a factor of 0, -127 one of 2 to the power of 127
+ */
+qvrStatus Morven_qvrsFIRMR32f_Direct_16s_Sfs(const qvr16s* src, qvr16s* dst, int numIters, const qvr32f* taps,
+                                             int tapsLen, int upFactor, int upPhase, int downFactor, int downPhase,
+                                             qvr16s* dlyLine, int scaleFactor);
+
+/** Multi-rate FIR of 32f samples with 64f taps. Sums are 64f; beyond the range of a float they become the largest one. */
+qvrStatus Morven_qvrsFIRMR64f_Direct_32f(const qvr32f* src, qvr32f* dst, int numIters, const qvr64f* taps, int tapsLen,
+                                         int upFactor, int upPhase, int downFactor, int downPhase, qvr32f* dlyLine);
+
+/**
+ * Multi-rate FIR in place: the outputs begin where the samples did, and may be more or fewer.
+ * @param srcDst numIters * downFactor samples, with room for numIters * upFactor outputs
+ * @return also qvrErrNoMemory when a copy of the samples cannot be had
+ */
+qvrStatus Morven_qvrsFIRMR64f_Direct_32f_I(qvr32f* srcDst, int numIters, const qvr64f* taps, int tapsLen, int upFactor,
+                                           int upPhase, int downFactor, int downPhase, qvr32f* dlyLine);
+
+/** @} */
+
+/**
+ * @defgroup firgen FIR design
+ *
+ * Windowed-sinc taps. Frequencies are fractions of the sampling rate. Taps are symmetric, so that the delay is
+ * (tapsLen - 1) / 2 samples at all frequencies; those of the high-pass with an even tapsLen are antisymmetric.
+ *
+ * - taps receives tapsLen doubles; at least 5.
+ * - windowType is one of the selectors below; with any other value no window is applied, and that is no error.
+ * - normalize: 0 leaves the gain as the formulas give it; any other value scales it to 1 at the reference frequency,
+ *   which is 0 for low-pass and band-stop, 0.5 for high-pass, and the middle of the band for band-pass.
+ * - Statuses in order: qvrErrNullPointer for taps; qvrErrBadSize for tapsLen below 5, for a frequency that is not
+ *   between 0 and 0.5, and for edges that do not rise; qvrErrNullPointer also if work memory cannot be had.
+ * @{
+ */
+
+/** Windows of the design functions, with W = 2 pi i / (tapsLen - 1). */
+enum {
+    qvrFirBartlett = 0, /**< rises from 0 to the centre in equal steps */
+    qvrFirBlackman = 1, /**< (a + 1) / 2 - 0.5 cos W - (a / 2) cos 2W, a = -(0.5 / cos(pi / (tapsLen - 1)))^2 */
+    qvrFirHamming = 2,  /**< 0.54 - 0.46 cos W */
+    qvrFirHann = 3      /**< 0.5 - 0.5 cos W */
+};
+
+/** Low-pass up to rFreq. */
+qvrStatus Morven_qvrsFIRGenLowpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rFreq);
+
+/** High-pass from rFreq on. */
+qvrStatus Morven_qvrsFIRGenHighpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rFreq);
+
+/** Band-pass from rLowFreq to rHighFreq, of which the first is the lower. */
+qvrStatus Morven_qvrsFIRGenBandpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rLowFreq,
+                                        qvr64f rHighFreq);
+
+/** Band-stop between rLowFreq and rHighFreq, of which the first is the lower. */
+qvrStatus Morven_qvrsFIRGenBandstop_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rLowFreq,
+                                        qvr64f rHighFreq);
+
+/** @} */
+
+/**
  * @defgroup median Median filter
  * @{
  */
@@ -1288,6 +1496,252 @@ qvrStatus Morven_qvrsSampleDown_32f(const qvr32f* src, int srcLen, qvr32f* dst, 
 
 /** Keeps every factor-th of 16-bit samples, as Morven_qvrsSampleDown_32f. */
 qvrStatus Morven_qvrsSampleDown_16s(const qvr16s* src, int srcLen, qvr16s* dst, int* dstLen, int factor, int* phase);
+
+/** @} */
+
+/**
+ * @defgroup resize Image resize
+ *
+ * Eight interpolation methods for images of 8-bit pixels with one or four channels, of singles and of doubles.
+ *
+ * @section resize-geometry Geometry
+ * Images are rows of pixels whose starts lie `step` bytes apart; a step may be negative or larger than a row, and is
+ * not checked. A source point (x, y) lands on (x * xFactor + xShift, y * yFactor + yShift); pixel i covers [i, i + 1).
+ * Only the part of `srcRoi` that lies in the image is used, and only `dstRoi` is written, but for the edge treatments.
+ * Without one, a destination pixel is produced if its centre lies within the region's image (a border exactly on a
+ * centre includes the pixel); with one, if it is covered whole. Pixels of the source image outside `srcRoi` take part
+ * as neighbours; what is outside the image repeats its edge pixels.
+ *
+ * @section resize-methods Methods
+ * With pos = (d + 0.5) / factor - shift / factor - 0.5, i = floor(pos) and f = pos - i of a destination position d:
+ * - qvriInterNearest: the pixel under the centre of the destination pixel.
+ * - qvriInterLinear: two taps on each axis. 8-bit images use weights of 14 bits, one rounding to 16 bits along the row
+ * and one to 8 bits across; where the image's border leaves only one row or column there is a single rounding.
+ * - qvriInterCubic: the four-point Lagrange polynomial; qvriInterCubicBSpline, qvriInterCubicCatmullRom,
+ *   qvriInterCubicB05C03: two-parameter cubics with B, C = 1, 0; 0, 0.5; 0.5, 0.3. Four taps on each axis.
+ * - qvriInterLanczos: sinc(t) sinc(t / 3), six taps on each axis, from a table of hundredths with linear interpolation
+ *   between entries. The weights are not normalised.
+ * - qvriInterSuper: every output is the area-weighted mean of the source under it. Factors up to 1 only. Parts of a
+ * pixel below 1e-7 are left out.
+ *
+ * A source image below 6 pixels in either direction turns Lanczos into qvriInterCubic; one below 4 turns the cubics
+ * into linear. Sums of 8-bit images are rounded to nearest, half up, and clamped to 0..255. Sums of 8-bit and 32-bit
+ * images run in single, those of 64-bit images in double; a NaN passes through all sums. Singles may differ by a
+ * rounding between processors with and without fused multiply-add.
+ *
+ * @section resize-flags Flags
+ * At most one of:
+ * - qvriEdgeBlend: a border pixel that the region covers by the fraction a becomes old + a * (inner - old), with `old`
+ * what the destination holds and `inner` the nearest produced pixel; a corner by the product of its two fractions.
+ * - qvriEdgeFade: the same with a * inner.
+ *   Both write one pixel round what is produced, also outside `dstRoi`.
+ * - qvriAntialias: the weights are stretched by 1 / factor where an axis is reduced, and divided by their sum; taps
+ * stand at whole source positions around (d + 0.5) / factor - shift / factor. Ignored, with the warning
+ * qvrWarnNoAntialiasing, by qvriInterNearest and qvriInterSuper.
+ *
+ * @section resize-memory Work buffer and threads
+ * The functions of the ResizeSqrPixel family allocate nothing: the caller gives a buffer of the size that
+ * Morven_qvriResizeGetBufSize tells for the same rectangles and selector (Morven_qvriResizeGetBufSize_64f for 64f). Any
+ * alignment will do. Two calls at a time need two buffers. From 64 by 64 produced pixels on, bands of rows are spread
+ * over all threads that the OpenMP runtime allowed when the library was loaded; the result does not depend on their
+ * number.
+ * @{
+ */
+
+/** Interpolation methods and flags; a selector is one method, or one method + one flag. */
+enum {
+    qvriInterNearest = 1,         /**< nearest neighbour */
+    qvriInterLinear = 2,          /**< bilinear */
+    qvriInterCubic = 4,           /**< four-point Lagrange cubic */
+    qvriInterCubicBSpline = 5,    /**< cubic B-spline: smooth, blurs */
+    qvriInterCubicCatmullRom = 6, /**< Catmull-Rom spline */
+    qvriInterCubicB05C03 = 7,     /**< cubic with B = 0.5, C = 0.3 */
+    qvriInterSuper = 8,           /**< area-weighted supersampling, reduction only */
+    qvriInterLanczos = 16,        /**< three-lobe Lanczos */
+
+    qvriAntialias = 0x20000000,     /**< low-pass weights when reducing */
+    qvriEdgeFade = 0x40000000,      /**< partly covered border pixels fade */
+    qvriEdgeBlend = -0x7FFFFFFF - 1 /**< partly covered border pixels blend with the destination (bit 31) */
+};
+
+/**
+ * Size of the work buffer for images of 8-bit pixels or singles.
+ *
+ * It covers every thread that a call can use.
+ * @param srcRoi, dstRoi the rectangles of the resize call; origins not negative, widths and heights at least 1
+ * @param nChannel channels: 1, 3 or 4
+ * @param interpolation method and flags of the call
+ * @param sizeOut receives the bytes; 0 if they would be 2^31 or more
+ * @return qvrErrNullPointer; qvrErrBadSize for the rectangles; qvrErrBadChannels; qvrErrBadInterpolation; qvrErrBadSize
+ * if the size overflows; qvrWarnNoAntialiasing, with the size stored, where the call will ignore qvriAntialias
+ */
+qvrStatus Morven_qvriResizeGetBufSize(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation, int* sizeOut);
+
+/** The same for images of doubles. */
+qvrStatus Morven_qvriResizeGetBufSize_64f(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation,
+                                          int* sizeOut);
+
+/**
+ * Resizes a region of an image of bytes.
+ *
+ * @param src pixel 0, 0 of the source image, not of the region
+ * @param srcSize size of the source image
+ * @param srcStep bytes from one source row to the next
+ * @param srcRoi region of the source to use
+ * @param dst pixel 0, 0 of the destination image; must not overlap the source
+ * @param dstStep bytes from one destination row to the next
+ * @param dstRoi region of the destination that may be written
+ * @param xFactor, yFactor scale factors, above 0; at most 1 for qvriInterSuper
+ * @param xShift, yShift shift in destination pixels
+ * @param interpolation method and flags
+ * @param buffer work buffer
+ * @return in this order: qvrErrNullPointer; qvrErrBadSize for a size below 1 or a negative origin; qvrErrBadFactor for
+ * a factor that is not above 0; qvrErrBadInterpolation; qvrErrBadFactor for qvriInterSuper; qvrWarnRoiOutside if the
+ * source region begins outside the image; qvrWarnNothingToDo if no destination pixel is covered; qvrErrBadSize if the
+ * buffer size overflows; qvrWarnNoAntialiasing
+ */
+qvrStatus Morven_qvriResizeSqrPixel_8u_C1R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
+                                           int dstStep, qvriRect dstRoi, double xFactor, double yFactor, double xShift,
+                                           double yShift, int interpolation, qvr8u* buffer);
+/** The same for four interleaved channels, all treated alike. */
+qvrStatus Morven_qvriResizeSqrPixel_8u_C4R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
+                                           int dstStep, qvriRect dstRoi, double xFactor, double yFactor, double xShift,
+                                           double yShift, int interpolation, qvr8u* buffer);
+/** The same for singles. */
+qvrStatus Morven_qvriResizeSqrPixel_32f_C1R(const qvr32f* src, qvriSize srcSize, int srcStep, qvriRect srcRoi,
+                                            qvr32f* dst, int dstStep, qvriRect dstRoi, double xFactor, double yFactor,
+                                            double xShift, double yShift, int interpolation, qvr8u* buffer);
+/** The same for doubles; the buffer's size comes from Morven_qvriResizeGetBufSize_64f. */
+qvrStatus Morven_qvriResizeSqrPixel_64f_C1R(const qvr64f* src, qvriSize srcSize, int srcStep, qvriRect srcRoi,
+                                            qvr64f* dst, int dstStep, qvriRect dstRoi, double xFactor, double yFactor,
+                                            double xShift, double yShift, int interpolation, qvr8u* buffer);
+
+/**
+ * Resizes a region of an image of bytes without a shift and with a work buffer of its own.
+ *
+ * The destination rectangle has its origin at that of the source region: with `srcRoi` at (10, 10) only destination
+ * pixels from (10, 10) on are written. Otherwise as Morven_qvriResizeSqrPixel_8u_C1R, with the checks of
+ * Morven_qvriResizeGetBufSize before its own.
+ * @param src, srcSize, srcStep, srcRoi source image and region
+ * @param dst, dstStep destination image
+ * @param dstRoiSize size of the destination rectangle
+ * @param xFactor, yFactor scale factors
+ * @param interpolation method and flags
+ * @return as Morven_qvriResizeSqrPixel_8u_C1R. Any status other than 0 of the size query, qvrWarnNoAntialiasing
+ * included, is returned with nothing written. If no memory is to be had nothing is written either and the status is
+ * qvrOk.
+ */
+qvrStatus Morven_qvriResize_8u_C1R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
+                                   int dstStep, qvriSize dstRoiSize, double xFactor, double yFactor, int interpolation);
+/** The same for four interleaved channels. */
+qvrStatus Morven_qvriResize_8u_C4R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
+                                   int dstStep, qvriSize dstRoiSize, double xFactor, double yFactor, int interpolation);
+/** The same for singles. */
+qvrStatus Morven_qvriResize_32f_C1R(const qvr32f* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr32f* dst,
+                                    int dstStep, qvriSize dstRoiSize, double xFactor, double yFactor,
+                                    int interpolation);
+
+/** @} */
+
+/**
+ * @defgroup points Image point operations
+ *
+ * Every pixel on its own. An image is its first pixel, the bytes from one row to the next and a size in pixels.
+ * Statuses in order: qvrErrNullPointer, qvrErrBadSize for a width or height below 1, then what is said at each
+ * function.
+ * @{
+ */
+
+/**
+ * Adds a constant in place and scales: (pixel + value) * 2^-scaleFactor, rounded to nearest, a tie to even, and
+ * saturated to 0..255. Steps are not checked.
+ *
+ * Any scale factor works: from 10 on the image becomes 0; below -7 every sum other than 0 becomes 255. With `value` and
+ * `scaleFactor` 0 nothing is written.
+ *
+ * Uses all threads of the library's budget on processors with SSE3; for `scaleFactor` from 1 on if width + height is at
+ * least 256.
+ */
+qvrStatus Morven_qvriAddC_8u_C1IRSfs(qvr8u value, qvr8u* srcDst, int step, qvriSize roiSize, int scaleFactor);
+
+/** The same for 16-bit pixels, saturated to 0..65535: zero from scaleFactor 18 on, full below -15. Uses no threads. */
+qvrStatus Morven_qvriAddC_16u_C1IRSfs(qvr16u value, qvr16u* srcDst, int step, qvriSize roiSize, int scaleFactor);
+
+/** Fills an image. Gaps between rows stay; steps are not checked. Images far larger than the caches bypass them. */
+qvrStatus Morven_qvriSet_16u_C1R(qvr16u value, qvr16u* dst, int step, qvriSize roiSize);
+
+/**
+ * Copies the pixels whose mask byte is not 0; the others stay. Steps are not checked.
+ * @param src, srcStep source
+ * @param dst, dstStep destination
+ * @param roiSize size of all three images
+ * @param mask, maskStep one byte for each pixel
+ */
+qvrStatus Morven_qvriCopy_16u_C1MR(const qvr16u* src, int srcStep, qvr16u* dst, int dstStep, qvriSize roiSize,
+                                   const qvr8u* mask, int maskStep);
+
+/**
+ * Widens bytes to 16 bits.
+ * @return qvrErrBadStep for a step below 1
+ */
+qvrStatus Morven_qvriConvert_8u16u_C1R(const qvr8u* src, int srcStep, qvr16u* dst, int dstStep, qvriSize roiSize);
+/** The same to signed pixels. */
+qvrStatus Morven_qvriConvert_8u16s_C1R(const qvr8u* src, int srcStep, qvr16s* dst, int dstStep, qvriSize roiSize);
+
+/**
+ * Looks pixels up in a palette: dst = table[src & (2^nBitSize - 1)].
+ * @param src, srcStep source
+ * @param dst, dstStep destination
+ * @param roiSize size of both
+ * @param table 2^nBitSize entries
+ * @param nBitSize bits of a pixel that count: 1..8, or 1..16 for pixels of 16 bits
+ * @return qvrErrBadBitSize, then qvrErrBadStep for a step below the bytes of a row
+ */
+qvrStatus Morven_qvriLUTPalette_8u_C1R(const qvr8u* src, int srcStep, qvr8u* dst, int dstStep, qvriSize roiSize,
+                                       const qvr8u* table, int nBitSize);
+/** The same to entries of 32 bits. */
+qvrStatus Morven_qvriLUTPalette_8u32u_C1R(const qvr8u* src, int srcStep, qvr32u* dst, int dstStep, qvriSize roiSize,
+                                          const qvr32u* table, int nBitSize);
+/** The same from pixels of 16 bits. */
+qvrStatus Morven_qvriLUTPalette_16u8u_C1R(const qvr16u* src, int srcStep, qvr8u* dst, int dstStep, qvriSize roiSize,
+                                          const qvr8u* table, int nBitSize);
+/** The same from pixels of 16 bits to entries of 32. */
+qvrStatus Morven_qvriLUTPalette_16u32u_C1R(const qvr16u* src, int srcStep, qvr32u* dst, int dstStep, qvriSize roiSize,
+                                           const qvr32u* table, int nBitSize);
+
+/**
+ * Minimum and maximum of each block of an image, and of all of it. Blocks are laid from the top left; those at the
+ * right and bottom edges hold what is there.
+ * @param src, srcStep, srcSize the image
+ * @param blockMin, blockMinStep receives the minimum of each block: ceil(width / blockSize.width) in a row, and
+ * ceil(height / blockSize.height) rows
+ * @param blockMax, blockMaxStep receives the maxima in the same way
+ * @param blockSize size of a block
+ * @param globalMin, globalMax receive the image's extremes
+ * @return qvrErrBadStep for a source step below 2 * width or a block step below a row of blocks
+ */
+qvrStatus Morven_qvriBlockMinMax_16s_C1R(const qvr16s* src, int srcStep, qvriSize srcSize, qvr16s* blockMin,
+                                         int blockMinStep, qvr16s* blockMax, int blockMaxStep, qvriSize blockSize,
+                                         qvr16s* globalMin, qvr16s* globalMax);
+
+/**
+ * Splits 16-bit little-endian samples into a plane of high bytes and one of low bytes:
+ * dstPlanes[0][i] = src[2i + 1], dstPlanes[1][i] = src[2i].
+ * @param src 2 * len bytes
+ * @param dstPlanes two planes of `len` bytes
+ * @param len samples
+ * @return qvrErrNullPointer for src or dstPlanes, qvrErrBadStep for `len` below 1, then qvrErrNullPointer for a plane
+ */
+qvrStatus Morven_qvriSplitRow_TIFF_16u8u_C1(const qvr8u* src, qvr8u** dstPlanes, int len);
+
+/**
+ * Joins what Morven_qvriSplitRow_TIFF_16u8u_C1 splits: dst[2i + 1] = srcPlanes[0][i], dst[2i] = srcPlanes[1][i].
+ * @param srcPlanes two planes of `len` bytes
+ * @param dst 2 * len bytes
+ * @param len samples
+ * @return qvrErrNullPointer for any of the four pointers, then qvrErrBadStep for `len` below 1
+ */
+qvrStatus Morven_qvriJoinRow_TIFF_8u16u_C1(qvr8u** srcPlanes, qvr8u* dst, int len);
 
 /** @} */
 

@@ -4,7 +4,9 @@
 #include "fuzz/shape.h"
 #include "fuzz/shapes_convolution.h"
 #include "fuzz/shapes_filters.h"
+#include "fuzz/shapes_fir.h"
 #include "fuzz/shapes_fourier.h"
+#include "fuzz/shapes_image.h"
 #include "fuzz/shapes_vector.h"
 
 namespace fuzz {

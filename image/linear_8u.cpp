@@ -1,0 +1,195 @@
+// Bilinear interpolation of bytes, in fixed point.
+//
+// A weight is trunc(frac 2^14 + 1e-7). Inside, a row is filtered to 16 bits once, h = (w1 s[i+1] + w0 s[i] + 128) >> 8,
+// and two rows make out = (h[upper] (2^14 - wy) + h[lower] wy + 2^19) >> 20. Where only one row or one column of the
+// image is involved there is one rounding: (w0 a + w1 b + 2^13) >> 14.
+#include "image/kernels.h"
+
+namespace {
+
+constexpr int kOne = 1 << 14;
+constexpr double kWeightRound = 1e-7;
+
+struct Weights {
+    int16_t w0, w1;
+};
+
+QVR_INLINE int weightOf(float frac)
+{
+    return static_cast<int>(static_cast<double>(frac) * kOne + kWeightRound);
+}
+
+// The columns of a band: start[x] is the left tap and w[x] the weights; inside for x in [from, to).
+struct Columns {
+    const int32_t* start;
+    const Weights* w;
+    Index width, from, to, length;
+};
+
+QVR_INLINE uint8_t blend(int a, int b, int w0, int w1)
+{
+    return static_cast<uint8_t>((a * w0 + b * w1 + (kOne / 2)) >> 14);
+}
+
+// The output of rows that show one source row.
+template<int NC> void singleRow(const uint8_t* s, const Columns& c, uint8_t* dst)
+{
+    for (Index x = 0; x < c.width; x++) {
+        const Index a = clampIndex(c.start[x], c.length), b = clampIndex(Index{c.start[x]} + 1, c.length);
+        for (int k = 0; k < NC; k++)
+            dst[x * NC + k] = blend(s[a * NC + k], s[b * NC + k], c.w[x].w0, c.w[x].w1);
+    }
+}
+
+// The output of columns that show one source column, which is the first or the last.
+template<int NC>
+void singleColumn(const uint8_t* upper, const uint8_t* lower, const Columns& c, Index from, Index to, int wy,
+                  uint8_t* dst)
+{
+    for (Index x = from; x < to; x++) {
+        const Index at = clampIndex(c.start[x], c.length) * NC;
+        for (int k = 0; k < NC; k++)
+            dst[x * NC + k] = blend(upper[at + k], lower[at + k], kOne - wy, wy);
+    }
+}
+
+// Outputs of one vector of 16-bit values, eight of one channel or two pixels of four, or twice as many with AVX2.
+constexpr int kStep = kAvx2 ? 16 : 8;
+
+// Neighbouring taps side by side, as 16-bit values: a0 b0 a1 b1 ...
+QVR_INLINE auto widen(Vec<uint8_t, 16> pairs)
+{
+    return convert<int16_t>(pairs);
+}
+
+// Eight outputs of one channel, as the 16 bytes of their pairs. From SSSE3 on near pairs come out of one load.
+QVR_INLINE Vec<uint8_t, 16> pairsOf(const uint8_t* s, const Columns& c, Index x)
+{
+    const int32_t* const at = c.start + x;
+    if constexpr (kSsse3) {
+        const Index base = at[0] < c.length - 16 ? at[0] : c.length - 16;
+        if (base >= 0 && at[7] + 1 - base < 16) {
+            using Eight = Vec<int32_t, 8>;
+            const Vec<int16_t, 8> first = packSaturate(load<Eight>(at) - static_cast<int32_t>(base));
+            const Vec<int16_t, 8> both = first | bitcast<Vec<int16_t, 8>>(bits(first + 1) << 8);
+            return shuffleBytes(load<Vec<uint8_t, 16>>(s + base), bitcast<Vec<uint8_t, 16>>(both));
+        }
+    }
+    Vec<uint16_t, 8> pairs;
+    for (int k = 0; k < 8; k++)
+        pairs[k] = load<Vec<uint16_t, 1>>(s + at[k])[0];
+    return bitcast<Vec<uint8_t, 16>>(pairs);
+}
+
+// Two pixels of four channels: a b of each channel side by side.
+QVR_INLINE Vec<uint8_t, 16> pixelPairs(const uint8_t* s, const int32_t* at)
+{
+    using Eight = Vec<uint8_t, 8>;
+    const auto both = concat(load<Eight>(s + Index{at[0]} * 4), load<Eight>(s + Index{at[1]} * 4));
+    return __builtin_shufflevector(both, both, 0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
+}
+
+template<int NC> void filterRow(const uint8_t* s, const Columns& c, int16_t* h)
+{
+    using Pairs = Vec<int16_t, 16>;
+    const auto eight = [&](Index x) {
+        Pairs p, w;
+        if constexpr (NC == 1) {
+            p = widen(pairsOf(s, c, x));
+            w = load<Pairs>(c.w + x);
+        } else {
+            p = widen(pixelPairs(s, c.start + x));
+            const auto two = load<Vec<int32_t, 2>>(c.w + x);
+            w = bitcast<Pairs>(__builtin_shufflevector(two, two, 0, 0, 0, 0, 1, 1, 1, 1));
+        }
+        return shiftRight(addProductPairs(p, w) + 128, 8);
+    };
+    constexpr Index outputs = 8 / NC;
+    Index x = c.from;
+    for (; x + 2 * outputs <= c.to; x += 2 * outputs)
+        store(h + x * NC, packSaturate(concat(eight(x), eight(x + outputs))));
+    for (; x < c.to; x++)
+        for (int k = 0; k < NC; k++) {
+            const uint8_t* const p = s + Index{c.start[x]} * NC + k;
+            h[x * NC + k] = static_cast<int16_t>((p[0] * c.w[x].w0 + p[NC] * c.w[x].w1 + 128) >> 8);
+        }
+}
+
+// Elements from .. to of two filtered rows.
+void blendRows(const int16_t* upper, const int16_t* lower, Index from, Index to, int wy, uint8_t* dst)
+{
+    constexpr int B = 2 * kStep;
+    using V = Vec<int16_t, B>;
+    const Vec<int32_t, B> weights = splat<Vec<int32_t, B>>((kOne - wy) | (wy << 16));
+    const auto block = [&](Index i) {
+        const V a = load<V>(upper + i), b = load<V>(lower + i);
+        const auto half = [&](auto pairs) {
+            const auto sum =
+                addProductPairs(pairs, slice<0, lanes<decltype(pairs)>>(bitcast<Vec<int16_t, 2 * B>>(weights)));
+            return shiftRight(sum + (1 << 19), 20);
+        };
+        return packBytes(concat(half(zipLo(a, b)), half(zipHi(a, b))));
+    };
+    Index i = from;
+    for (; i + B <= to; i += B)
+        store(dst + i, block(i));
+    if (i < to) // the rows are longer than the outputs
+        storePartial(dst + i, block(i), static_cast<int>(to - i));
+}
+
+template<int NC> void linear(const qvrResizeBand* b)
+{
+    const Index width = b->x.count, length = b->x.length, height = b->y.length;
+    Carver carver = bufferOf(b);
+    int32_t* const start = carver.take<int32_t>(width, 16);
+    Weights* const w = carver.take<Weights>(width, 16);
+    // The fractions lie where the filtered rows will.
+    float* const frac = Carver(carver).take<float>(width, 64);
+    qvrFillTaps32(&b->x, qvriInterLinear, start, frac, 1, 1);
+    Columns c = {start, w, width, 0, width, length};
+    for (Index x = 0; x < width; x++) {
+        const int w1 = weightOf(frac[x]);
+        w[x] = {static_cast<int16_t>(kOne - w1), static_cast<int16_t>(w1)};
+    }
+    while (c.from < width && start[c.from] < 0)
+        c.from++;
+    while (c.to > c.from && start[c.to - 1] >= length - 1)
+        c.to--;
+    // Two rows of less than 2^30 elements, on cache lines.
+    int16_t* const rows[2] = {carver.take<int16_t>(width * NC + 64, 64), carver.take<int16_t>(width * NC + 64, 64)};
+    Index filtered[2] = {-1, -1};
+    qvrResizeAxis row = b->y;
+    row.count = 1;
+    for (Index n = 0; n < b->y.count; n++) {
+        row.first = b->y.first + n;
+        int32_t y;
+        float fy;
+        qvrFillTaps32(&row, qvriInterLinear, &y, &fy, 1, 1);
+        uint8_t* const dst = reinterpret_cast<uint8_t*>(outputRow(b, n, NC));
+        if (y < 0 || y >= height - 1) {
+            singleRow<NC>(reinterpret_cast<const uint8_t*>(sourceRow(b, clampIndex(y, height))), c, dst);
+            continue;
+        }
+        const int wy = weightOf(fy);
+        const auto at = [&](Index k) { return reinterpret_cast<const uint8_t*>(sourceRow(b, y + k)); };
+        for (Index k = 0; k < 2; k++) {
+            const Index slot = (y + k) % 2;
+            if (filtered[slot] != y + k)
+                filterRow<NC>(at(k), c, rows[slot]);
+            filtered[slot] = y + k;
+        }
+        singleColumn<NC>(at(0), at(1), c, 0, c.from, wy, dst);
+        blendRows(rows[y % 2], rows[(y + 1) % 2], c.from * NC, c.to * NC, wy, dst);
+        singleColumn<NC>(at(0), at(1), c, c.to, width, wy, dst);
+    }
+}
+
+} // namespace
+
+extern "C" void SLOT(ownResizeLinear_8u)(const qvrResizeBand* band, int pixel)
+{
+    if (pixel == qvrPixel_8u_C1)
+        linear<1>(band);
+    else
+        linear<4>(band);
+}

@@ -1,0 +1,109 @@
+// What the resize functions share: the methods, the plan of a call, the geometry of an axis, the job of a band.
+//
+// A source point (sx, sy) lands on (sx xFactor + xShift, sy yFactor + yShift); destination pixel d covers [d, d + 1).
+// So source coordinate = destination coordinate * inv + off, with inv = 1 / factor and off = -shift / factor.
+//
+// Everything about positions and weights is computed once, for the baseline, in double: coordinates have no fused
+// operation and do not depend on the slot, nor on the band that a row falls into.
+#ifndef QVR_IMAGE_PLAN_H
+#define QVR_IMAGE_PLAN_H
+
+#include <stdint.h>
+
+#include "frame/processor.h"
+
+// The method is in the low bits of the selector, behind the three flags.
+#define QVR_INTERPOLATION_METHOD 0x1FFFFFFF
+
+// Element types and channels of the exported forms.
+enum { qvrPixel_8u_C1, qvrPixel_8u_C4, qvrPixel_32f_C1, qvrPixel_64f_C1 };
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct {
+    double inv, off;
+    int64_t first;  // first destination position
+    int32_t count;  // positions
+    int32_t length; // source pixels along the axis
+} qvrResizeAxis;
+
+typedef struct {
+    qvrResizeAxis x, y;
+    double superArea;                  // xFactor * yFactor
+    double xMinF, xMaxF, yMinF, yMaxF; // the clipped extent of the destination in continuous coordinates
+    int32_t method, flags;
+} qvrResizePlan;
+
+// One horizontal band: y holds the rows of the band, wholeY those of the call.
+typedef struct {
+    const char* src; // pixel 0,0
+    char* dst;
+    int64_t srcStep, dstStep;
+    qvrResizeAxis x, y, wholeY;
+    double superArea;
+    int32_t method;
+    char* buffer;
+    int64_t bufferBytes;
+} qvrResizeBand;
+
+// The selector's method and flags: qvrOk or qvrErrBadInterpolation.
+QVR_HIDDEN qvrStatus qvrCheckInterpolation(int32_t interpolation);
+
+// All checks behind the null pointers, and the plan. A warning other than 0 means that there is nothing to do.
+QVR_HIDDEN qvrStatus qvrMakeResizePlan(qvriSize srcSize, qvriRect srcRoi, qvriRect dstRoi, double xFactor,
+                                       double yFactor, double xShift, double yShift, int32_t interpolation,
+                                       qvrResizePlan* plan);
+
+// The work buffer of one thread, by the size rule, for element type 8u and 32f (elementBytes 4) or 64f (8). An overflow
+// gives qvrErrBadSize and *size 0; a valid size may come with qvrWarnNoAntialiasing.
+QVR_HIDDEN qvrStatus qvrResizeThreadBytes(qvriRect srcRoi, qvriRect dstRoi, int channels, int32_t interpolation,
+                                          int elementBytes, int32_t* size);
+
+// The query: checks, then the size for as many threads as there can be.
+QVR_HIDDEN qvrStatus qvrResizeBufferBytes(qvriRect srcRoi, qvriRect dstRoi, int channels, int32_t interpolation,
+                                          int elementBytes, int* sizeOut);
+
+// Number of threads that a buffer of less than 2 GiB and the budget allow.
+QVR_HIDDEN int32_t qvrResizeThreads(int32_t threadBytes);
+
+// The source pixel under the centre of destination pixel d, clamped into the image.
+QVR_HIDDEN int32_t qvrNearestIndex(const qvrResizeAxis* axis, int64_t d);
+
+// Two, four or six taps by method. For position n of the axis, start[n] is the pixel of the first tap, unclamped but
+// from one pixel round the image, and weights[n * perPosition + k * perTap] are the weights; of method 2 only the
+// fraction is stored, as a single weight.
+QVR_HIDDEN int32_t qvrTapCount(int32_t method);
+QVR_HIDDEN void qvrFillTaps32(const qvrResizeAxis* axis, int32_t method, int32_t* start, float* weights,
+                              int64_t perPosition, int64_t perTap);
+QVR_HIDDEN void qvrFillTaps64(const qvrResizeAxis* axis, int32_t method, int32_t* start, double* weights,
+                              int64_t perPosition, int64_t perTap);
+
+// Low-pass weights: taps first .. last (unclamped) of position d have the weights qvrLowPass(...) / sum.
+typedef struct {
+    double centre, scale; // weight of tap j: kernel(|j - centre| * scale) * scale
+    int64_t first, last;
+    double sum;
+} qvrLowPassTaps;
+QVR_HIDDEN int64_t qvrLowPassCount(const qvrResizeAxis* axis, int32_t method); // no position has more taps
+QVR_HIDDEN void qvrLowPassRange(const qvrResizeAxis* axis, int32_t method, int64_t d, qvrLowPassTaps* taps);
+QVR_HIDDEN double qvrLowPassWeight(const qvrLowPassTaps* taps, int32_t method, int64_t j);
+QVR_HIDDEN void qvrLowPassSum(qvrLowPassTaps* taps, int32_t method);
+// The same with all weights, divided by their sum; there must be room for last - first + 1.
+QVR_HIDDEN void qvrLowPassFill(qvrLowPassTaps* taps, int32_t method, double* weights);
+
+// Supersampling along an axis: position d covers `lead` of pixel `start`, then `whole` pixels, then `tail` of the next.
+// With blocks set the ratio and the start are whole numbers, and every position is a block of `whole` pixels.
+typedef struct {
+    int64_t start, whole;
+    double lead, tail;
+} qvrCover;
+QVR_HIDDEN int qvrIsBlockAxis(const qvrResizeAxis* axis);
+QVR_HIDDEN void qvrCoverOf(const qvrResizeAxis* axis, int blocks, int64_t d, qvrCover* cover);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,98 @@
+// The four general resize forms: checks, plan, bands over threads, edges.
+#include "frame/region.h"
+#include "frame/status.h"
+#include "image/kernels.h"
+
+namespace {
+
+// Below this many rows or columns a call stays on one thread.
+constexpr int kThreadsFrom = 64;
+
+void runBand(const qvrResizeBand& band, bool lowPass, int pixel)
+{
+    if (band.y.count == 0)
+        return;
+    if (band.method == qvriInterNearest)
+        SLOT(ownResizeNearest)(&band, pixel);
+    else if (band.method == qvriInterSuper)
+        SLOT(ownResizeSuper)(&band, pixel);
+    else if (lowPass)
+        SLOT(ownResizeLowPass)(&band, pixel);
+    else if (band.method == qvriInterLinear && (pixel == qvrPixel_8u_C1 || pixel == qvrPixel_8u_C4))
+        SLOT(ownResizeLinear_8u)(&band, pixel);
+    else
+        SLOT(ownResizeTaps)(&band, pixel);
+}
+
+qvrStatus resize(const void* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, void* dst, int dstStep,
+                 qvriRect dstRoi, double xFactor, double yFactor, double xShift, double yShift, int interpolation,
+                 qvr8u* buffer, int pixel)
+{
+    if (anyNull(src, dst, buffer))
+        return qvrErrNullPointer;
+    qvrResizePlan plan;
+    if (const qvrStatus status =
+            qvrMakeResizePlan(srcSize, srcRoi, dstRoi, xFactor, yFactor, xShift, yShift, interpolation, &plan))
+        return status;
+    int32_t threadBytes;
+    const qvrStatus status = qvrResizeThreadBytes(srcRoi, dstRoi, pixel == qvrPixel_8u_C4 ? 4 : 1, interpolation,
+                                                  pixel == qvrPixel_64f_C1 ? 8 : 4, &threadBytes);
+    if (status < 0)
+        return status;
+    const bool lowPass = (plan.flags & qvriAntialias) != 0;
+    const qvrResizeBand whole = {static_cast<const char*>(src),
+                                 static_cast<char*>(dst),
+                                 srcStep,
+                                 dstStep,
+                                 plan.x,
+                                 plan.y,
+                                 plan.y,
+                                 plan.superArea,
+                                 plan.method,
+                                 reinterpret_cast<char*>(buffer),
+                                 threadBytes};
+    const int threads = qvrResizeThreads(threadBytes);
+    if (plan.x.count < kThreadsFrom || plan.y.count < kThreadsFrom || threads <= 1) {
+        runBand(whole, lowPass, pixel);
+    } else {
+        parallelTeam(threads, [&](int t, int team) {
+            qvrResizeBand band = whole;
+            const int rows = plan.y.count / team;
+            band.y.first += Index{t} * rows;
+            band.y.count = t == team - 1 ? rows + plan.y.count % team : rows;
+            band.bufferBytes = Index{threadBytes} * threads / team;
+            band.buffer += t * band.bufferBytes;
+            runBand(band, lowPass, pixel);
+        });
+    }
+    if (plan.flags & (qvriEdgeBlend | qvriEdgeFade))
+        SLOT(ownResizeEdges)(&plan, static_cast<char*>(dst), dstStep, pixel);
+    return status;
+}
+
+} // namespace
+
+#define QVR_RESIZE(name, T, pixel)                                                                                     \
+    extern "C" qvrStatus SLOT(name)(const T* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, T* dst, int dstStep, \
+                                    qvriRect dstRoi, double xFactor, double yFactor, double xShift, double yShift,     \
+                                    int interpolation, qvr8u* buffer)                                                  \
+    {                                                                                                                  \
+        return resize(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, xFactor, yFactor, xShift, yShift,           \
+                      interpolation, buffer, pixel);                                                                   \
+    }
+QVR_RESIZE(qvriResizeSqrPixel_8u_C1R, qvr8u, qvrPixel_8u_C1)
+QVR_RESIZE(qvriResizeSqrPixel_8u_C4R, qvr8u, qvrPixel_8u_C4)
+QVR_RESIZE(qvriResizeSqrPixel_32f_C1R, qvr32f, qvrPixel_32f_C1)
+QVR_RESIZE(qvriResizeSqrPixel_64f_C1R, qvr64f, qvrPixel_64f_C1)
+#undef QVR_RESIZE
+
+extern "C" qvrStatus SLOT(qvriResizeGetBufSize)(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation,
+                                                int* sizeOut)
+{
+    return qvrResizeBufferBytes(srcRoi, dstRoi, nChannel, interpolation, 4, sizeOut);
+}
+extern "C" qvrStatus SLOT(qvriResizeGetBufSize_64f)(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation,
+                                                    int* sizeOut)
+{
+    return qvrResizeBufferBytes(srcRoi, dstRoi, nChannel, interpolation, 8, sizeOut);
+}

@@ -1,0 +1,226 @@
+// Every method against the model: geometries, borders, regions, placement of images and work buffers.
+#include "image/resize_check.h"
+
+namespace {
+
+using namespace resize_check;
+
+struct Scale {
+    double x, y;
+};
+
+// On a simulated processor a part of a sweep.
+bool skipped(int& counter, size_t simulated = 5)
+{
+    return counter++ % int(slots::sweepStep(simulated)) != 0;
+}
+
+bool applies(int method, double x, double y)
+{
+    return method != qvriInterSuper || (x <= 1 && y <= 1);
+}
+
+TEST(Resize, EveryMethodEnlargesAndReduces)
+{
+    int counter = 0;
+    for (int method : kMethods)
+        for (int flag : {0, int(qvriAntialias)})
+            for (Scale s : {Scale{1, 1}, {3, 2.25}, {1.7, 2.31}, {0.37, 0.61}, {0.5, 0.25}, {0.2, 1.0}, {2.6, 0.31}}) {
+                if (!applies(method, s.x, s.y) || skipped(counter))
+                    continue;
+                checkAllForms(wholeImage(47, 23, s.x, s.y, method | flag));
+                if (HasFailure())
+                    return;
+            }
+}
+
+// Rows of many vectors, so that every unrolled part of the loops runs.
+TEST(Resize, WideRows)
+{
+    int counter = 0;
+    for (int method : kMethods)
+        for (int flag : {0, int(qvriAntialias)})
+            for (double x : {2.6, 1.0, 0.73, 0.2}) {
+                if (!applies(method, x, 1) || skipped(counter))
+                    continue;
+                checkAllForms(wholeImage(301, 7, x, 1, method | flag));
+                if (HasFailure())
+                    return;
+            }
+}
+
+// All widths of source and destination round the vectors.
+TEST(Resize, SmallAndNarrow)
+{
+    int counter = 0;
+    for (int method : kMethods)
+        for (int w = 1; w <= 21; w++)
+            for (int h : {1, 2, 3, 4, 5, 6, 7}) {
+                if (skipped(counter, 17) || (w > 8 && h != 1 && h != 6))
+                    continue;
+                const double up = method == qvriInterSuper ? 1 : 2.3;
+                checkAllForms(wholeImage(w, h, up, up, method));
+                checkAllForms(wholeImage(w, h, 0.6, 0.7, method | (h == 6 ? qvriAntialias : 0)));
+                if (HasFailure())
+                    return;
+            }
+}
+
+TEST(Resize, RegionsAndShifts)
+{
+    int counter = 0;
+    for (int method : kMethods)
+        for (int flag : {0, int(qvriAntialias), int(qvriEdgeBlend), int(qvriEdgeFade)})
+            for (Scale s : {Scale{1.9, 1.37}, {0.83, 0.41}})
+                for (double shift : {0.0, 0.5, 3.37, -2.81}) {
+                    if (!applies(method, s.x, s.y) || skipped(counter, 11))
+                        continue;
+                    // A region that reaches past the image, into a rectangle that cuts the result.
+                    const Job inner = {{40, 33}, {5, 7, 21, 13}, {0, 0, 90, 70}, s.x,
+                                       s.y,      shift,          shift / 2,      method | flag};
+                    const Job outer = {{40, 33},     {11, 3, 300, 200}, {13, 6, 17, 19}, s.x, s.y, shift, -shift,
+                                       method | flag};
+                    checkAllForms(inner);
+                    checkAllForms(outer);
+                    if (HasFailure())
+                        return;
+                }
+}
+
+// Factors that are no reduction of the rectangles: the tables of the low-pass and the line of supersampling are longer
+// than the buffer foresees.
+TEST(Resize, TinyRegionsOfStrongReductions)
+{
+    int counter = 0;
+    for (int method : kMethods)
+        for (int flag : {0, int(qvriAntialias)})
+            for (double f : {0.1, 0.031})
+                for (int size : {1, 3}) {
+                    if (skipped(counter, 7) || (flag && (size == 1) == (f == 0.1)))
+                        continue;
+                    // Shifted so that one pixel's centre falls into the region's image.
+                    checkAllForms({{130, 120},
+                                   {60, 40, size, size},
+                                   {0, 0, 3, 2},
+                                   f,
+                                   f,
+                                   1.5 - 60.5 * f,
+                                   0.5 - 40.5 * f,
+                                   method | flag});
+                    checkAllForms(
+                        {{130, 120}, {60, 40, size, 70}, {0, 0, 30, 2}, f, 0.5, 1.5 - 60.5 * f, -20, method | flag});
+                    checkAllForms(
+                        {{130, 120}, {60, 40, 50, size}, {0, 0, 80, 2}, 1, f, -60, 0.5 - 40.5 * f, method | flag});
+                    if (HasFailure())
+                        return;
+                }
+}
+
+// Steps of either sign, any gap, images and buffers off their alignment.
+TEST(Resize, Placement)
+{
+    int counter = 0;
+    for (int method : kMethods)
+        for (int flag : {0, int(qvriAntialias)})
+            for (size_t back = 0; back < 64; back += 3) {
+                if (skipped(counter, 19))
+                    continue;
+                Placing p;
+                p.upsideDown = back % 2;
+                p.srcGap = int(back % 5);
+                p.dstGap = int(back % 7);
+                p.bufferBack = back;
+                p.offset = back % 4;
+                const double f = method == qvriInterSuper ? 0.7 : back % 3 ? 1.3 : 0.55;
+                checkAllForms(wholeImage(37, 12, f, f, method | flag), p);
+                if (HasFailure())
+                    return;
+            }
+}
+
+// Whole sources and dyadic weights leave no rounding: bit for bit.
+TEST(Resize, ExactWhereSumsAreExact)
+{
+    Placing exact;
+    exact.exact = true;
+    for (int w : {16, 40, 64, 101})
+        for (int h : {8, 13}) {
+            for (int method : {qvriInterNearest, qvriInterLinear, qvriInterCubicCatmullRom})
+                for (double f : {1.0, 2.0, 4.0, 0.5, 0.25}) {
+                    if (f == 4.0 && method == qvriInterCubicCatmullRom)
+                        continue; // products of 29 bits
+                    checkForm<float, 1>(wholeImage(w, h, f, f, method), exact);
+                    checkForm<double, 1>(wholeImage(w, h, f, f, method), exact);
+                    checkForm<uint8_t, 1>(wholeImage(w, h, f, f, method), exact);
+                    checkForm<uint8_t, 4>(wholeImage(w, h, f, f, method), exact);
+                }
+            for (double x : {1.0, 0.5, 0.25, 0.125})
+                for (double y : {1.0, 0.5, 0.25, 0.125})
+                    checkAllForms(wholeImage(w, h, x, y, qvriInterSuper), exact);
+        }
+}
+
+// Blocks of any whole size: the sum times xFactor * yFactor in double, rounded half up.
+TEST(Resize, IntegerSuperOfBytesIsExact)
+{
+    slots::each(qvrTable_qvriResizeSqrPixel_8u_C1R, [](auto resize, int) {
+        for (int bx = 1; bx <= 9; bx++)
+            for (int by : {1, 2, 3, 5, 7, 300}) {
+                const int dw = 11, dh = 2, w = bx * dw, h = by * dh;
+                const std::vector<uint8_t> src = randomValues<uint8_t>(size_t(w) * h, uint32_t(w));
+                std::vector<uint8_t> dst(dw * dh), buffer;
+                const qvriRect from = {0, 0, w, h}, to = {0, 0, dw, dh};
+                int size;
+                ASSERT_EQ(Morven_qvriResizeGetBufSize(from, to, 1, qvriInterSuper, &size), qvrOk);
+                buffer.resize(size_t(size));
+                const double fx = 1.0 / bx, fy = 1.0 / by;
+                ASSERT_EQ(resize(src.data(), {w, h}, w, from, dst.data(), dw, to, fx, fy, 0, 0, qvriInterSuper,
+                                 buffer.data()),
+                          qvrOk);
+                for (int y = 0; y < dh; y++)
+                    for (int x = 0; x < dw; x++) {
+                        int64_t sum = 0;
+                        for (int v = 0; v < by; v++)
+                            for (int u = 0; u < bx; u++)
+                                sum += src[size_t(y * by + v) * w + size_t(x * bx + u)];
+                        ASSERT_EQ(dst[size_t(y * dw + x)], int(double(sum) * (fx * fy) + 0.5)) << bx << "x" << by;
+                    }
+            }
+    });
+}
+
+TEST(Resize, IdentityCopies)
+{
+    for (int method : {qvriInterNearest, qvriInterLinear, qvriInterCubic, qvriInterCubicCatmullRom, qvriInterSuper}) {
+        slots::each(qvrTable_qvriResizeSqrPixel_8u_C1R, [&](auto resize, int) {
+            const std::vector<uint8_t> src = randomValues<uint8_t>(40 * 30, 5);
+            std::vector<uint8_t> dst(40 * 30), buffer(1 << 20);
+            const qvriRect all = {0, 0, 40, 30};
+            ASSERT_EQ(resize(src.data(), {40, 30}, 40, all, dst.data(), 40, all, 1, 1, 0, 0, method, buffer.data()),
+                      qvrOk);
+            EXPECT_EQ(src, dst) << method;
+        });
+    }
+}
+
+// A NaN goes to every output that has it among its taps, also under weight zero, and to no other.
+TEST(Resize, NotANumberPasses)
+{
+    for (int method : {qvriInterLinear, qvriInterCubic, qvriInterLanczos})
+        slots::each(qvrTable_qvriResizeSqrPixel_32f_C1R, [&](auto resize, int) {
+            std::vector<float> src(40 * 30, 1.0f), dst(40 * 30);
+            std::vector<uint8_t> buffer(1 << 20);
+            src[15 * 40 + 20] = NAN;
+            const qvriRect all = {0, 0, 40, 30};
+            ASSERT_EQ(resize(src.data(), {40, 30}, 160, all, dst.data(), 160, all, 1, 1, 0, 0, method, buffer.data()),
+                      qvrOk);
+            const int before = method == qvriInterLinear ? 1 : method == qvriInterLanczos ? 3 : 2, after = before - 1;
+            for (int y = 0; y < 30; y++)
+                for (int x = 0; x < 40; x++)
+                    EXPECT_EQ(std::isnan(dst[size_t(y * 40 + x)]),
+                              x >= 20 - before && x <= 20 + after && y >= 15 - before && y <= 15 + after)
+                        << method << " at " << x << "," << y;
+        });
+}
+
+} // namespace
