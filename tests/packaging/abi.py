@@ -43,7 +43,9 @@ def main():
     lines = [f'#include "{Path(header).name}"']
     lines += [p + " { __builtin_trap(); }" for p in prototypes]
     lines += [f"{r} record_{r};" for r in records]
-    lines += [f"char constant_{c}[1000 + {c}];" for c in constants]
+    # Of one that is far from zero, the upper half.
+    lines += [f"char constant_{c}[{c} > -1000 && {c} < 1000000 ? 1000 + {c} : 1 + (int)(((unsigned){c}) >> 16)];"
+              for c in constants]
     source = work / "standin.c"
     source.write_text("\n".join(lines) + "\n")
     standin = work / "standin.so"
