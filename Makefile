@@ -2,7 +2,7 @@
 PREFIX ?= /usr/local
 ONLY ?=
 
-.PHONY: demo test fuzz bench install uninstall package
+.PHONY: demo test fuzz bench install uninstall package docs reproducible
 .DEFAULT_GOAL := demo
 
 demo:
@@ -11,9 +11,9 @@ demo:
 test:
 	./test.sh
 
-# Ten minutes for each fuzz target.
+# Ten million random calls over all exports.
 fuzz:
-	FUZZ_SECONDS=600 ./test.sh fuzz
+	FUZZ_RUNS=10000000 ./test.sh fuzz
 
 bench:
 	bench/run.sh $(ONLY)
@@ -37,3 +37,11 @@ package:
 	cmake --preset release -DQVR_TESTS=OFF
 	cmake --build --preset release
 	cd build/release && cpack -B ../packages
+
+# Reference pages and guides into build/docs/html.
+docs:
+	scripts/docs.sh
+
+# Two builds of the committed state must give the same bytes.
+reproducible:
+	scripts/reproducible.sh

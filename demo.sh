@@ -64,7 +64,27 @@ build/examples/posterise --levels 4 "$photo" build/demo/posterised.png
 build/examples/posterise --ramp --levels 12 "$photo" build/demo/ramp.png
 
 echo
-echo "Pictures are in build/demo: half.jpg, detail.png, contactsheet.png, posterised.png, ramp.png."
+echo "filter: a band of speech by designed FIR taps, clicks removed, two thirds of the sample rate; responses and spectra"
+build/examples/filter --pass 300,3400 --taps 511 --median 3 --rate 2,3 --picture build/demo/filter.png \
+    --out build/demo/filter.wav "$sound"
+build/examples/filter --pass 0,1000 --kind chebyshev --order 6 --picture build/demo/filter-chebyshev.png \
+    --out build/demo/filter-chebyshev.wav "$sound"
+
+echo
+echo "findsound: a piece of the recording looked for in the effects' output, where its echo follows it"
+build/examples/findsound --cut 0.1,0.5 --out build/demo/findsound.png "$sound" build/demo/effects-even.wav
+
+echo
+echo "denoise: noise added, and taken out again by wavelets"
+build/examples/denoise --noise -35 --out build/demo/denoise "$sound"
+
+echo
+echo "analytic: envelope and instantaneous frequency of the whole recording, by its Hilbert transform"
+build/examples/analytic --out build/demo/analytic.png "$sound"
+
+echo
 echo "Sounds are in build/demo; the program built through pkg-config wrote the same bytes as the one built through CMake."
-echo "The envelope is build/demo/statistics.png."
+echo "The envelope is build/demo/statistics.png, the filters' responses are filter.png and filter-chebyshev.png beside it; see"
+echo "findsound.png, denoise.png and analytic.png too."
+echo "Pictures: half.jpg, detail.png, contactsheet.png, posterised.png, ramp.png."
 echo "Listen with: aplay build/demo/effects-even.wav"

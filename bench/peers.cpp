@@ -11,6 +11,7 @@ namespace bench {
 QVR_PLAIN_TABLES(vector)
 QVR_PLAIN_TABLES(vector_fixed)
 QVR_PLAIN_TABLES(filters)
+QVR_PLAIN_TABLES(fourier)
 QVR_PLAIN_TABLES(elementary)
 QVR_PLAIN_TABLES(image)
 
@@ -20,7 +21,7 @@ QVR_PLAIN_TABLES(image)
 
 namespace {
 const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(vector_fixed), QVR_PLAIN_ROW(filters),
-                                       QVR_PLAIN_ROW(elementary), QVR_PLAIN_ROW(image)};
+                                         QVR_PLAIN_ROW(fourier), QVR_PLAIN_ROW(elementary), QVR_PLAIN_ROW(image)};
 } // namespace
 
 #ifdef QVR_HAVE_EIGEN

@@ -5,7 +5,7 @@ usage: report.py RESULTS DOCS
 
 RESULTS holds bench.json of the machine's own slot and bench-<slot>.json of others. They are cut by family into
 DOCS/performance/<family>.json, each replacing what an earlier run left there, and the page is made from all of these
-files. So a run of one family renews that family's section alone.
+files. So a run of one family renews that family's section alone. Size and load times come as a table, load.md.
 """
 import glob
 import json
@@ -209,7 +209,14 @@ def main():
     runs = load_runs(results)
     with open(os.path.join(results, "bench.json")) as f:
         store_families(runs, json.load(f)["slot"], folder)
+    loads = os.path.join(folder, "load.md")
+    if os.path.exists(os.path.join(results, "load.md")):
+        os.replace(os.path.join(results, "load.md"), loads)
     lines = METHOD.splitlines() + [""]
+    if os.path.exists(loads):
+        with open(loads) as f:
+            lines += ["## Size and load", "", "Stripped; each load in a process of its own, the median of 101.", ""]
+            lines += f.read().splitlines() + [""]
     for path in sorted(glob.glob(os.path.join(folder, "*.json"))):
         with open(path) as f:
             lines += family_lines(json.load(f), docs)

@@ -5,7 +5,7 @@ set -e
 cd "$(dirname "$0")/.."
 family=$1
 
-packages="clang-19 lld-19 libomp-19-dev cmake ninja-build pkg-config libvolk2-dev libeigen3-dev libyuv-dev libfftw3-dev libsleef-dev libzimg-dev libstb-dev libvips-dev python3-matplotlib"
+packages="clang-19 lld-19 libomp-19-dev cmake ninja-build pkg-config libvolk2-dev libliquid-dev libeigen3-dev libyuv-dev libfftw3-dev libsleef-dev libzimg-dev libstb-dev libvips-dev python3-matplotlib"
 missing=
 for package in $packages; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" || missing="$missing $package"
@@ -37,4 +37,8 @@ $program $only --json=$results/bench.json
 for slot in y8 mx; do
     $program $only --slot=$slot --no-memory --json=$results/bench-$slot.json || [ $? = 3 ] # 3: it cannot
 done
+if [ -z "$family" ] || [ "$family" = frame ]; then
+    strip -o $results/stripped.so build/bench/libmorvenqvr.so.1
+    LD_LIBRARY_PATH=/usr/lib/llvm-19/lib build/bench/bench/load_time $results/stripped.so >$results/load.md
+fi
 /usr/bin/python3 bench/report.py $results docs # the interpreter that the package of matplotlib is for

@@ -17,9 +17,10 @@
 
 #include "common/audio.h"
 #include "common/cli.h"
+#include "common/signal.h"
 
-// Frames at a time, a power of two. A row and its work rows stay in the first-level cache, and the rows are too short for
-// the library to share them with a second thread, which does not pay at so little work.
+// Frames at a time, a power of two. A row and its work rows stay in the first-level cache, and the rows are too short
+// for the library to share them with a second thread, which does not pay at so little work.
 enum { kBlock = 2048 };
 
 static const struct {
@@ -46,21 +47,6 @@ typedef struct {
     int16_t* rounded;
     double busy; // seconds inside the chain
 } Chain;
-
-static void check(qvrStatus status, const char* call)
-{
-    if (status != qvrOk)
-        fail("%s returned status %d", call, (int)status);
-}
-#define CHECK(call) check(call, #call)
-
-static void* allocate(int64_t bytes)
-{
-    void* block = bytes <= INT32_MAX ? Morven_qvrsMalloc_8u((int)bytes) : NULL;
-    if (block == NULL)
-        fail("no memory for %lld bytes", (long long)bytes);
-    return block;
-}
 
 static float** allocateRows(int channels, int64_t length)
 {

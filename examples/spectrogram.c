@@ -14,8 +14,10 @@
 #include <morvenqvr.h>
 
 #include "common/audio.h"
+#include "common/axes.h"
 #include "common/cli.h"
 #include "common/picture.h"
+#include "common/signal.h"
 
 enum { kMinOrder = 6, kMaxOrder = 16 };
 enum { kMaxWidth = 1200, kMinWidth = 480, kMaxHeight = 512 };
@@ -38,21 +40,6 @@ typedef struct {
     double overlap; // share of a frame that the next one repeats
     double range;   // decibels below full scale that are told apart
 } Settings;
-
-static void check(qvrStatus status, const char* call)
-{
-    if (status != qvrOk)
-        fail("%s returned status %d", call, (int)status);
-}
-#define CHECK(call) check(call, #call)
-
-static void* allocate(int64_t bytes)
-{
-    void* block = bytes <= INT32_MAX ? Morven_qvrsMalloc_8u((int)bytes) : NULL;
-    if (block == NULL)
-        fail("out of memory");
-    return block;
-}
 
 // One transform length with its arrays.
 typedef struct {
@@ -175,21 +162,6 @@ static Colour heat(double x)
     return (Colour){c[0], c[1], c[2]};
 }
 
-// A step of 1, 2 or 5 times a power of ten that cuts `span` into at most `most` parts.
-static double niceStep(double span, int most)
-{
-    double step = pow(10, floor(log10(span / most)));
-    while (span / step > most)
-        step *= span / (2 * step) <= most ? 2 : span / (5 * step) <= most ? 5 : 10;
-    return step;
-}
-
-static void label(char* text, size_t size, double value, double step, const char* unit)
-{
-    const int digits = step < 1 ? (int)ceil(-log10(step) - 1e-9) : 0;
-    snprintf(text, size, "%.*f%s", digits, value, unit);
-}
-
 static void drawAxes(Picture* picture, int width, int height, double nyquist, double lasted, double range)
 {
     const Colour ink = {60, 60, 60};
@@ -198,29 +170,29 @@ static void drawAxes(Picture* picture, int width, int height, double nyquist, do
     pictureFrame(picture, kLeft - 1, kTop - 1, width + 2, height + 2, ink);
 
     const int kilo = nyquist >= 2000;
-    const double unit = kilo ? 1000 : 1, top = nyquist / unit, stepF = niceStep(top, height / 40 > 2 ? height / 40 : 2);
+    const double unit = kilo ? 1000 : 1, top = nyquist / unit, stepF = axisStep(top, height / 40 > 2 ? height / 40 : 2);
     for (double f = 0; f <= top * (1 + 1e-9); f += stepF) {
         const int y = bottom - 1 - (int)lround(f / top * (height - 1));
         pictureFill(picture, kLeft - 1 - kTick, y, kTick, 1, ink);
-        label(text, sizeof text, f, stepF, kilo ? " kHz" : " Hz");
+        axisLabel(text, sizeof text, f, stepF, kilo ? " kHz" : " Hz");
         pictureText(picture, kLeft - kTick - 4 - pictureTextWidth(text), y - 3, text, ink);
     }
-    const double stepT = niceStep(lasted, width / 90 > 2 ? width / 90 : 2);
+    const double stepT = axisStep(lasted, width / 90 > 2 ? width / 90 : 2);
     for (double t = 0; t <= lasted * (1 + 1e-9); t += stepT) {
         const int x = kLeft + (int)lround(t / lasted * (width - 1));
         pictureFill(picture, x, bottom + 1, 1, kTick, ink);
-        label(text, sizeof text, t, stepT, " s");
+        axisLabel(text, sizeof text, t, stepT, " s");
         pictureText(picture, x - pictureTextWidth(text) / 2, bottom + kTick + 5, text, ink);
     }
     const int bar = right + 14;
     for (int y = 0; y < height; y++)
         pictureFill(picture, bar, kTop + y, kBarWidth, 1, heat(1 - (double)y / (height - 1)));
     pictureFrame(picture, bar - 1, kTop - 1, kBarWidth + 2, height + 2, ink);
-    const double stepL = niceStep(range, height / 40 > 2 ? height / 40 : 2);
+    const double stepL = axisStep(range, height / 40 > 2 ? height / 40 : 2);
     for (double level = 0; level <= range * (1 + 1e-9); level += stepL) {
         const int y = kTop + (int)lround(level / range * (height - 1));
         pictureFill(picture, bar + kBarWidth + 1, y, kTick, 1, ink);
-        label(text, sizeof text, level == 0 ? 0 : -level, stepL, " dB");
+        axisLabel(text, sizeof text, level == 0 ? 0 : -level, stepL, " dB");
         pictureText(picture, bar + kBarWidth + kTick + 4, y - 3, text, ink);
     }
 }

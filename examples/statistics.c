@@ -9,25 +9,12 @@
 #include "common/audio.h"
 #include "common/cli.h"
 #include "common/picture.h"
+#include "common/signal.h"
 #include "morvenqvr.h"
 
 enum { kFrameMilliseconds = 20, kWidth = 1000, kChannelHeight = 160, kMargin = 8 };
 
 static const int64_t kMostFrames = 1 << 28; // so that a channel of singles stays within 2^31 bytes
-
-static void need(qvrStatus status, const char* what)
-{
-    if (status < 0)
-        fail("%s: status %d", what, (int)status);
-}
-
-static void* allocate(int64_t bytes)
-{
-    void* p = bytes <= INT32_MAX ? Morven_qvrsMalloc_8u((int)bytes) : NULL;
-    if (p == NULL)
-        fail("no memory for %lld bytes", (long long)bytes);
-    return p;
-}
 
 static double decibels(double level)
 {
@@ -55,14 +42,14 @@ static Frames framesOf(const float* x, int n, int rate, float threshold)
         float low, high;
         // The step to the next frame belongs to this one.
         const int pairs = (int64_t)(i + 1) * f.length < n ? f.length : f.length - 1;
-        need(Morven_qvrsZeroCrossing_32f(frame, pairs + 1, &f.crossings[i], qvrZcSignBit), "crossings");
-        need(Morven_qvrsMinMax_32f(frame, f.length, &low, &high), "extremes");
+        CHECK(Morven_qvrsZeroCrossing_32f(frame, pairs + 1, &f.crossings[i], qvrZcSignBit));
+        CHECK(Morven_qvrsMinMax_32f(frame, f.length, &low, &high));
         f.level[i] = 0;
         if (f.length > 1)
-            need(Morven_qvrsStdDev_32f(frame, f.length, &f.level[i]), "deviation");
+            CHECK(Morven_qvrsStdDev_32f(frame, f.length, &f.level[i]));
         f.quiet[i] = -low < threshold && high < threshold;
     }
-    need(Morven_qvrsMulC_32f_I((float)rate / (float)f.length, f.crossings, f.count), "rate");
+    CHECK(Morven_qvrsMulC_32f_I((float)rate / (float)f.length, f.crossings, f.count));
     return f;
 }
 
@@ -77,18 +64,18 @@ static void framesFree(Frames* f)
 static void printSilences(const Frames* f, int rate, int least)
 {
     qvr8u* run = allocate(least);
-    need(Morven_qvrsSet_8u(1, run, least), "fill");
+    CHECK(Morven_qvrsSet_8u(1, run, least));
     const qvr8u loud = 0;
     const double frame = (double)f->length / rate;
     int found = 0;
     double total = 0;
     for (int at = 0; at < f->count;) {
         qvr32s start, end;
-        need(Morven_qvrsFind_8u(f->quiet + at, f->count - at, run, least, &start), "search");
+        CHECK(Morven_qvrsFind_8u(f->quiet + at, f->count - at, run, least, &start));
         if (start < 0)
             break;
         start += at;
-        need(Morven_qvrsFind_8u(f->quiet + start, f->count - start, &loud, 1, &end), "search");
+        CHECK(Morven_qvrsFind_8u(f->quiet + start, f->count - start, &loud, 1, &end));
         end = end < 0 ? f->count : start + end;
         if (found++ < 5)
             printf("  silence            %8.2f s to %.2f s\n", start * frame, end * frame);
@@ -105,17 +92,17 @@ static void printChannel(int channel, const float* x, int n, int rate, const Fra
 {
     float mean, deviation = 0, low, high, rateMean, quietest, loudest;
     qvr32s lowAt, highAt, loudestAt;
-    need(Morven_qvrsMean_32f(x, n, &mean), "mean");
+    CHECK(Morven_qvrsMean_32f(x, n, &mean));
     if (n > 1)
-        need(Morven_qvrsStdDev_32f(x, n, &deviation), "deviation");
-    need(Morven_qvrsMinIndx_32f(x, n, &low, &lowAt), "minimum");
-    need(Morven_qvrsMaxIndx_32f(x, n, &high, &highAt), "maximum");
-    need(Morven_qvrsMean_32f(f->crossings, f->count, &rateMean), "mean");
-    need(Morven_qvrsMaxIndx_32f(f->level, f->count, &loudest, &loudestAt), "maximum");
+        CHECK(Morven_qvrsStdDev_32f(x, n, &deviation));
+    CHECK(Morven_qvrsMinIndx_32f(x, n, &low, &lowAt));
+    CHECK(Morven_qvrsMaxIndx_32f(x, n, &high, &highAt));
+    CHECK(Morven_qvrsMean_32f(f->crossings, f->count, &rateMean));
+    CHECK(Morven_qvrsMaxIndx_32f(f->level, f->count, &loudest, &loudestAt));
     // The median: levels in order, the one in the middle.
     float* sorted = allocate((int64_t)f->count * 4);
-    need(Morven_qvrsCopy_32f(f->level, sorted, f->count), "copy");
-    need(Morven_qvrsSortAscend_32f_I(sorted, f->count), "sort");
+    CHECK(Morven_qvrsCopy_32f(f->level, sorted, f->count));
+    CHECK(Morven_qvrsSortAscend_32f_I(sorted, f->count));
     quietest = sorted[0];
     const int peakIsHigh = high > -low;
     const float peak = peakIsHigh ? high : -low;
@@ -134,33 +121,18 @@ static void printChannel(int channel, const float* x, int n, int rate, const Fra
 
 // ---- The picture ----------------------------------------------------------------------------------------------------
 
-// The rows from the first to the last, both included.
-static void fillColumn(Picture* p, int x, int first, int last, Colour colour)
-{
-    pictureFill(p, x, first, 1, last - first + 1, colour);
-}
-
-// Per column the range of its samples, its deviation inside, and a grey ground where it is silent.
+// The envelope, with a grey ground where it is silent.
 static void drawChannel(Picture* p, int channel, const float* x, int n, const Frames* f)
 {
-    static const Colour silent = {225, 225, 225}, range = {140, 175, 220}, core = {30, 80, 160};
-    const int top = channel * kChannelHeight, middle = top + kChannelHeight / 2, half = kChannelHeight / 2 - kMargin;
+    static const Colour silent = {225, 225, 225};
+    const int top = channel * kChannelHeight;
     for (int column = 0; column < p->width; column++) {
-        const int from = (int)((int64_t)column * n / p->width), next = (int)((int64_t)(column + 1) * n / p->width);
-        const int length = next > from ? next - from : 1;
-        float low, high, mean = x[from], deviation = 0;
-        need(Morven_qvrsMinMax_32f(x + from, length, &low, &high), "extremes");
-        if (length > 1) {
-            need(Morven_qvrsMean_32f(x + from, length, &mean), "mean");
-            need(Morven_qvrsStdDev_32f(x + from, length, &deviation), "deviation");
-        }
+        const int from = (int)((int64_t)column * n / p->width);
         const int frame = from / f->length < f->count ? from / f->length : f->count - 1;
         if (f->quiet[frame])
-            fillColumn(p, column, top + kMargin, top + kChannelHeight - kMargin, silent);
-        fillColumn(p, column, middle - (int)lroundf(high * half), middle - (int)lroundf(low * half), range);
-        fillColumn(p, column, middle - (int)lroundf((mean + deviation) * half),
-                   middle - (int)lroundf((mean - deviation) * half), core);
+            pictureFill(p, column, top + kMargin, 1, kChannelHeight - 2 * kMargin + 1, silent);
     }
+    envelopeDraw(p, (Field){0, top + kMargin, p->width, kChannelHeight - 2 * kMargin}, x, n);
 }
 
 // ---- The program ----------------------------------------------------------------------------------------------------
@@ -213,7 +185,7 @@ int main(int argc, char** argv)
     qvr32f** rows = allocate(in.channels * (int64_t)sizeof *rows);
     for (int c = 0; c < in.channels; c++)
         rows[c] = allocate((int64_t)n * 4);
-    need(Morven_qvrsSplitScaled_16s32f_D2L(samples, rows, in.channels, n), "split");
+    CHECK(Morven_qvrsSplitScaled_16s32f_D2L(samples, rows, in.channels, n));
     Morven_qvrsFree(samples);
 
     Picture picture = pictureMake(kWidth, in.channels * kChannelHeight, (Colour){255, 255, 255});

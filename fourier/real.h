@@ -15,9 +15,9 @@ template<class T> inline qvrStatus checkTransform(const SpecType<T>* pSpec, cons
     return anyNull(pSrc, pDst) ? qvrErrNullPointer : qvrOk;
 }
 
-// The complex transform of M points: any class but the real kernels.
+// The complex transform of M points: any class but the real kernels. One copy of it serves all callers.
 template<bool Inverse, class T>
-inline void complexTransform(const SpecType<T>& spec, const T* src, T* dst, T* work, bool scale)
+__attribute__((noinline)) void complexTransform(const SpecType<T>& spec, const T* src, T* dst, T* work, bool scale)
 {
     const int m = spec.order - 1;
     const T factor = spec.normFactor;

@@ -43,7 +43,9 @@ constexpr long double constantSine(int k, int n)
     k %= n;
     if (2 * k > n)
         return -constantSine(n - k, n);
-    return 4 * k <= n ? quarterSine(k, n) : quarterSine(n / 2 - k, n);
+    if (4 * k <= n)
+        return quarterSine(k, n);
+    return n % 2 == 0 ? quarterSine(n / 2 - k, n) : quarterSine(n - 2 * k, 2 * n);
 }
 constexpr long double constantCosine(int k, int n)
 {

@@ -86,6 +86,10 @@ template<class T> using SpecType = typename SpecTypeOf<T>::type;
 extern "C" {
 QVR_FFT_INTERNALS(32f, float)
 QVR_FFT_INTERNALS(64f, double)
+
+// The complex transform inside of a real one: half the object's length, of pairs, times normFactor if `scale`.
+QVR_HIDDEN qvrStatus SLOT(ownqvrsFFTComplex_32f)(const float* pSrc, float* pDst, const qvrsFFTSpec_R_32f* pSpec,
+                                                 uint8_t* pBuffer, bool inverse, bool scale);
 }
 
 #undef QVR_FFT_INTERNALS

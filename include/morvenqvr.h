@@ -22,7 +22,8 @@
  * - Floating point. Results follow the caller's MXCSR (rounding, flush to zero, masks) unless a function states
  *   another rule. There are no fused operations where a formula shows two.
  * - Threads. Any function may run in several threads at once on separate data. Functions that use threads of their
- *   own say so; they use at most two, and never more than the OpenMP runtime allowed when the library was loaded.
+ *   own say so; they use two at most unless they tell otherwise, and never more than the OpenMP runtime allowed when
+ *   the library was loaded.
  *
  * @section names How a name is built
  *
@@ -849,6 +850,281 @@ qvrStatus Morven_qvrsFFTInv_CCSToR_64f(const qvr64f* pSrc, qvr64f* pDst, const q
 /** @} */
 
 /**
+ * @defgroup fixedfft Fixed-point real FFT
+ *
+ * The forward transform of N = 2^order 16-bit samples to a 16-bit CCS spectrum of N + 2 values, laid out as in the real
+ * FFT: Re X[0], 0, Re X[1], Im X[1], .. Re X[N/2], 0. The result is
+ *
+ *     X[k] * f * 2^-scaleFactor, rounded and saturated to -32768 .. 32767
+ *
+ * with f = 1 (qvrFftNoDiv, qvrFftDivInvByN), 1/N (qvrFftDivFwdByN) or 1/sqrt(N) (qvrFftDivBySqrtN). At order 0 there
+ * are two values: the scaled sample, and 0.
+ *
+ * The object's method is fixed when it is created. Short orders (below 4; below 9 in the SSE2 build) with the hint
+ * qvrHintNone or qvrHintFast run in integers with 14-bit twiddles, and round half up. All others go through the
+ * transform in single precision and round to nearest, a tie to even.
+ *
+ * Work buffer. `pBuffer` may be null: the transform then allocates for the call. Otherwise it is used from its next
+ * 64-byte boundary on, and 8 * N + 256 bytes, and never less than 4 * N + 131328, serve every object.
+ * @{
+ */
+
+typedef struct qvrsFFTSpec_R_16s qvrsFFTSpec_R_16s; /**< prepared fixed-point transform */
+
+/**
+ * Creates the specification object of a length.
+ *
+ * Checks in order: ppSpec null (qvrErrNullPointer), order outside 0..30 (qvrErrFFTOrder), flag (qvrErrFFTFlag), order
+ * above the largest of the transform in single precision (qvrErrFFTOrder).
+ * @param ppSpec receives the object; untouched after an error. Release it with Morven_qvrsFFTFree_R_16s.
+ * @param order log2 of the length
+ * @param flag qvrFftDivFwdByN, qvrFftDivInvByN, qvrFftDivBySqrtN or qvrFftNoDiv
+ * @param hint qvrHintAccurate asks for the transform in single precision at every order
+ * @return qvrErrNoMemory if memory could not be had, or a size would pass 2^31 - 1 bytes (from order 29 on)
+ */
+qvrStatus Morven_qvrsFFTInitAlloc_R_16s(qvrsFFTSpec_R_16s** ppSpec, int order, int flag, int hint);
+
+/**
+ * 16-bit samples to their half spectrum.
+ *
+ * Checks in order: pSpec null (qvrErrNullPointer), its kind (qvrErrBadContext), pSrc or pDst null (qvrErrNullPointer).
+ * @param pSrc N samples
+ * @param pDst the spectrum, N + 2 values (2 at order 0); may be pSrc
+ * @param pSpec the object
+ * @param scaleFactor any value; a negative one scales up
+ * @param pBuffer work buffer or null
+ * @return qvrErrNoMemory if work memory could not be had; nothing is written then
+ */
+qvrStatus Morven_qvrsFFTFwd_RToCCS_16s_Sfs(const qvr16s* pSrc, qvr16s* pDst, const qvrsFFTSpec_R_16s* pSpec,
+                                           int scaleFactor, qvr8u* pBuffer);
+
+/**
+ * Releases an object of Morven_qvrsFFTInitAlloc_R_16s.
+ * @return qvrErrNullPointer for null, qvrErrBadContext for anything but such an object
+ */
+qvrStatus Morven_qvrsFFTFree_R_16s(qvrsFFTSpec_R_16s* pSpec);
+
+/** @} */
+
+/**
+ * @defgroup hilbert Hilbert transform
+ *
+ * The analytic signal of a real block of any length: the real part is the input, the imaginary part its Hilbert
+ * transform, both up to rounding. It is made in the frequency domain, so the block counts as one period of a periodic
+ * signal: positive frequencies are doubled, negative ones removed, the mean and (of an even length) the frequency of
+ * half the sampling rate kept. Lengths 1 and 2 give the input with imaginary part 0.
+ *
+ * Any length works. Lengths whose prime factors are small are fastest; one with a prime factor above 75 costs three to
+ * six times as much.
+ *
+ * A state is not changed by transforms: one state serves several threads at once.
+ * @{
+ */
+
+typedef struct qvrsHilbertState_32f32fc qvrsHilbertState_32f32fc; /**< prepared Hilbert transform of one length */
+
+/**
+ * Creates the state of a block length.
+ * @param ppState receives the state; untouched after an error. Release it with Morven_qvrsHilbertFree_32f32fc.
+ * @param len samples in a block, at least 1
+ * @param hint any value
+ * @return in order: qvrErrNullPointer, qvrErrBadSize for a length below 1. Then qvrErrFFTOrder for a power of two of
+ *     2^29 and more (2^28 in the SSE2 build), qvrErrBadSize for other lengths above 2^27 - 1, qvrErrNoMemory if the
+ *     tables could not be had. Failure to get the few bytes of the state itself is not caught.
+ */
+qvrStatus Morven_qvrsHilbertInitAlloc_32f32fc(qvrsHilbertState_32f32fc** ppState, int len, int hint);
+
+/**
+ * The analytic signal of one block.
+ * @param pSrc len samples
+ * @param pDst len complex values; does not overlap pSrc
+ * @param pState the state
+ * @return in order: qvrErrNullPointer, qvrErrBadContext, qvrErrNoMemory if work memory could not be had; nothing is
+ *     written then
+ */
+qvrStatus Morven_qvrsHilbert_32f32fc(const qvr32f* pSrc, qvr32fc* pDst, qvrsHilbertState_32f32fc* pState);
+
+/** Releases a state. @return qvrErrNullPointer, qvrErrBadContext */
+qvrStatus Morven_qvrsHilbertFree_32f32fc(qvrsHilbertState_32f32fc* pState);
+
+/** @} */
+
+/**
+ * @defgroup convolution Convolution and correlation
+ *
+ * Sums of products of two signals at every shift, none of them normalised. Each function chooses by the sizes between
+ * plain sums in single precision and products of spectra; a spectrum's rounding error follows the largest results, a
+ * plain sum's the terms of each result. Infinities and NaNs stay with the results that they belong to in plain sums
+ * only. pDst does not overlap the sources; the sources may be one array.
+ *
+ * Statuses in order, if nothing else is told: qvrErrNullPointer, qvrErrBadSize for a length below 1, qvrErrNoMemory
+ * with nothing written.
+ * @{
+ */
+
+/**
+ * Linear convolution: pDst[n] = sum over k of pSrc1[k] * pSrc2[n - k], n = 0 .. len1 + len2 - 2.
+ *
+ * With S the shorter and L the longer length and D = len1 + len2 - 1 results, plain sums are taken if D < 512 or S < 64
+ * (150 and 32 in the SSE2 build); each then adds its terms to 0 in the order of the shorter source. Else, from L = 3 S
+ * on, the longer source goes through in blocks, which for L above 4096 run on all threads that the OpenMP runtime
+ * allowed when the library was loaded; the result does not depend on their number.
+ * @param pSrc1 first signal
+ * @param len1 its length, at least 1
+ * @param pSrc2 second signal
+ * @param len2 its length, at least 1
+ * @param pDst len1 + len2 - 1 values
+ * @return qvrErrFFTOrder if the transform that the lengths ask for is longer than the largest
+ */
+qvrStatus Morven_qvrsConv_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2, int len2, qvr32f* pDst);
+
+/**
+ * A stretch of a convolution: pDst[n] = sum for k = 0 .. len1 - 1 of pSrc1[k] * pSrc2[n - k], n = 0 .. dstLen - 1, by
+ * plain sums.
+ *
+ * pSrc2 points `bias` elements into a buffer of len2 elements, so that pSrc2[-bias] is its first one; terms whose
+ * element lies outside of that buffer are left out. A bias below 0 means a buffer that begins behind pSrc2.
+ * @param pSrc1 taps
+ * @param len1 number of taps, at least 1
+ * @param pSrc2 element `bias` of the buffer
+ * @param len2 elements in the buffer, at least 1
+ * @param pDst dstLen values
+ * @param dstLen number of results, at least 1
+ * @param bias place of pSrc2 in its buffer
+ */
+qvrStatus Morven_qvrsConvBiased_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2, int len2, qvr32f* pDst,
+                                    int dstLen, int bias);
+
+/**
+ * Cyclic convolution of 8 by 8 values: pY[n] = sum for k = 0 .. 7 of pX[k] * pH[(n - k) mod 8], added in the order of
+ * k. No argument is checked; the result is always qvrOk.
+ */
+qvrStatus Morven_qvrsConvCyclic8x8_32f(const qvr32f* pX, const qvr32f* pH, qvr32f* pY);
+
+/**
+ * Cross-correlation: pDst[n] = sum over k of pSrc1[k] * pSrc2[k + lag], lag = lowLag + n, n = 0 .. dstLen - 1; zero for
+ * lags outside 1 - len1 .. len2 - 1.
+ *
+ * Plain sums are taken while min(len1, len2) * results / max(len1, len2) stays below 384, where results are the lags
+ * inside that range.
+ * @param pSrc1 first signal
+ * @param len1 its length, at least 1
+ * @param pSrc2 second signal
+ * @param len2 its length, at least 1
+ * @param pDst dstLen values
+ * @param dstLen number of lags, at least 1
+ * @param lowLag first lag, any value
+ * @return qvrErrFFTOrder if the transform that the lengths ask for is longer than the largest
+ */
+qvrStatus Morven_qvrsCrossCorr_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2, int len2, qvr32f* pDst,
+                                   int dstLen, int lowLag);
+
+/**
+ * Autocorrelation: pDst[n] = sum over k of pSrc[k] * pSrc[k + n], n = 0 .. dstLen - 1; zero from n = srcLen on.
+ *
+ * Plain sums are taken while min(srcLen, dstLen) stays below 856 (600 in the SSE2 build, 1200 in the AVX2 build).
+ * @param pSrc the signal
+ * @param srcLen its length, at least 1
+ * @param pDst dstLen values
+ * @param dstLen number of lags, at least 1
+ * @return qvrErrFFTOrder if the transform that the lengths ask for is longer than the largest
+ */
+qvrStatus Morven_qvrsAutoCorr_32f(const qvr32f* pSrc, int srcLen, qvr32f* pDst, int dstLen);
+
+/** @} */
+
+/**
+ * @defgroup wavelet Wavelet transform
+ *
+ * One level of a two-channel filter bank on a running stream. The filters are the caller's. Both directions keep their
+ * history from call to call, so that blocks of any size make the same stream as one long block, up to the last bit; a
+ * new state has a history of zeros. A state is used by one thread at a time.
+ *
+ * Forward. Each channel, with its taps and offset, halves the rate: y[n] = sum over k of taps[k] * x[2n - offset - k].
+ * An offset of -1 looks one sample ahead: it takes in the second sample of the pair too.
+ *
+ * Inverse. Each channel doubles the rate: with u[2n] = y[n] and u[2n + 1] = 0, x[t] = sum over k of
+ * taps[k] * u[t - offset - k]; an offset of -1 acts as one of 1. The results of the low channel, rounded to single, and
+ * of the high channel are added.
+ *
+ * Products are rounded to single precision, their sums are taken in double precision.
+ *
+ * Delay arrays hold the history of one channel, oldest value first: what the filter still looks at, then what waits in
+ * the delay of the offset. Forward: lenTaps - 1 + max(offset, 0) values, of which lenTaps - 1 (with an offset of -1:
+ * lenTaps - 2) are the filter's and, with an offset of -1, the last one is not used. Inverse: (lenTaps + offset - 1) /
+ * 2 values, rounded down, of which the last offset / 2 are those of the offset.
+ *
+ * Statuses of all functions but creation, in order: qvrErrNullPointer for a null state, qvrErrBadContext for anything
+ * but a state of that direction, qvrErrNullPointer for another null pointer, qvrErrBadSize for a length below 1.
+ * @{
+ */
+
+typedef struct qvrsWTFwdState_32f qvrsWTFwdState_32f; /**< forward transform: two filters and their history */
+typedef struct qvrsWTInvState_32f qvrsWTInvState_32f; /**< inverse transform: two filters and their history */
+
+/**
+ * Creates a forward state.
+ *
+ * Statuses in order: qvrErrNullPointer for ppState or pTapsLow, qvrErrBadSize for lenLow below 1, qvrErrNullPointer for
+ * pTapsHigh, qvrErrBadSize for lenHigh below 1, qvrErrBadOffset for an offset below -1, qvrErrNoMemory.
+ * @param ppState receives the state, null after qvrErrNoMemory; release it with Morven_qvrsWTFwdFree_32f
+ * @param pTapsLow taps of the low channel
+ * @param lenLow number of them, at least 1
+ * @param offsLow delay of the low channel in samples, -1 or more
+ * @param pTapsHigh taps of the high channel
+ * @param lenHigh number of them, at least 1
+ * @param offsHigh delay of the high channel in samples, -1 or more
+ */
+qvrStatus Morven_qvrsWTFwdInitAlloc_32f(qvrsWTFwdState_32f** ppState, const qvr32f* pTapsLow, int lenLow, int offsLow,
+                                        const qvr32f* pTapsHigh, int lenHigh, int offsHigh);
+
+/**
+ * 2 * dstLen samples to dstLen values of each channel.
+ * @param pSrc 2 * dstLen samples
+ * @param pDstLow dstLen values of the low channel; no destination overlaps another array
+ * @param pDstHigh dstLen values of the high channel
+ * @param dstLen values of one channel, at least 1
+ * @param pState the state, whose history moves on
+ */
+qvrStatus Morven_qvrsWTFwd_32f(const qvr32f* pSrc, qvr32f* pDstLow, qvr32f* pDstHigh, int dstLen,
+                               qvrsWTFwdState_32f* pState);
+
+/** Sets the history of both channels from their delay arrays. */
+qvrStatus Morven_qvrsWTFwdSetDlyLine_32f(qvrsWTFwdState_32f* pState, const qvr32f* pDlyLow, const qvr32f* pDlyHigh);
+
+/** Writes the history of both channels to their delay arrays. */
+qvrStatus Morven_qvrsWTFwdGetDlyLine_32f(qvrsWTFwdState_32f* pState, qvr32f* pDlyLow, qvr32f* pDlyHigh);
+
+/** Releases a forward state. */
+qvrStatus Morven_qvrsWTFwdFree_32f(qvrsWTFwdState_32f* pState);
+
+/** Creates an inverse state; arguments and statuses as in Morven_qvrsWTFwdInitAlloc_32f. */
+qvrStatus Morven_qvrsWTInvInitAlloc_32f(qvrsWTInvState_32f** ppState, const qvr32f* pTapsLow, int lenLow, int offsLow,
+                                        const qvr32f* pTapsHigh, int lenHigh, int offsHigh);
+
+/**
+ * srcLen values of each channel to 2 * srcLen samples.
+ * @param pSrcLow srcLen values of the low channel
+ * @param pSrcHigh srcLen values of the high channel
+ * @param srcLen values of one channel, at least 1
+ * @param pDst 2 * srcLen samples; does not overlap a source
+ * @param pState the state, whose history moves on
+ */
+qvrStatus Morven_qvrsWTInv_32f(const qvr32f* pSrcLow, const qvr32f* pSrcHigh, int srcLen, qvr32f* pDst,
+                               qvrsWTInvState_32f* pState);
+
+/** Sets the history of both channels from their delay arrays. */
+qvrStatus Morven_qvrsWTInvSetDlyLine_32f(qvrsWTInvState_32f* pState, const qvr32f* pDlyLow, const qvr32f* pDlyHigh);
+
+/** Writes the history of both channels to their delay arrays. */
+qvrStatus Morven_qvrsWTInvGetDlyLine_32f(qvrsWTInvState_32f* pState, qvr32f* pDlyLow, qvr32f* pDlyHigh);
+
+/** Releases an inverse state. */
+qvrStatus Morven_qvrsWTInvFree_32f(qvrsWTInvState_32f* pState);
+
+/** @} */
+
+/**
  * @defgroup windows Windows
  *
  * In-place multiplication of a signal by a symmetric window of its own length L. With t = 2 pi / (L - 1), the weights
@@ -952,6 +1228,214 @@ qvrStatus Morven_qvrsIIRGenLowpass_64f(int order, qvr64f* taps, int filterType, 
 
 /** Designs a high-pass filter; otherwise as Morven_qvrsIIRGenLowpass_64f. */
 qvrStatus Morven_qvrsIIRGenHighpass_64f(int order, qvr64f* taps, int filterType, qvr64f rFreq, qvr64f rippleDb);
+
+/** @} */
+
+/**
+ * @defgroup fir FIR filters
+ *
+ * y[n] = sum of taps[k] x[n - k] for k = 0 .. tapsLen - 1.
+ *
+ * A state belongs to the caller from creation to release, keeps its own copy of the taps and the newest samples, so that
+ * consecutive runs filter one continuous signal, and is used by one thread at a time. There are four kinds, by the type
+ * of the taps, in which all sums are made, and of the samples: 32f and 32f, 64f and 64f, 64f and 32f, 64f and 16s.
+ *
+ * Long filters. From 64 taps on a state also has a transform plan (with 64f taps from 32 on, on processors without
+ * SSSE3), and long runs go by overlap-save through blocks of 2 to 4 times tapsLen. Both paths give the same samples up
+ * to rounding and leave the same delay line. Out of place, and for 64f taps with 32f or 16s samples in place too, runs of
+ * 512 samples and more go through the transform. In place in one type a run is cut into chunks of 4096 samples, 4224 on
+ * processors with AVX, and a chunk goes through the transform if 512 samples or more follow it.
+ *
+ * Rounding. The order of the additions in a sum is not fixed, and products may be fused with additions. On one
+ * processor with SSE3 the direct path gives the same bits however a signal is cut into runs. A NaN or an infinity enters
+ * the outputs whose sums it belongs to; on the transform path it enters all outputs of its block.
+ *
+ * Threads. From 1601 samples on a run may use as many threads as the OpenMP runtime allowed when the library was loaded:
+ * on the transform path always, on the direct path but for the 32f form on processors with AVX. A state is made for the
+ * number of threads at its creation.
+ * @{
+ */
+
+/** A FIR filter with 32f taps for 32f samples. */
+typedef struct qvrsFIRState_32f qvrsFIRState_32f;
+/** A FIR filter with 64f taps for 64f samples. */
+typedef struct qvrsFIRState_64f qvrsFIRState_64f;
+/** A FIR filter with 64f taps for 32f samples. */
+typedef struct qvrsFIRState64f_32f qvrsFIRState64f_32f;
+/** A FIR filter with 64f taps for 16s samples. */
+typedef struct qvrsFIRState64f_16s qvrsFIRState64f_16s;
+
+/**
+ * Creates a FIR filter.
+ * @param statePtr receives the state; release it with Morven_qvrsFIRFree_32f
+ * @param taps tapsLen taps, which are copied
+ * @param tapsLen number of taps, at least 1
+ * @param dlyLine tapsLen past samples, the newest first: dlyLine[k] is x[-1 - k]; the last one influences no output. Null
+ *     for zeros
+ * @return qvrErrNullPointer for null statePtr or taps; qvrErrBadTapsLen; qvrErrNoMemory, also when the state would pass
+ *     2^31 - 1 bytes; here qvrErrNullPointer too when the transform plan cannot be had. After an error nothing stays
+ *     allocated, and *statePtr is not to be used
+ */
+qvrStatus Morven_qvrsFIRInitAlloc_32f(qvrsFIRState_32f** statePtr, const qvr32f* taps, int tapsLen,
+                                      const qvr32f* dlyLine);
+
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_32f; a plan that no transform is long enough for is left out. */
+qvrStatus Morven_qvrsFIRInitAlloc_64f(qvrsFIRState_64f** statePtr, const qvr64f* taps, int tapsLen,
+                                      const qvr64f* dlyLine);
+
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f. */
+qvrStatus Morven_qvrsFIRInitAlloc64f_32f(qvrsFIRState64f_32f** statePtr, const qvr64f* taps, int tapsLen,
+                                         const qvr32f* dlyLine);
+
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f. */
+qvrStatus Morven_qvrsFIRInitAlloc64f_16s(qvrsFIRState64f_16s** statePtr, const qvr64f* taps, int tapsLen,
+                                         const qvr16s* dlyLine);
+
+/** Releases a FIR filter. @return qvrErrNullPointer; qvrErrBadContext for an object of another kind */
+qvrStatus Morven_qvrsFIRFree_32f(qvrsFIRState_32f* state);
+/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+qvrStatus Morven_qvrsFIRFree_64f(qvrsFIRState_64f* state);
+/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+qvrStatus Morven_qvrsFIRFree64f_32f(qvrsFIRState64f_32f* state);
+/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+qvrStatus Morven_qvrsFIRFree64f_16s(qvrsFIRState64f_16s* state);
+
+/**
+ * Filters numIters samples.
+ * @param src samples
+ * @param dst results; may be src
+ * @param numIters samples, at least 1
+ * @param state the filter, whose delay line is carried on
+ * @return qvrErrNullPointer, qvrErrBadSize, then qvrErrBadContext for an object of another kind; with none of them has
+ *     the state changed
+ */
+qvrStatus Morven_qvrsFIR_32f(const qvr32f* src, qvr32f* dst, int numIters, qvrsFIRState_32f* state);
+
+/** Filters numIters samples, as Morven_qvrsFIR_32f. */
+qvrStatus Morven_qvrsFIR_64f(const qvr64f* src, qvr64f* dst, int numIters, qvrsFIRState_64f* state);
+
+/** Filters numIters samples, as Morven_qvrsFIR_32f. Results beyond the range of a float become the largest one. */
+qvrStatus Morven_qvrsFIR64f_32f(const qvr32f* src, qvr32f* dst, int numIters, qvrsFIRState64f_32f* state);
+
+/**
+ * Filters numIters samples, as Morven_qvrsFIR_32f.
+ *
+ * A sum is multiplied by 2 to the power of -scaleFactor, saturated to 16 bits and rounded half away from zero, by adding
+ * 0.5 or -0.5 and dropping the fraction. A NaN gives 0.
+ * @param scaleFactor its magnitude counts modulo 128
+ */
+qvrStatus Morven_qvrsFIR64f_16s_Sfs(const qvr16s* src, qvr16s* dst, int numIters, qvrsFIRState64f_16s* state,
+                                    int scaleFactor);
+
+/** Writes the filter's tapsLen taps in their original order. @return qvrErrNullPointer, qvrErrBadContext */
+qvrStatus Morven_qvrsFIRGetTaps_32f(const qvrsFIRState_32f* state, qvr32f* taps);
+
+/**
+ * Writes the delay line, tapsLen past samples with the newest first.
+ * @return qvrErrNullPointer, then qvrErrBadContext for an object of another kind
+ */
+qvrStatus Morven_qvrsFIRGetDlyLine_32f(const qvrsFIRState_32f* state, qvr32f* dlyLine);
+/** Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRGetDlyLine_64f(const qvrsFIRState_64f* state, qvr64f* dlyLine);
+/** Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRGetDlyLine64f_32f(const qvrsFIRState64f_32f* state, qvr32f* dlyLine);
+
+/**
+ * Replaces the delay line, as after creation.
+ * @param state the filter
+ * @param dlyLine tapsLen past samples with the newest first, or null for zeros
+ * @return qvrErrNullPointer for a null state, then qvrErrBadContext for an object of another kind
+ */
+qvrStatus Morven_qvrsFIRSetDlyLine_32f(qvrsFIRState_32f* state, const qvr32f* dlyLine);
+/** Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRSetDlyLine_64f(qvrsFIRState_64f* state, const qvr64f* dlyLine);
+/** Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f. */
+qvrStatus Morven_qvrsFIRSetDlyLine64f_32f(qvrsFIRState64f_32f* state, const qvr32f* dlyLine);
+
+/** @} */
+
+/**
+ * @defgroup firmr Multi-rate FIR in one call
+ *
+ * Filters and changes the sample rate by upFactor / downFactor without a state. Time runs on a grid on which an input
+ * sample enters every upFactor steps, the first at step upPhase, and an output falls every downFactor steps, the first at
+ * step downPhase. An output at a step whose newest sample is number k and entered q steps before is the sum of
+ * taps[q + m * upFactor] x[k - m] for m from 0 on, as long as there are taps. With a stream of taps for the high rate
+ * that is: stuff upFactor - 1 zeros behind each sample, filter, keep every downFactor-th.
+ *
+ * - src holds numIters * downFactor samples, dst takes numIters * upFactor; they do not overlap.
+ * - dlyLine holds the past samples, the newest first, x[-1 - m] in dlyLine[m], and after the call those of its end;
+ *   tapsLen / upFactor of them, rounded up. The same phases continue a signal in the next call.
+ * - Statuses in order: qvrErrNullPointer for src or dst; qvrErrBadSize for numIters below 1; qvrErrNullPointer for taps;
+ *   qvrErrBadTapsLen for tapsLen below 1; qvrErrBadMultiRateFactor for a factor below 1; qvrErrBadMultiRatePhase for a
+ *   phase outside 0 .. factor - 1; qvrErrNullPointer for dlyLine. After an error neither dst nor dlyLine has changed.
+ * - The caller's thread does all the work.
+ * @{
+ */
+
+/**
+ * Multi-rate FIR of 16-bit samples with 32f taps; sums are 32f.
+ *
+ * A sum of eight terms and more adds terms 8i to 8i + 3 into the four lanes of one accumulator and terms 8i + 4 to
+ * 8i + 7 into those of another, adds the two, lanes 2 and 3 to 0 and 1, lane 1 to 0, and then the remaining terms one by
+ * one. It is multiplied by 2 to the power of -scaleFactor in 32f, saturated to 16 bits and rounded half away from zero,
+ * by adding 0.5 or -0.5 in 64f and dropping the fraction. A NaN gives 0.
+ * @param scaleFactor its magnitude counts modulo 128; 127 gives a factor of 0, -127 one of 2 to the power of 127
+ */
+qvrStatus Morven_qvrsFIRMR32f_Direct_16s_Sfs(const qvr16s* src, qvr16s* dst, int numIters, const qvr32f* taps,
+                                             int tapsLen, int upFactor, int upPhase, int downFactor, int downPhase,
+                                             qvr16s* dlyLine, int scaleFactor);
+
+/** Multi-rate FIR of 32f samples with 64f taps. Sums are 64f; beyond the range of a float they become the largest one. */
+qvrStatus Morven_qvrsFIRMR64f_Direct_32f(const qvr32f* src, qvr32f* dst, int numIters, const qvr64f* taps, int tapsLen,
+                                         int upFactor, int upPhase, int downFactor, int downPhase, qvr32f* dlyLine);
+
+/**
+ * Multi-rate FIR in place: the outputs begin where the samples did, and may be more or fewer.
+ * @param srcDst numIters * downFactor samples, with room for numIters * upFactor outputs
+ * @return also qvrErrNoMemory when a copy of the samples cannot be had
+ */
+qvrStatus Morven_qvrsFIRMR64f_Direct_32f_I(qvr32f* srcDst, int numIters, const qvr64f* taps, int tapsLen, int upFactor,
+                                           int upPhase, int downFactor, int downPhase, qvr32f* dlyLine);
+
+/** @} */
+
+/**
+ * @defgroup firgen FIR design
+ *
+ * Windowed-sinc taps. Frequencies are fractions of the sampling rate. Taps are symmetric, so that the delay is
+ * (tapsLen - 1) / 2 samples at all frequencies; those of the high-pass with an even tapsLen are antisymmetric.
+ *
+ * - taps receives tapsLen doubles; at least 5.
+ * - windowType is one of the selectors below; with any other value no window is applied, and that is no error.
+ * - normalize: 0 leaves the gain as the formulas give it; any other value scales it to 1 at the reference frequency,
+ *   which is 0 for low-pass and band-stop, 0.5 for high-pass, and the middle of the band for band-pass.
+ * - Statuses in order: qvrErrNullPointer for taps; qvrErrBadSize for tapsLen below 5, for a frequency that is not
+ *   between 0 and 0.5, and for edges that do not rise; qvrErrNullPointer also if work memory cannot be had.
+ * @{
+ */
+
+/** Windows of the design functions, with W = 2 pi i / (tapsLen - 1). */
+enum {
+    qvrFirBartlett = 0, /**< rises from 0 to the centre in equal steps */
+    qvrFirBlackman = 1, /**< (a + 1) / 2 - 0.5 cos W - (a / 2) cos 2W, a = -(0.5 / cos(pi / (tapsLen - 1)))^2 */
+    qvrFirHamming = 2,  /**< 0.54 - 0.46 cos W */
+    qvrFirHann = 3      /**< 0.5 - 0.5 cos W */
+};
+
+/** Low-pass up to rFreq. */
+qvrStatus Morven_qvrsFIRGenLowpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rFreq);
+
+/** High-pass from rFreq on. */
+qvrStatus Morven_qvrsFIRGenHighpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rFreq);
+
+/** Band-pass from rLowFreq to rHighFreq, of which the first is the lower. */
+qvrStatus Morven_qvrsFIRGenBandpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rLowFreq,
+                                        qvr64f rHighFreq);
+
+/** Band-stop between rLowFreq and rHighFreq, of which the first is the lower. */
+qvrStatus Morven_qvrsFIRGenBandstop_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rLowFreq,
+                                        qvr64f rHighFreq);
 
 /** @} */
 

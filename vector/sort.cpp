@@ -158,20 +158,6 @@ template<class T> QVR_INLINE void reverse(T* a, Index n)
         swapElements(a, i, j);
 }
 
-// The largest moves to the end, then the largest of the rest, ...
-template<class T> QVR_INLINE void bubbleSort(T* a, Index n)
-{
-    for (Index end = n - 1; end > 0; end--) {
-        T largest = elementAt(a, 0);
-        for (Index i = 1; i <= end; i++) {
-            const T x = elementAt(a, i);
-            putElement(a, i - 1, largest < x ? largest : x);
-            largest = largest > x ? largest : x;
-        }
-        putElement(a, end, largest);
-    }
-}
-
 template<bool OrEqual, class T> QVR_INLINE bool goesToFront(T x, T pivot)
 {
     return OrEqual ? x <= pivot : x < pivot;
@@ -260,6 +246,42 @@ template<class T> QVR_INLINE void sortEight(T* a)
         putElement(a, i, x[i]);
 }
 
+// Few elements by counting: the place of each is the number of those below it and of equal ones before it. A vector of
+// elements counts against one other at a time.
+constexpr Index kCountUpTo = 32;
+
+template<class T> QVR_INLINE void sortByCounting(T* a, Index n)
+{
+    using V = Full<T>;
+    using M = Mask<V>;
+    constexpr int N = kLanes<T>;
+    T x[kCountUpTo];
+    Elem<M> place[kCountUpTo];
+    for (Index i = 0; i < n; i++)
+        x[i] = elementAt(a, i);
+    for (Index i = n; i % N != 0; i++)
+        x[i] = x[0];
+    for (Index at = 0; at < n; at += N) {
+        const V v = load<V>(x + at);
+        M below{}, ones{};
+        Index j = 0;
+        for (; j < at; j++)
+            below += splat<V>(x[j]) <= v;
+        M later = iota<M>();
+        for (; j < at + N && j < n; j++) {
+            const V other = splat<V>(x[j]);
+            ones += other < v;
+            ones += (other == v) & (later > M{});
+            later -= 1;
+        }
+        for (; j < n; j++)
+            below += splat<V>(x[j]) < v;
+        store(place + at, -(below + ones));
+    }
+    for (Index i = 0; i < n; i++)
+        putElement(a, static_cast<Index>(place[i]), x[i]);
+}
+
 constexpr Index kSmallUpTo = 8;
 constexpr Index kNinthsFrom = 128; // elements from which the pivot is a median of three medians
 
@@ -273,13 +295,13 @@ template<class T> void sortPlain(T* a, Index len)
     T* const end = a + len;
     int depth = 0, patience = 2 * (64 - __builtin_clzll(static_cast<unsigned long long>(len)));
     for (Index n = len;;) {
-        if (n <= kSmallUpTo || patience == 0) {
+        if (n <= kCountUpTo || patience == 0) {
             // What lies behind a part is not below it, and parts behind it are in order, so sorting eight from its
             // beginning does no harm there, and needs no look at the length.
             if (n <= kSmallUpTo && end - a >= 8)
                 sortEight(a);
-            else if (n <= kSmallUpTo)
-                bubbleSort(a, n);
+            else if (n <= kCountUpTo)
+                sortByCounting(a, n);
             else
                 sortBySteps(a, n);
             if (depth == 0)

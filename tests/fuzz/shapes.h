@@ -2,7 +2,9 @@
 #pragma once
 
 #include "fuzz/shape.h"
+#include "fuzz/shapes_convolution.h"
 #include "fuzz/shapes_filters.h"
+#include "fuzz/shapes_fir.h"
 #include "fuzz/shapes_fourier.h"
 #include "fuzz/shapes_image.h"
 #include "fuzz/shapes_vector.h"

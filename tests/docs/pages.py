@@ -1,0 +1,47 @@
+#!/usr/bin/env python3
+"""Makes the reference pages into a folder and reads them: each export has its entry with a description and its own
+example, each link and picture of the guides leads somewhere, and doxygen has nothing to say."""
+import re
+import subprocess
+import sys
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+root, work = Path(sys.argv[1]), Path(sys.argv[2])
+work.mkdir(parents=True, exist_ok=True)
+faults = []
+
+settings = (root / "docs/Doxyfile").read_text() + f"\nOUTPUT_DIRECTORY = {work}\nWARN_LOGFILE = {work}/warnings.txt\nGENERATE_HTML = NO\n"
+subprocess.run(["doxygen", "-"], input=settings, text=True, check=True, cwd=root)
+faults += (work / "warnings.txt").read_text().splitlines()
+
+exports = set(re.findall(r"^QVR_\w+\((\w+)\)", (root / "frame/exports.def").read_text(), re.M))
+sys.path.insert(0, str(root / "docs"))
+from with_examples import examples, withExamples  # noqa: E402
+
+bodies = examples()
+faults += [f"no function {name} for the example" for name in bodies if name not in exports]
+_, missing = withExamples((root / "include/morvenqvr.h").read_text(), bodies)
+faults += [f"no example of {name}" for name in missing]
+for name, body in bodies.items():
+    if f"Morven_{name}(" not in body:
+        faults.append(f"the example of {name} does not call it")
+
+described = {}
+for page in (work / "xml").glob("group__*.xml"):
+    for member in ElementTree.parse(page).iter("memberdef"):
+        if member.get("kind") == "function":
+            text = "".join(member.find("briefdescription").itertext()) + "".join(member.find("detaileddescription").itertext())
+            described[member.findtext("name").removeprefix("Morven_")] = text
+for name in sorted(exports):
+    text = described.get(name, "")
+    if len(text.split("Example")[0].strip()) < 10 or "Example" not in text:
+        faults.append(f"{name} has no entry in a group, or one without description or example")
+
+for guide in [*root.glob("*.md"), *(root / "docs").glob("*.md")]:
+    for target in re.findall(r"\]\(([^)#\s]+)", guide.read_text()):
+        if "://" not in target and not (guide.parent / target).exists():
+            faults.append(f"{guide.name}: {target} does not exist")
+
+print("\n".join(faults) or f"{len(exports)} entries")
+sys.exit(bool(faults))
