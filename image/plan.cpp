@@ -73,9 +73,10 @@ bool clip(int32_t srcLength, int32_t srcAt, int32_t srcCount, int32_t dstAt, int
 
 using Wide = __int128;
 
-Wide up(Wide value, Wide multiple)
+// To a multiple of a power of two.
+Wide up(Wide value, int multiple)
 {
-    return (value + multiple - 1) / multiple * multiple;
+    return (value + multiple - 1) & -static_cast<Wide>(multiple);
 }
 
 // Taps of the low-pass table: the radius grows with the reduction of the rectangles.
