@@ -84,7 +84,7 @@ Wide lowPassTaps(int radius, int32_t src, int32_t dst)
 {
     const double reach = static_cast<double>(src) / dst >= 1.0 ? static_cast<double>(radius) * src / dst : radius;
     const double whole = truncOf(reach);
-    return 2 * static_cast<Wide>(whole < reach ? whole + 1 : whole) + 2;
+    return 2 * static_cast<int64_t>(whole < reach ? whole + 1 : whole) + 2;
 }
 
 Wide plainBytes(int32_t method, Wide dw, Wide dh, Wide sw, Wide nc, Wide e)
