@@ -1,15 +1,21 @@
 #!/usr/bin/env bash
 # Builds the library, installs it into build/stage, builds the examples against that copy and runs them:
-#   ./demo.sh [FILE.wav]
-# FILE.wav holds 16-bit samples; without one, a recorded voice that comes with Debian is used. Results are in build/demo.
+#   ./demo.sh [FILE.wav] [PHOTO]
+# FILE.wav holds 16-bit samples, PHOTO is a PNG or JPEG file; in place of either a recorded voice and a photograph that come
+# with Debian are used. Results are in build/demo.
 set -euo pipefail
 sound=/usr/share/sounds/alsa/Front_Center.wav
-if [ $# -gt 1 ]; then
-    echo "usage: ./demo.sh [FILE.wav]" >&2
+photo=/usr/share/matplotlib/mpl-data/sample_data/grace_hopper.jpg
+if [ $# -gt 2 ]; then
+    echo "usage: ./demo.sh [FILE.wav] [PHOTO]" >&2
     exit 2
-elif [ $# -eq 1 ]; then
-    sound=$(realpath -m -- "$1")
 fi
+for file; do
+    case $file in
+        *.[pP][nN][gG] | *.[jJ][pP][gG] | *.[jJ][pP][eE][gG]) photo=$(realpath -m -- "$file") ;;
+        *) sound=$(realpath -m -- "$file") ;;
+    esac
+done
 cd "$(dirname "$0")"
 root=$PWD
 
@@ -44,6 +50,20 @@ echo "statistics: levels, peak, zero crossings and silences; the envelope as a p
 build/examples/statistics --out build/demo/statistics.png "$sound"
 
 echo
+echo "scale: a photograph halved with low-pass weights, and a part of it enlarged four times"
+build/examples/scale --factor 0.5 --method lanczos --antialias "$photo" build/demo/half.jpg
+build/examples/scale --region 60,60,100,100 --factor 4 --method catmull-rom "$photo" build/demo/detail.png
+
+echo
+echo "contactsheet: the photograph through every method"
+build/examples/contactsheet --out build/demo/contactsheet.png "$photo"
+
+echo
+echo "posterise: few levels through a palette, brightness as a ramp of colours"
+build/examples/posterise --levels 4 "$photo" build/demo/posterised.png
+build/examples/posterise --ramp --levels 12 "$photo" build/demo/ramp.png
+
+echo
 echo "filter: a band of speech by designed FIR taps, clicks removed, two thirds of the sample rate; responses and spectra"
 build/examples/filter --pass 300,3400 --taps 511 --median 3 --rate 2,3 --picture build/demo/filter.png \
     --out build/demo/filter.wav "$sound"
@@ -66,4 +86,5 @@ echo
 echo "Sounds are in build/demo; the program built through pkg-config wrote the same bytes as the one built through CMake."
 echo "The envelope is build/demo/statistics.png, the filters' responses are filter.png and filter-chebyshev.png beside it; see"
 echo "findsound.png, denoise.png and analytic.png too."
+echo "Pictures: half.jpg, detail.png, contactsheet.png, posterised.png, ramp.png."
 echo "Listen with: aplay build/demo/effects-even.wav"

@@ -115,21 +115,21 @@ template<int NC> void filterRow(const uint8_t* s, const Columns& c, int16_t* h)
         }
 }
 
-// Elements from .. to of two filtered rows.
+// Elements from .. to of two filtered rows. Pairs of upper and lower elements are made of 32-bit lanes, the even
+// elements and the odd ones on their own, so that the results fall back into their order.
 void blendRows(const int16_t* upper, const int16_t* lower, Index from, Index to, int wy, uint8_t* dst)
 {
     constexpr int B = 2 * kStep;
-    using V = Vec<int16_t, B>;
-    const Vec<int32_t, B> weights = splat<Vec<int32_t, B>>((kOne - wy) | (wy << 16));
-    const auto block = [&](Index i) {
-        const V a = load<V>(upper + i), b = load<V>(lower + i);
-        const auto half = [&](auto pairs) {
-            const auto sum =
-                addProductPairs(pairs, slice<0, lanes<decltype(pairs)>>(bitcast<Vec<int16_t, 2 * B>>(weights)));
-            return shiftRight(sum + (1 << 19), 20);
-        };
-        return packBytes(concat(half(zipLo(a, b)), half(zipHi(a, b))));
+    using D = Vec<uint32_t, kStep / 2>;
+    using P = Vec<int16_t, kStep>;
+    const P weights = bitcast<P>(splat<D>(static_cast<uint32_t>((kOne - wy) | (wy << 16))));
+    const auto sums = [&](D pairs) { return bits(addProductPairs(bitcast<P>(pairs), weights)) + (1u << 19); };
+    const auto words = [&](Index i) {
+        const D a = load<D>(upper + i), b = load<D>(lower + i);
+        const D even = sums((a & 0xFFFFu) | (b << 16u)), odd = sums((a >> 16u) | (b & 0xFFFF0000u));
+        return bitcast<Vec<uint16_t, kStep>>((even >> 20u) | ((odd >> 4u) & 0xFFFF0000u));
     };
+    const auto block = [&](Index i) { return convert<uint8_t>(concat(words(i), words(i + kStep))); };
     Index i = from;
     for (; i + B <= to; i += B)
         store(dst + i, block(i));

@@ -74,19 +74,26 @@ template<class V> QVR_INLINE Vec<double, 4> sumsOf(const V (&v)[4])
     }
 }
 
-// A weight of zero does not make up for a NaN behind the taps, so the last vector keeps its own lanes alone.
-template<class T> QVR_INLINE Vec<double, kStep> sumTaps(const Columns& c, Index x)
+// The sums of M neighbouring outputs, side by side for the sake of latency. A weight of zero does not make up for a NaN
+// behind the taps, so the last vector keeps its own lanes alone.
+template<class T, int M> QVR_INLINE void sumTaps(const Columns& c, Index x, Vec<double, kStep>* sum)
 {
     using V = Vec<double, kStep>;
-    const double *const s = c.row + (c.first[x] - c.base), *const w = c.weights + x * c.stride;
     const Index last = c.stride - kStep;
-    V sum = {};
+    const double *s[M], *w = c.weights + x * c.stride;
+    for (int k = 0; k < M; k++) {
+        s[k] = c.row + (c.first[x + k] - c.base);
+        sum[k] = V{};
+    }
     for (Index j = 0; j < last; j += kStep)
-        sum = fma(load<V>(s + j), load<V>(w + j), sum);
-    V end = load<V>(s + last);
-    if constexpr (sizeof(T) != 1)
-        end = bitcast<V>(bits(end) & bitcast<Bits<V>>(iota<Mask<V>>() < splat<Mask<V>>(c.count[x] - last)));
-    return fma(end, load<V>(w + last), sum);
+        for (int k = 0; k < M; k++)
+            sum[k] = fma(load<V>(s[k] + j), load<V>(w + k * c.stride + j), sum[k]);
+    for (int k = 0; k < M; k++) {
+        V end = load<V>(s[k] + last);
+        if constexpr (sizeof(T) != 1)
+            end = bitcast<V>(bits(end) & bitcast<Bits<V>>(iota<Mask<V>>() < splat<Mask<V>>(c.count[x + k] - last)));
+        sum[k] = fma(end, load<V>(w + k * c.stride + last), sum[k]);
+    }
 }
 
 template<class T, int NC> void filterRow(const Columns& c, const T* s, Index pixels, Line<T>* line, Index width)
@@ -95,13 +102,15 @@ template<class T, int NC> void filterRow(const Columns& c, const T* s, Index pix
     widenRow<T, NC>(s, c, pixels);
     if constexpr (NC == 1) {
         Index x = 0;
+        Vec<double, kStep> v[4];
         for (; x + 4 <= width; x += 4) {
-            const Vec<double, kStep> v[4] = {sumTaps<T>(c, x), sumTaps<T>(c, x + 1), sumTaps<T>(c, x + 2),
-                                             sumTaps<T>(c, x + 3)};
+            sumTaps<T, 4>(c, x, v);
             store(line + x, convert<A>(sumsOf(v)));
         }
-        for (; x < width; x++)
-            line[x] = static_cast<A>(sumLanes(sumTaps<T>(c, x)));
+        for (; x < width; x++) {
+            sumTaps<T, 1>(c, x, v);
+            line[x] = static_cast<A>(sumLanes(v[0]));
+        }
     } else {
         for (Index x = 0; x < width; x++) {
             using P = Vec<double, NC>;
@@ -144,28 +153,33 @@ template<class A> struct Batch {
     static constexpr int kMost = 16;
     const A* line[kMost];
     double weight[kMost];
+    float high[kMost], low[kMost]; // the weight as two singles
     int count;
+    QVR_INLINE void add(const A* l, double w)
+    {
+        line[count] = l;
+        weight[count] = w;
+        high[count] = static_cast<float>(w);
+        low[count] = static_cast<float>(w - static_cast<double>(high[count]));
+        count++;
+    }
 };
 
 // acc[i] += float(double(line[i]) * weight). With fused operations the product of a finite single comes from two
 // singles whose sum is the weight to 2^-48: line * high + line * low, rounded once but for the tiny second product.
-template<class T, class V> QVR_INLINE V addTapped(V acc, V x, double weight)
-{
-    if constexpr (sizeof(T) == 1 && kFma) {
-        const float high = static_cast<float>(weight), low = static_cast<float>(weight - static_cast<double>(high));
-        return acc + fma(x, splat<V>(high), x * splat<V>(low));
-    } else {
-        return acc + convert<Elem<V>>(convert<double>(x) * weight);
-    }
-}
 template<class T> void addLines(const Batch<Line<T>>& batch, Line<T>* acc, Index n)
 {
     using A = Line<T>;
     constexpr int N = 2 * kLanes<A>;
     const auto block = [&]<class V>(V, Index i) {
         V sum = load<V>(acc + i);
-        for (int k = 0; k < batch.count; k++)
-            sum = addTapped<T>(sum, load<V>(batch.line[k] + i), batch.weight[k]);
+        for (int k = 0; k < batch.count; k++) {
+            const V x = load<V>(batch.line[k] + i);
+            if constexpr (sizeof(T) == 1 && kFma)
+                sum += fma(x, splat<V>(batch.high[k]), x * splat<V>(batch.low[k]));
+            else
+                sum += convert<A>(convert<double>(x) * batch.weight[k]);
+        }
         store(acc + i, sum);
     };
     Index i = 0;
@@ -264,8 +278,7 @@ template<class T, int NC> void lowPass(const qvrResizeBand* b)
             }
             if (held)
                 held[slot] = y;
-            batch.line[batch.count] = line;
-            batch.weight[batch.count++] = w;
+            batch.add(line, w);
             if (!held || batch.count == Batch<A>::kMost || j == rows.last) {
                 addLines<T>(batch, acc, elements);
                 batch.count = 0;

@@ -73,9 +73,10 @@ bool clip(int32_t srcLength, int32_t srcAt, int32_t srcCount, int32_t dstAt, int
 
 using Wide = __int128;
 
-Wide up(Wide value, Wide multiple)
+// To a multiple of a power of two.
+Wide up(Wide value, int multiple)
 {
-    return (value + multiple - 1) / multiple * multiple;
+    return (value + multiple - 1) & -static_cast<Wide>(multiple);
 }
 
 // Taps of the low-pass table: the radius grows with the reduction of the rectangles.
@@ -83,7 +84,7 @@ Wide lowPassTaps(int radius, int32_t src, int32_t dst)
 {
     const double reach = static_cast<double>(src) / dst >= 1.0 ? static_cast<double>(radius) * src / dst : radius;
     const double whole = truncOf(reach);
-    return 2 * static_cast<Wide>(whole < reach ? whole + 1 : whole) + 2;
+    return 2 * static_cast<int64_t>(whole < reach ? whole + 1 : whole) + 2;
 }
 
 Wide plainBytes(int32_t method, Wide dw, Wide dh, Wide sw, Wide nc, Wide e)

@@ -209,11 +209,16 @@ template<class T, int NC> void longOutput(const Super<T>& s, const qvrCover& c, 
     putOutput(dst, sum, s.band->superArea);
 }
 
+// Sums first, then the product with the area for whole vectors of them.
 template<class T, int NC> void stripOutputs(const Super<T>& s, const Strip& strip, T* dst)
 {
-    using P = Vec<typename Super<T>::A, NC>;
-    for (Index x = 0; x < strip.to - strip.from; x++) {
-        const auto* p = s.line + Index{strip.start[x]} * NC;
+    using A = typename Super<T>::A;
+    using P = Vec<A, NC>;
+    constexpr int N = 16;
+    A sums[kStrip * NC];
+    const Index outputs = strip.to - strip.from, n = outputs * NC;
+    for (Index x = 0; x < outputs; x++) {
+        const A* p = s.line + Index{strip.start[x]} * NC;
         P sum = {};
         if (!s.blocks) {
             if (strip.lead[x] > 0)
@@ -224,8 +229,14 @@ template<class T, int NC> void stripOutputs(const Super<T>& s, const Strip& stri
             sum += load<P>(p);
         if (strip.tail[x] > 0)
             sum = addPart<T>(sum, load<P>(p), strip.tail[x]);
-        putOutput(dst + x * NC, sum, s.band->superArea);
+        store(sums + x * NC, sum);
     }
+    const double area = s.band->superArea;
+    Index i = 0;
+    for (; i + N <= n; i += N)
+        putOutput(dst + i, load<Vec<A, N>>(sums + i), area);
+    for (; i < n; i++)
+        putOutput(dst + i, load<Vec<A, 1>>(sums + i), area);
 }
 
 // The strip from output `from` on, as far as columns and line reach; empty if not even one output fits.

@@ -4,10 +4,10 @@ set -euo pipefail
 
 declare -A lists=(
     [build]="clang-19 lld-19 libomp-19-dev cmake ninja-build"
-    [demo]="pkgconf libsndfile1-dev libpng-dev alsa-utils"
+    [demo]="pkgconf libsndfile1-dev libpng-dev libjpeg62-turbo-dev alsa-utils python-matplotlib-data"
     [package]="dpkg-dev file"
     [docs]="doxygen"
-    [test]="abigail-tools doxygen valgrind dpkg-dev file libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev libpng-dev"
+    [test]="abigail-tools doxygen valgrind dpkg-dev file libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev libpng-dev libjpeg62-turbo-dev"
 )
 
 # Only what is configured counts as present.

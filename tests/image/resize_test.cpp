@@ -10,7 +10,7 @@ struct Scale {
 };
 
 // On a simulated processor a part of a sweep.
-bool skipped(int& counter, size_t simulated = 5)
+bool skipped(int& counter, size_t simulated = 29)
 {
     return counter++ % int(slots::sweepStep(simulated)) != 0;
 }
@@ -56,7 +56,7 @@ TEST(Resize, SmallAndNarrow)
     for (int method : kMethods)
         for (int w = 1; w <= 21; w++)
             for (int h : {1, 2, 3, 4, 5, 6, 7}) {
-                if (skipped(counter, 17) || (w > 8 && h != 1 && h != 6))
+                if (skipped(counter, 97) || (w > 8 && h != 1 && h != 6))
                     continue;
                 const double up = method == qvriInterSuper ? 1 : 2.3;
                 checkAllForms(wholeImage(w, h, up, up, method));
@@ -72,8 +72,8 @@ TEST(Resize, RegionsAndShifts)
     for (int method : kMethods)
         for (int flag : {0, int(qvriAntialias), int(qvriEdgeBlend), int(qvriEdgeFade)})
             for (Scale s : {Scale{1.9, 1.37}, {0.83, 0.41}})
-                for (double shift : {0.0, 0.5, 3.37, -2.81}) {
-                    if (!applies(method, s.x, s.y) || skipped(counter, 11))
+                for (double shift : {0.5, -2.81}) {
+                    if (!applies(method, s.x, s.y) || skipped(counter, 53))
                         continue;
                     // A region that reaches past the image, into a rectangle that cuts the result.
                     const Job inner = {{40, 33}, {5, 7, 21, 13}, {0, 0, 90, 70}, s.x,
@@ -96,7 +96,7 @@ TEST(Resize, TinyRegionsOfStrongReductions)
         for (int flag : {0, int(qvriAntialias)})
             for (double f : {0.1, 0.031})
                 for (int size : {1, 3}) {
-                    if (skipped(counter, 7) || (flag && (size == 1) == (f == 0.1)))
+                    if (skipped(counter, 11) || (flag && (size == 1) == (f == 0.1)))
                         continue;
                     // Shifted so that one pixel's centre falls into the region's image.
                     checkAllForms({{130, 120},
@@ -123,7 +123,7 @@ TEST(Resize, Placement)
     for (int method : kMethods)
         for (int flag : {0, int(qvriAntialias)})
             for (size_t back = 0; back < 64; back += 3) {
-                if (skipped(counter, 19))
+                if (skipped(counter, 71))
                     continue;
                 Placing p;
                 p.upsideDown = back % 2;
@@ -145,6 +145,8 @@ TEST(Resize, ExactWhereSumsAreExact)
     exact.exact = true;
     for (int w : {16, 40, 64, 101})
         for (int h : {8, 13}) {
+            if (slots::simulatedSlot() && (w != 40 || h != 13))
+                continue;
             for (int method : {qvriInterNearest, qvriInterLinear, qvriInterCubicCatmullRom})
                 for (double f : {1.0, 2.0, 4.0, 0.5, 0.25}) {
                     if (f == 4.0 && method == qvriInterCubicCatmullRom)
