@@ -62,7 +62,7 @@ extern "C" {
 extern const QVR_HIDDEN float qvrQuarterWave_32f[kConstantQuarter + 1];
 extern const QVR_HIDDEN double qvrQuarterWave_64f[kConstantQuarter + 1];
 
-// libm's, for the slots.
+// As good as libm's to a unit, for the slots.
 QVR_HIDDEN double qvrSine(double x);
 QVR_HIDDEN double qvrCosine(double x);
 }

@@ -1052,7 +1052,7 @@ qvrStatus Morven_qvrsAutoCorr_32f(const qvr32f* pSrc, int srcLen, qvr32f* pDst, 
  * Delay arrays hold the history of one channel, oldest value first: what the filter still looks at, then what waits in
  * the delay of the offset. Forward: lenTaps - 1 + max(offset, 0) values, of which lenTaps - 1 (with an offset of -1:
  * lenTaps - 2) are the filter's and, with an offset of -1, the last one is not used. Inverse: (lenTaps + offset - 1) /
- * 2 values, rounded down, of which the last offset / 2 are those of the offset.
+ * 2 values, rounded down, the last offset / 2 of them those of the offset; with -1 the oldest one needed is left out.
  *
  * Statuses of all functions but creation, in order: qvrErrNullPointer for a null state, qvrErrBadContext for anything
  * but a state of that direction, qvrErrNullPointer for another null pointer, qvrErrBadSize for a length below 1.
