@@ -20,7 +20,7 @@ template<class S, class T> void lookUpRow(const S* src, T* dst, const T* table, 
 
 // Bytes to bytes by shuffles: the table in blocks of 16, of which each pixel belongs to one. Less than 16 off its
 // block's start a pixel's sum with 0x70 keeps the top bit clear; any other sets it, and picks zero.
-constexpr int kShuffleBits = kAvx2 ? 8 : 5;
+constexpr int kShuffleBits = kAvx2 ? 6 : 5;
 template<int N> void lookUpBytes(const uint8_t* src, uint8_t* dst, const uint8_t* table, int bits, Index n)
 {
     using V = Vec<uint8_t, N>;
