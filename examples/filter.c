@@ -19,26 +19,12 @@
 #include "common/axes.h"
 #include "common/cli.h"
 #include "common/picture.h"
+#include "common/signal.h"
 
 enum { kMaxBlock = 1 << 20, kMaxTaps = 1 << 16, kMaxFactor = 1000, kMaxMask = 101, kMaxOrder = 12 };
 enum { kPiece = 4096 }; // samples of a filter's run
 enum { kSpectrumOrder = 12, kSpectrum = 1 << kSpectrumOrder };
 enum { kWidth = 900, kHeight = 260, kLeft = 64, kRight = 20, kTop = 12, kGap = 44, kTick = 5 };
-
-static void check(qvrStatus status, const char* call)
-{
-    if (status != qvrOk)
-        fail("%s returned status %d", call, (int)status);
-}
-#define CHECK(call) check(call, #call)
-
-static void* allocate(int64_t bytes)
-{
-    void* block = bytes <= INT32_MAX ? Morven_qvrsMalloc_8u((int)bytes) : NULL;
-    if (block == NULL)
-        fail("no memory for %lld bytes", (long long)bytes);
-    return block;
-}
 
 enum { kFir, kButterworth, kChebyshev, kKindCount };
 static const char* const kKinds[kKindCount] = {"fir", "butterworth", "chebyshev"};

@@ -24,6 +24,7 @@ struct Rate {
     Index taps, U, upPhase, D, downPhase;
     Index a, b, K; // phase q has a + (q < b) taps, the longest K
     Index period, periodAdvance;
+    Index wholeStep, phaseStep; // D = wholeStep U + phaseStep
 
     Index tapsOf(Index q) const { return a + (q < b ? 1 : 0); }
 };
@@ -48,6 +49,17 @@ Place placeOf(const Rate& rate, Index o)
     const Index iterations = o / rate.U, t = rate.downPhase + o % rate.U * rate.D - rate.upPhase;
     const Index k = t < 0 ? -1 : t / rate.U;
     return {iterations * rate.D + k, t - k * rate.U};
+}
+
+// The place of the next output, without a division.
+QVR_INLINE void stepPlace(const Rate& rate, Place& place)
+{
+    place.q += rate.phaseStep;
+    place.k += rate.wholeStep;
+    if (place.q >= rate.U) {
+        place.q -= rate.U;
+        place.k++;
+    }
 }
 
 // Terms newest first: term(m) for m below n.
@@ -166,10 +178,10 @@ void runBlocks(const Data* src, Data* dst, Index outputs, const Tap* taps, const
     const Index periods = (kBlockSamples - rate.K) / rate.periodAdvance, most = periods * rate.period;
     for (Index o = 0; o < outputs; o += most) {
         const Index count = outputs - o < most ? outputs - o : most;
-        const Index from = placeOf(rate, o).k - rate.K + 1;
+        Place place = placeOf(rate, o);
+        const Index from = place.k - rate.K + 1;
         layOutSamples(src, dlyLine, from, placeOf(rate, o + count - 1).k + 1 - from, w);
-        for (Index r = 0; r < rate.period && r < count; r++) {
-            const Place place = placeOf(rate, o + r);
+        for (Index r = 0; r < rate.period && r < count; r++, stepPlace(rate, place)) {
             const Index n = rate.tapsOf(place.q);
             for (Index m = 0; m < n; m++)
                 h[n - 1 - m] = elementOf(taps, place.q + m * rate.U);
@@ -195,8 +207,8 @@ template<class Tap, class Data, class Finish>
 void runInPieces(const Data* src, Data* dst, Index outputs, const Tap* taps, const Rate& rate, const Data* dlyLine,
                  const Finish& finish)
 {
-    for (Index o = 0; o < outputs; o++) {
-        const Place place = placeOf(rate, o);
+    Place place = placeOf(rate, 0);
+    for (Index o = 0; o < outputs; o++, stepPlace(rate, place)) {
         const Tap y = orderedSum<Tap>(rate.tapsOf(place.q), [&](Index m) {
             const Index k = place.k - m;
             const Data x = k < 0 ? elementOf(dlyLine, -1 - k) : elementOf(src, k);
@@ -243,7 +255,8 @@ qvrStatus oneShot(const Data* src, Data* dst, int numIters, const Tap* taps, int
                                            static_cast<const Data*>(dlyLine)))
         return status;
     const Index U = upFactor, D = downFactor, a = tapsLen / U, b = tapsLen % U, common = gcd(U, D);
-    const Rate rate = {tapsLen, U, upPhase, D, downPhase, a, b, a + (b != 0 ? 1 : 0), U / common, D / common};
+    const Rate rate = {tapsLen,    U,          upPhase, D,    downPhase, a, b, a + (b != 0 ? 1 : 0),
+                       U / common, D / common, D / U,   D % U};
     const Index outputs = numIters * U;
     if (rate.K <= kPhaseTaps && rate.periodAdvance <= kBlockSamples - kPhaseTaps)
         runBlocks(src, dst, outputs, taps, rate, dlyLine, finish);

@@ -5,6 +5,7 @@
 // that of A gives P = F - lenA + 1 results from m on. Where A is the second source the results run backwards: result m
 // of (A, B) is result lenA + lenB - 2 - m of (B, A).
 #include "fourier/direct.h"
+#include "fourier/spectra.h"
 #include "fourier/transforms.h"
 #include "frame/status.h"
 
@@ -35,6 +36,14 @@ void plainSums(const float* a, Index lenA, const float* b, Index lenB, Index lag
     }
 }
 
+// y := x conj(y) on packed spectra of F values, F even.
+void multiplyConjugate(const float* x, float* y, Index F)
+{
+    multiplyOne(x, y, 0);
+    multiplyOne(x, y, 1);
+    multiplyPairs<true>(x + 2, y + 2, F / 2 - 1);
+}
+
 // dst[n] for the numbers first .. first + count - 1, by one transform of all.
 qvrStatus correlateOnce(const float* a, Index lenA, const float* b, Index lenB, Index first, float* dst, Index count)
 {
@@ -50,13 +59,13 @@ qvrStatus correlateOnce(const float* a, Index lenA, const float* b, Index lenB, 
     copyPadded(a, lenA, x, F);
     setZero(y, lenA - 1);
     copyPadded(b, lenB, y + lenA - 1, F - (lenA - 1));
-    qvrStatus status = SLOT(ownqvrsFFTFwd_RToTailPacked_32f)(x, x, t.spec, work);
+    qvrStatus status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(x, x, t.spec, work);
     if (status == qvrOk)
-        status = SLOT(ownqvrsFFTFwd_RToTailPacked_32f)(y, y, t.spec, work);
+        status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(y, y, t.spec, work);
     if (status == qvrOk)
-        status = SLOT(ownqvrsMulTailPackedConj_32f_I)(y, x, static_cast<int>(F));
+        multiplyConjugate(y, x, F);
     if (status == qvrOk)
-        status = SLOT(ownqvrsFFTInv_TailPackedToR_32f)(x, x, t.spec, work);
+        status = SLOT(ownqvrsFFTInv_PackedToR_32f)(x, x, t.spec, work);
     if (status == qvrOk)
         copyValues(x + first, dst, count);
     return endTransform(t, memory, status);
@@ -75,19 +84,19 @@ qvrStatus correlateBlocks(const float* a, Index lenA, const float* b, Index lenB
     float *const spectrum = memory, *const x = memory + F, *const block = memory + 2 * F;
     uint8_t* work = t.workFloats > 0 ? reinterpret_cast<uint8_t*>(memory + 3 * F) : nullptr;
     copyPadded(a, lenA, spectrum, F);
-    qvrStatus status = SLOT(ownqvrsFFTFwd_RToTailPacked_32f)(spectrum, spectrum, t.spec, work);
+    qvrStatus status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(spectrum, spectrum, t.spec, work);
     for (Index n = 0; n < count && status == qvrOk; n += step) {
         // Element `from` of b may lie before or behind it.
         const Index from = first + n - (lenA - 1), head = greatest(0, -from);
         const Index there = greatest(0, least(lenB - from - head, F - head));
         setZero(block, head);
         copyPadded(b + (there > 0 ? from + head : 0), there, block + head, F - head);
-        status = SLOT(ownqvrsFFTFwd_RToTailPacked_32f)(block, block, t.spec, work);
+        status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(block, block, t.spec, work);
         copyValues(spectrum, x, F);
         if (status == qvrOk)
-            status = SLOT(ownqvrsMulTailPackedConj_32f_I)(block, x, static_cast<int>(F));
+            multiplyConjugate(block, x, F);
         if (status == qvrOk)
-            status = SLOT(ownqvrsFFTInv_TailPackedToR_32f)(x, x, t.spec, work);
+            status = SLOT(ownqvrsFFTInv_PackedToR_32f)(x, x, t.spec, work);
         if (status == qvrOk)
             copyValues(x, dst + n, least(count - n, step));
     }
@@ -169,11 +178,11 @@ extern "C" qvrStatus SLOT(qvrsAutoCorr_32f)(const qvr32f* pSrc, int srcLen, qvr3
             return endTransform(t, nullptr, qvrErrNoMemory);
         uint8_t* work = t.workFloats > 0 ? reinterpret_cast<uint8_t*>(x + F) : nullptr;
         copyPadded(pSrc, srcLen, x, F);
-        qvrStatus status = SLOT(ownqvrsFFTFwd_RToTailPacked_32f)(x, x, t.spec, work);
+        qvrStatus status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(x, x, t.spec, work);
         if (status == qvrOk)
-            status = SLOT(ownqvrsMulTailPackedConj_32f_I)(x, x, static_cast<int>(F));
+            multiplyConjugate(x, x, F);
         if (status == qvrOk)
-            status = SLOT(ownqvrsFFTInv_TailPackedToR_32f)(x, x, t.spec, work);
+            status = SLOT(ownqvrsFFTInv_PackedToR_32f)(x, x, t.spec, work);
         if (status == qvrOk)
             copyValues(x, pDst, count);
         endTransform(t, x, status);

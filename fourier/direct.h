@@ -6,8 +6,9 @@
 // either side one of at most two blocks' length in which only some do. There b is read from a copy with zeros round it.
 // A term that does not exist then adds a zero; where a[k] is not finite, the lane keeps its sum instead.
 //
-// Each lane adds its terms to 0 in the order of k. With Chunked, a sum that came to kChunk terms is set aside and a new
-// one begun: the error of a long sum then grows with its chunks and with the terms of one, not with all terms.
+// Each lane adds its terms to 0 in the order of k. With Chunked the order is free: terms k and k + W go in together,
+// which share all loads of b but one; and a sum that came to kChunk terms is set aside and a new one begun, so that the
+// error of a long sum grows with its chunks and with the terms of one, not with all terms.
 #ifndef QVR_FOURIER_DIRECT_H
 #define QVR_FOURIER_DIRECT_H
 
@@ -52,6 +53,28 @@ template<int V, int Dir> QVR_INLINE void addTerms(Full<float>* acc, const float*
         for (int v = 0; v < V; v++)
             acc[v] = fma(s, load<F>(x + v * W), acc[v]);
     }
+}
+
+// The same for correlations, two terms a vector apart at a time.
+template<int V> QVR_INLINE void addTermPairs(Full<float>* acc, const float* a, Index count, const float* x)
+{
+    using F = Full<float>;
+    constexpr int W = kLanes<float>;
+    Index k = 0;
+    for (; k + 2 * W <= count; k += 2 * W)
+        for (int r = 0; r < W; r++) {
+            const F s = splat<F>(get(a, k + r)), t = splat<F>(get(a, k + r + W));
+            const float* p = x + k + r;
+            F here = load<F>(p);
+#pragma clang loop unroll(full)
+            for (int v = 0; v < V; v++) {
+                const F next = load<F>(p + (v + 1) * W);
+                acc[v] = fma(s, here, acc[v]);
+                acc[v] = fma(t, next, acc[v]);
+                here = next;
+            }
+        }
+    addTerms<V, 1>(acc, a + k, count - k, x + k);
 }
 
 // Terms some of whose elements are missing, `first` .. `end` - 1, at most two blocks of them.
@@ -110,13 +133,14 @@ inline void shiftBlock(const float* a, Index lenA, const float* b, Index lenB, I
     } else {
         addFringe<V, Dir>(acc, a, first, fullFirst, b, lenB, shift);
         if constexpr (Chunked) {
+            static_assert(Dir > 0);
             F sum[V];
             for (int v = 0; v < V; v++)
                 sum[v] = acc[v];
             for (Index k = fullFirst; k < fullEnd; k += kChunk) {
                 for (int v = 0; v < V; v++)
                     acc[v] = F{};
-                addTerms<V, Dir>(acc, a + k, least(kChunk, fullEnd - k), b + shift + Dir * k);
+                addTermPairs<V>(acc, a + k, least(kChunk, fullEnd - k), b + shift + k);
                 for (int v = 0; v < V; v++)
                     sum[v] += acc[v];
             }

@@ -234,12 +234,19 @@ qvrStatus floatTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_1
                          uint8_t* work)
 {
     const int n = 1 << spec.order;
-    float* x = reinterpret_cast<float*>(work);
+    float* const y = reinterpret_cast<float*>(work);
+    uint8_t* const rest = work + (Index{n} + 2) * 4;
+    // A flat transform to an aligned place leaves its work memory alone, so that can be the source; others run in
+    // place.
+    constexpr FftLimits limits = kFftLimits<float>;
+    const bool flat = !kFirstGeneration && spec.order > limits.complex && spec.order <= limits.flat;
+    float* const x =
+        flat ? reinterpret_cast<float*>(qvrAlignUp(reinterpret_cast<uintptr_t>(rest), uintptr_t{kLine})) : y;
     SLOT_SHARED(qvrsConvert_16s32f)(src, x, n);
-    const qvrStatus status = SLOT(qvrsFFTFwd_RToCCS_32f)(x, x, spec.pFloatSpec, work + (Index{n} + 2) * 4);
+    const qvrStatus status = SLOT(qvrsFFTFwd_RToCCS_32f)(x, y, spec.pFloatSpec, rest);
     if (status != qvrOk)
         return status;
-    return SLOT_SHARED(qvrsConvert_32f16s_Sfs)(x, dst, n + 2, qvrRoundNearest, scaleFactor);
+    return SLOT_SHARED(qvrsConvert_32f16s_Sfs)(y, dst, n + 2, qvrRoundNearest, scaleFactor);
 }
 
 } // namespace

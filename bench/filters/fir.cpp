@@ -34,25 +34,26 @@ template<class T> std::vector<T> someTaps(int n)
     return taps;
 }
 
-// A stream by the blocked loop: the first L - 1 outputs of a call through a buffer, the others from the source.
+// A stream by the blocked loop: short calls, and the first L - 1 outputs of others, through a buffer.
 template<class T> struct BlockedStream {
     std::vector<T> reversed, buffer;
-    explicit BlockedStream(const std::vector<T>& taps) : reversed(taps.rbegin(), taps.rend()), buffer(2 * taps.size())
+    explicit BlockedStream(const std::vector<T>& taps)
+        : reversed(taps.rbegin(), taps.rend()), buffer(2 * taps.size() + kShort)
     {
     }
     void run(const T* x, T* y, int n)
     {
-        const int L = static_cast<int>(reversed.size()), P = L - 1, head = std::min(n, P);
+        const int L = static_cast<int>(reversed.size()), P = L - 1, head = n <= kShort ? n : std::min(n, P);
         memcpy(buffer.data() + P, x, sizeof(T) * static_cast<size_t>(head));
-        if (head > 0)
-            blockedFir(buffer.data(), y, head, reversed.data(), L);
-        if (n > P)
-            blockedFir(x, y + P, n - P, reversed.data(), L);
-        if (n >= P)
+        blockedFir(buffer.data(), y, head, reversed.data(), L);
+        if (n > head)
+            blockedFir(x + head - P, y + head, n - head, reversed.data(), L);
+        if (n > kShort && n >= P)
             memcpy(buffer.data(), x + n - P, sizeof(T) * static_cast<size_t>(P));
         else
             memmove(buffer.data(), buffer.data() + n, sizeof(T) * static_cast<size_t>(P));
     }
+    static constexpr int kShort = 256;
 };
 
 template<class T> struct Fftw;

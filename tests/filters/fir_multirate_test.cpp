@@ -125,8 +125,8 @@ std::vector<Shape> shapesOf(const Rate& r)
 {
     std::vector<Shape> shapes;
     const bool large = r.up * r.down > 1000;
-    for (int taps : {1, 2, 5, 8, 13, 40, 100, 3 * r.up, 9 * r.up + 1, 20 * r.up})
-        for (int iterations : {1, 2, 3, 9, 40})
+    for (int taps : {1, 5, 8, 13, 40, 3 * r.up, 9 * r.up + 1, 20 * r.up})
+        for (int iterations : {1, 2, 9, 40})
             if (!(large && iterations > 3 && iterations != 9) && !(slots::simulatedSlot() && (taps > 100 || large)))
                 shapes.push_back({taps, iterations});
     return shapes;
@@ -253,11 +253,11 @@ TEST(FirMultiRate, OneShotLong)
             Rate rate;
             int taps, iterations;
         };
-        std::vector<Long> cases = {{{1, 0, 2, 1}, 33, 6000},    {{3, 1, 2, 0}, 50, 4000},
-                                   {{1, 0, 1, 0}, 2048, 3000},  {{1, 0, 1, 0}, 2049, 500},
+        std::vector<Long> cases = {{{1, 0, 2, 1}, 33, 3000},    {{3, 1, 2, 0}, 50, 3000},
+                                   {{1, 0, 1, 0}, 2048, 300},   {{1, 0, 1, 0}, 2049, 100},
                                    {{1, 0, 2048, 7}, 30, 20},   {{1, 0, 2049, 7}, 30, 20},
                                    {{1, 0, 6000, 5999}, 30, 3}, {{6000, 5, 1, 0}, 30, 3},
-                                   {{2, 1, 3, 0}, 5000, 300},   {{147, 3, 160, 9}, 147 * 20, 40}};
+                                   {{2, 1, 3, 0}, 5000, 100},   {{147, 3, 160, 9}, 147 * 20, 40}};
         if (slots::simulatedSlot())
             cases = {{{3, 1, 2, 0}, 50, 1500}, {{1, 0, 2049, 7}, 30, 5}};
         for (const Long& c : cases) {
@@ -447,10 +447,10 @@ TYPED_TEST(FirEngine, AgreeWithTheGrid)
                 const bool large = r.up * r.down > 1000;
                 if (large && slots::simulatedSlot())
                     continue;
-                for (int L : {1, 2, 7, 8, 30, 2 * r.up + 1})
+                for (int L : {1, 7, 30, 2 * r.up + 1})
                     for (bool inPlace : {false, true}) {
                         const std::vector<int> runs =
-                            large ? std::vector<int>{1, 5, 9} : std::vector<int>{1, 2, 3, 7, 1, 40, 8, 100, 4};
+                            large ? std::vector<int>{1, 5} : std::vector<int>{1, 3, 7, 1, 40, 4};
                         checkEngine<Form>(slot, r, mode, L, runs, inPlace,
                                           std::is_integral_v<typename Form::Data> ? L % 3 : 0);
                         if (this->HasFatalFailure())
@@ -468,7 +468,7 @@ TYPED_TEST(FirEngine, LongRuns)
     eachSlot<Form>([&](int slot) {
         for (int budget : {1, 3}) {
             qvrSetNumThreads(budget);
-            for (const Rate& r : {Rate{3, 1, 2, 0}, Rate{1, 0, 2, 1}, Rate{2, 1, 5, 3}})
+            for (const Rate& r : {Rate{3, 1, 2, 0}, Rate{1, 0, 2, 1}})
                 for (int mode : {1, 2, 3}) {
                     if (mode == 2 && r.up != 1)
                         continue;

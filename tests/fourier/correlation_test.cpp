@@ -49,8 +49,11 @@ void checkCross(decltype(Morven_qvrsCrossCorr_32f)* f, const Case& c, size_t off
 TEST(CrossCorr, EveryLagOfShortSources)
 {
     slots::each(qvrTable_qvrsCrossCorr_32f, [&](auto f, int) {
+        int turn = 0;
         for (size_t len1 : {1, 2, 5, 9, 16, 33, 40, 70})
             for (size_t len2 : {1, 3, 8, 17, 35, 64, 100}) {
+                if (turn++ % slots::sweepStep(9) != 0)
+                    continue;
                 const int low = 1 - static_cast<int>(len1);
                 checkCross(f, {len1, len2, low, len1 + len2 - 1});
                 checkCross(f, {len1, len2, low - 9, len1 + len2 + 20}, 4);

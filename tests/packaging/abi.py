@@ -6,7 +6,7 @@
 
 The exports of the library jump through tables and carry no types. So the types are taken from a stand-in: a shared
 object with a function for each prototype of the header, compiled with debug information. Each record is there as a
-variable, and each constant as an array of 1000 plus its value, since types are what is compared.
+variable, and each constant as two arrays as long as its halves plus 1, since types are what is compared.
 """
 import re
 import subprocess
@@ -43,9 +43,7 @@ def main():
     lines = [f'#include "{Path(header).name}"']
     lines += [p + " { __builtin_trap(); }" for p in prototypes]
     lines += [f"{r} record_{r};" for r in records]
-    # Of one that is far from zero, the upper half.
-    lines += [f"char constant_{c}[{c} > -1000 && {c} < 1000000 ? 1000 + {c} : 1 + (int)(((unsigned){c}) >> 16)];"
-              for c in constants]
+    lines += [f"char low_{c}[1 + ({c} & 0xFFFF)], high_{c}[1 + ((unsigned){c} >> 16)];" for c in constants]
     source = work / "standin.c"
     source.write_text("\n".join(lines) + "\n")
     standin = work / "standin.so"
