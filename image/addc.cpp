@@ -27,6 +27,13 @@ template<class V> QVR_INLINE V roundShift(V t, int s)
     return shiftRight(t + splat<V>(static_cast<Elem<V>>((Elem<V>(1) << (s - 1)) - 1)) + (shiftRight(t, s) & one), s);
 }
 
+// Half the sum without its top bit: the mean rounded up, and one less where it should have gone down to an even number.
+template<class V> QVR_INLINE V halfSum(V a, V b)
+{
+    const V differ = a ^ b, up = (a | b) - shiftRight(differ, 1);
+    return up - (up & differ & splat<V>(1));
+}
+
 // The sum times 2^n of 16-bit lanes, at most `largest`.
 template<class V> QVR_INLINE V shiftUp(V sum, int n, Elem<V> largest)
 {
@@ -38,7 +45,9 @@ template<class V> QVR_INLINE V shiftUp(V sum, int n, Elem<V> largest)
 // One row of bytes.
 template<Case which> void addRow([[maybe_unused]] uint8_t c, uint8_t* p, Index n, [[maybe_unused]] int s)
 {
-    if constexpr (which == Case::plain) {
+    if constexpr (which == Case::half) {
+        mapElements(p, n, [=](auto x) { return halfSum(x, splat<decltype(x)>(c)); }, static_cast<const uint8_t*>(p));
+    } else if constexpr (which == Case::plain) {
         mapElements(
             p, n, [c](auto x) { return addSaturate(x, splat<decltype(x)>(c)); }, static_cast<const uint8_t*>(p));
     } else if constexpr (which == Case::full) {
@@ -49,14 +58,7 @@ template<Case which> void addRow([[maybe_unused]] uint8_t c, uint8_t* p, Index n
             [=](auto x) {
                 using W = Vec<uint16_t, lanes<decltype(x)>>;
                 const W t = convert<uint16_t>(x) + splat<W>(c);
-                W r;
-                if constexpr (which == Case::half)
-                    r = shiftRight(t + (shiftRight(t, 1) & splat<W>(1)), 1);
-                else if constexpr (which == Case::down)
-                    r = roundShift(t, s);
-                else
-                    r = shiftUp(t, -s, 255);
-                return convert<uint8_t>(r);
+                return convert<uint8_t>(which == Case::down ? roundShift(t, s) : shiftUp(t, -s, 255));
             },
             static_cast<const uint8_t*>(p));
     }
@@ -65,7 +67,9 @@ template<Case which> void addRow([[maybe_unused]] uint8_t c, uint8_t* p, Index n
 template<Case which> void addRow([[maybe_unused]] uint16_t c, uint16_t* p, Index n, [[maybe_unused]] int s)
 {
     const uint16_t* const from = p;
-    if constexpr (which == Case::plain) {
+    if constexpr (which == Case::half) {
+        mapElements(p, n, [=](auto x) { return halfSum(x, splat<decltype(x)>(c)); }, from);
+    } else if constexpr (which == Case::plain) {
         mapElements(p, n, [c](auto x) { return addSaturate(x, splat<decltype(x)>(c)); }, from);
     } else if constexpr (which == Case::full) {
         mapElements(p, n, [](auto x) { return bitcast<decltype(x)>(x != 0); }, from);
@@ -142,6 +146,8 @@ qvrStatus SLOT(qvriAddC_16u_C1IRSfs)(qvr16u value, qvr16u* srcDst, int step, qvr
         return qvrOk;
     if (s == 0)
         addRows<Case::plain>(value, srcDst, step, roiSize, 0, roiSize.height, s);
+    else if (s == 1)
+        addRows<Case::half>(value, srcDst, step, roiSize, 0, roiSize.height, s);
     else if (s > 0)
         addRows<Case::down>(value, srcDst, step, roiSize, 0, roiSize.height, s);
     else if (s >= kFullBelow<qvr16u>)

@@ -3,25 +3,56 @@
 
 namespace {
 
-template<class S, class T> QVR_INLINE Vec<T, 1> entryOf(const T* table, S pixel, unsigned mask)
-{
-    return load<Vec<T, 1>>(table + (pixel & mask));
-}
-
-// Eight pixels of bytes, four of 16 bits, come in as one word.
+// Two loads for a pixel are what limits this, so nothing is gathered into vectors.
 template<class S, class T> void lookUpRow(const S* src, T* dst, const T* table, unsigned mask, Index n)
 {
-    constexpr int N = 8 / sizeof(S), width = 8 * sizeof(S);
+    const auto entry = [&](Index x) { store(dst + x, load<Vec<T, 1>>(table + (load<Vec<S, 1>>(src + x)[0] & mask))); };
     Index x = 0;
-    for (; x + N <= n; x += N) {
-        const uint64_t pixels = load<Vec<uint64_t, 1>>(src + x)[0];
-        Vec<T, N> out;
-        for (int k = 0; k < N; k++)
-            out[k] = entryOf(table, static_cast<S>(pixels >> (k * width)), mask)[0];
-        store(dst + x, out);
+    for (; x + 4 <= n; x += 4) {
+        entry(x);
+        entry(x + 1);
+        entry(x + 2);
+        entry(x + 3);
     }
     for (; x < n; x++)
-        store(dst + x, entryOf(table, load<Vec<S, 1>>(src + x)[0], mask));
+        entry(x);
+}
+
+// Bytes to bytes by shuffles: the table in blocks of 16, of which each pixel belongs to one. Less than 16 off its
+// block's start a pixel's sum with 0x70 keeps the top bit clear; any other sets it, and picks zero.
+constexpr int kShuffleBits = kAvx2 ? 6 : 5;
+template<int N> void lookUpBytes(const uint8_t* src, uint8_t* dst, const uint8_t* table, int bits, Index n)
+{
+    using V = Vec<uint8_t, N>;
+    using B = Vec<uint8_t, 16>;
+    const int blocks = bits > 4 ? 1 << (bits - 4) : 1;
+    V part[16];
+    for (int k = 0; k < blocks; k++) {
+        const B block = bits < 4 ? loadPartial<B>(table, 1 << bits) : load<B>(table + 16 * k);
+        if constexpr (N == 32)
+            part[k] = concat(block, block);
+        else
+            part[k] = block;
+    }
+    const V mask = splat<V>(static_cast<uint8_t>((1 << bits) - 1));
+    mapElements(
+        dst, n,
+        [&](auto pixels) {
+            if constexpr (sizeof(pixels) == N) {
+                const V x = pixels & mask;
+                V sum = shuffleBytes(part[0], addSaturate(x, splat<V>(0x70)));
+                for (int k = 1; k < blocks; k++)
+                    sum |=
+                        shuffleBytes(part[k], addSaturate(x - splat<V>(static_cast<uint8_t>(16 * k)), splat<V>(0x70)));
+                return sum;
+            } else {
+                auto out = pixels;
+                for (int i = 0; i < lanes<decltype(pixels)>; i++)
+                    out[i] = table[pixels[i] & mask[0]];
+                return out;
+            }
+        },
+        src);
 }
 
 template<class S, class T>
@@ -35,8 +66,16 @@ qvrStatus palette(const S* src, int srcStep, T* dst, int dstStep, qvriSize size,
     if (srcStep < width * static_cast<Index>(sizeof(S)) || dstStep < width * static_cast<Index>(sizeof(T)))
         return qvrErrBadStep;
     const unsigned mask = (1u << bits) - 1;
-    for (Index y = 0; y < size.height; y++)
-        lookUpRow(rowAt(src, y, srcStep), rowAt(dst, y, dstStep), table, mask, width);
+    for (Index y = 0; y < size.height; y++) {
+        const S* const from = rowAt(src, y, srcStep);
+        T* const to = rowAt(dst, y, dstStep);
+        if constexpr (kSsse3 && sizeof(S) == 1 && sizeof(T) == 1)
+            if (bits <= kShuffleBits && width >= 4 * kVecBytes) {
+                lookUpBytes<kVecBytes>(from, to, table, bits, width);
+                continue;
+            }
+        lookUpRow(from, to, table, mask, width);
+    }
     return qvrOk;
 }
 

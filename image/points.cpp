@@ -132,15 +132,15 @@ qvrStatus SLOT(qvriSplitRow_TIFF_16u8u_C1)(const qvr8u* src, qvr8u** dstPlanes, 
         return qvrErrBadStep;
     if (anyNull(dstPlanes[0], dstPlanes[1]))
         return qvrErrNullPointer;
-    constexpr int N = kVecBytes;
-    using V = Vec<uint8_t, N>;
+    constexpr int N = 2 * kWide;
+    using V = Vec<uint16_t, N>;
     qvr8u *const high = dstPlanes[0], *const low = dstPlanes[1];
     const Index n = len;
     Index i = 0;
     for (; i + N <= n; i += N) {
-        const V a = load<V>(src + 2 * i), b = load<V>(src + 2 * i + N);
-        store(high + i, odds(a, b));
-        store(low + i, evens(a, b));
+        const V samples = load<V>(src + 2 * i);
+        store(high + i, convert<uint8_t>(samples >> 8));
+        store(low + i, convert<uint8_t>(samples & 0xFF));
     }
     for (; i < n; i++) {
         high[i] = src[2 * i + 1];
@@ -155,16 +155,13 @@ qvrStatus SLOT(qvriJoinRow_TIFF_8u16u_C1)(qvr8u** srcPlanes, qvr8u* dst, int len
         return qvrErrNullPointer;
     if (len < 1)
         return qvrErrBadStep;
-    constexpr int N = kVecBytes;
+    constexpr int N = 2 * kWide;
     using V = Vec<uint8_t, N>;
     const qvr8u *const high = srcPlanes[0], *const low = srcPlanes[1];
     const Index n = len;
     Index i = 0;
-    for (; i + N <= n; i += N) {
-        const V l = load<V>(low + i), h = load<V>(high + i);
-        store(dst + 2 * i, zipLo(l, h));
-        store(dst + 2 * i + N, zipHi(l, h));
-    }
+    for (; i + N <= n; i += N)
+        store(dst + 2 * i, convert<uint16_t>(load<V>(low + i)) | shiftLeft(convert<uint16_t>(load<V>(high + i)), 8));
     for (; i < n; i++) {
         dst[2 * i] = low[i];
         dst[2 * i + 1] = high[i];

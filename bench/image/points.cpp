@@ -53,7 +53,7 @@ void set(const Sink& sink)
     overSizes(sink, "", [](Case& c, int w, int h) {
         c.work = {.written = 2};
         uint16_t* const p = c.array<uint16_t>(int64_t{w} * h, Data::mixed, true);
-        both<Morven_qvriSet_16u_C1R>(c, "qvriSet_16u_C1R", [=](auto* f) { f(0x1234, p, 2 * w, {w, h}); });
+        both<Morven_qvriSet_16u_C1R>(c, "qvriSet_16u_C1R", [=](auto* f) { f(0x1212, p, 2 * w, {w, h}); });
         c.peer("memset of bytes", [=] { memset(p, 0x12, size_t(w) * h * 2); });
     });
 }
