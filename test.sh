@@ -76,6 +76,7 @@ if scripts/packages.sh build test; then
         release) build release && tests release ;;
         asan)
             export ASAN_OPTIONS=detect_stack_use_after_return=1:${ASAN_OPTIONS:-} UBSAN_OPTIONS=print_stacktrace=1
+            export LSAN_OPTIONS=suppressions=$PWD/tests/support/leaks.supp:print_suppressions=0
             build fuzz && tests fuzz
             ;;
         tsan)

@@ -7,6 +7,9 @@
 //
 // The outputs of a row go in strips whose columns are worked out once for all rows. Indices outside the image stand for
 // its edge pixel. The line is as long as the buffer allows; an output that needs more is added up in pieces.
+//
+// Blocks of bytes whose sums fit 15 bits are added up in words, down and then along; sums that small are exact in
+// single too, so both ways give the same bytes.
 #include "image/kernels.h"
 
 namespace {
@@ -239,6 +242,110 @@ template<class T, int NC> void stripOutputs(const Super<T>& s, const Strip& stri
         putOutput(dst + i, load<Vec<A, 1>>(sums + i), area);
 }
 
+// ---- Small blocks of bytes ------------------------------------------------------------------------------------------
+
+constexpr Index kBlockPixels = 0x7FFF / 255;
+
+// words[i] = sum of `rows` bytes from p[i] down.
+QVR_INLINE void addDown(const char* p, Index step, Index rows, uint16_t* words, Index n)
+{
+    const auto block = [&]<class V>(V, Index i) {
+        constexpr int W = lanes<V>;
+        const auto pixels = [&](Index k) { return convert<uint16_t>(load<Vec<uint8_t, W>>(p + k * step + i)); };
+        V sum = pixels(0);
+        for (Index k = 1; k < rows; k++)
+            sum += pixels(k);
+        store(words + i, sum);
+    };
+    constexpr int N = kAvx2 ? 32 : 16;
+    Index i = 0;
+    for (; i + N <= n; i += N)
+        block(Vec<uint16_t, N>{}, i);
+    for (; i < n; i++)
+        block(Vec<uint16_t, 1>{}, i);
+}
+
+// Pairs of neighbouring pixels into `outputs` pixels, in place.
+template<int NC> QVR_INLINE void addPairs(uint16_t* words, Index outputs)
+{
+    using Pixel = Vec<uint16_t, NC>;
+    constexpr int N = 16 / NC; // outputs at a time
+    Index i = 0;
+    for (; i + N <= outputs; i += N) {
+        using V = Vec<int16_t, 16>;
+        const V a = load<V>(words + 2 * NC * i), b = load<V>(words + 2 * NC * i + 16);
+        if constexpr (NC == 1) {
+            const V ones = splat<V>(1);
+            store(words + i, packSaturate(concat(addProductPairs(a, ones), addProductPairs(b, ones))));
+        } else {
+            using Pixels = Vec<uint64_t, 4>;
+            const Pixels x = bitcast<Pixels>(a), y = bitcast<Pixels>(b);
+            store(words + NC * i, bitcast<V>(evens(x, y)) + bitcast<V>(odds(x, y)));
+        }
+    }
+    for (; i < outputs; i++)
+        store(words + NC * i, load<Pixel>(words + 2 * NC * i) + load<Pixel>(words + 2 * NC * i + NC));
+}
+
+// Each `width` neighbouring pixels into one of `outputs`, in place; an odd width. Single channels are summed at every
+// place by vectors, of which every width-th sum is kept.
+template<int NC> QVR_INLINE void addAlong(uint16_t* words, Index width, Index outputs)
+{
+    using Pixel = Vec<uint16_t, NC>;
+    Index summed = 0;
+    if constexpr (NC == 1) {
+        using V = Vec<uint16_t, 16>;
+        for (; summed + 16 + width - 1 <= outputs * width; summed += 16) {
+            V sum = load<V>(words + summed);
+            for (Index j = 1; j < width; j++)
+                sum += load<V>(words + summed + j);
+            store(words + summed, sum);
+        }
+    }
+    for (Index x = 0; x < outputs; x++) {
+        const uint16_t* p = words + x * width * NC;
+        Pixel sum = load<Pixel>(p);
+        if (x * width >= summed)
+            for (Index j = 1; j < width; j++)
+                sum += load<Pixel>(p + j * NC);
+        store(words + x * NC, sum);
+    }
+}
+
+// The outputs of a row of whole blocks; 0 if they are not small or reach over the image.
+template<int NC> QVR_INLINE int smallBlocks(const Super<uint8_t>& s, const Strip& strip, uint8_t* dst)
+{
+    Index width = strip.whole[0];
+    const Index rows = s.rows.whole, outputs = strip.to - strip.from, n = outputs * NC, pixels = width * rows;
+    if (!s.blocks || width < 1 || rows < 1 || pixels > kBlockPixels || s.rows.start < 0 ||
+        s.rows.start + rows > s.band->y.length || strip.base < 0 || strip.base + strip.span > s.band->x.length)
+        return 0;
+    uint16_t* const words = reinterpret_cast<uint16_t*>(s.line);
+    addDown(sourceRow(s.band, s.rows.start) + strip.base * NC, s.band->srcStep, rows, words, strip.span * NC);
+    for (; width % 2 == 0; width /= 2)
+        addPairs<NC>(words, outputs * width / 2);
+    if (width > 1)
+        addAlong<NC>(words, width, outputs);
+
+    const double area = s.band->superArea;
+    constexpr int N = 32;
+    Index i = 0;
+    if ((pixels & (pixels - 1)) == 0 && area * static_cast<double>(pixels) == 1) {
+        const auto half = static_cast<uint16_t>(pixels / 2);
+        const auto shift = static_cast<uint16_t>(__builtin_ctzll(static_cast<unsigned long long>(pixels)));
+        for (; i + N <= n; i += N)
+            store(dst + i, convert<uint8_t>((load<Vec<uint16_t, N>>(words + i) + half) >> shift));
+        for (; i < n; i++)
+            dst[i] = static_cast<uint8_t>((words[i] + half) >> shift);
+        return 1;
+    }
+    for (; i + N <= n; i += N)
+        putOutput(dst + i, convert<float>(convert<int32_t>(load<Vec<uint16_t, N>>(words + i))), area);
+    for (; i < n; i++)
+        putOutput(dst + i, convert<float>(convert<int32_t>(load<Vec<uint16_t, 1>>(words + i))), area);
+    return 1;
+}
+
 // The strip from output `from` on, as far as columns and line reach; empty if not even one output fits.
 template<class T> void makeStrip(const Super<T>& s, Index from, Strip& strip)
 {
@@ -286,6 +393,9 @@ template<class T, int NC> void superBand(const qvrResizeBand* b)
         } else {
             for (Index n = 0; n < b->y.count; n++) {
                 T* const dst = output(n, x);
+                if constexpr (sizeof(T) == 1)
+                    if (smallBlocks<NC>(s, strip, dst))
+                        continue;
                 makeLine<T, NC>(s, strip.base, strip.span);
                 stripOutputs<T, NC>(s, strip, dst);
             }

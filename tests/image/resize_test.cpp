@@ -78,8 +78,8 @@ TEST(Resize, RegionsAndShifts)
                     // A region that reaches past the image, into a rectangle that cuts the result.
                     const Job inner = {{40, 33}, {5, 7, 21, 13}, {0, 0, 90, 70}, s.x,
                                        s.y,      shift,          shift / 2,      method | flag};
-                    const Job outer = {{40, 33},     {11, 3, 300, 200}, {13, 6, 17, 19}, s.x, s.y, shift, -shift,
-                                       method | flag};
+                    const Job outer = {{40, 33}, {11, 3, 300, 200}, {13, 6, 17, 19}, s.x, s.y, shift,
+                                       -shift,   method | flag};
                     checkAllForms(inner);
                     checkAllForms(outer);
                     if (HasFailure())
@@ -163,32 +163,41 @@ TEST(Resize, ExactWhereSumsAreExact)
 }
 
 // Blocks of any whole size: the sum times xFactor * yFactor in double, rounded half up.
+template<int Channels, class Resize> void checkBlocks(Resize* resize, int bx, int by, int dw)
+{
+    const int dh = 2, w = bx * dw, h = by * dh, step = w * Channels, row = dw * Channels;
+    const std::vector<uint8_t> src = randomValues<uint8_t>(size_t(step) * h, uint32_t(w));
+    std::vector<uint8_t> dst(size_t(row) * dh), buffer;
+    const qvriRect from = {0, 0, w, h}, to = {0, 0, dw, dh};
+    int size;
+    ASSERT_EQ(Morven_qvriResizeGetBufSize(from, to, Channels, qvriInterSuper, &size), qvrOk);
+    buffer.resize(size_t(size));
+    const double fx = 1.0 / bx, fy = 1.0 / by;
+    ASSERT_EQ(resize(src.data(), {w, h}, step, from, dst.data(), row, to, fx, fy, 0, 0, qvriInterSuper, buffer.data()),
+              qvrOk);
+    for (int y = 0; y < dh; y++)
+        for (int x = 0; x < row; x++) {
+            int64_t sum = 0;
+            for (int v = 0; v < by; v++)
+                for (int u = 0; u < bx; u++)
+                    sum += src[size_t(y * by + v) * step + size_t((x / Channels * bx + u) * Channels + x % Channels)];
+            ASSERT_EQ(dst[size_t(y * row + x)], int(double(sum) * (fx * fy) + 0.5))
+                << bx << "x" << by << " into " << dw << ", " << Channels << " channels, element " << x;
+        }
+}
+
 TEST(Resize, IntegerSuperOfBytesIsExact)
 {
-    slots::each(qvrTable_qvriResizeSqrPixel_8u_C1R, [](auto resize, int) {
-        for (int bx = 1; bx <= 9; bx++)
-            for (int by : {1, 2, 3, 5, 7, 300}) {
-                const int dw = 11, dh = 2, w = bx * dw, h = by * dh;
-                const std::vector<uint8_t> src = randomValues<uint8_t>(size_t(w) * h, uint32_t(w));
-                std::vector<uint8_t> dst(dw * dh), buffer;
-                const qvriRect from = {0, 0, w, h}, to = {0, 0, dw, dh};
-                int size;
-                ASSERT_EQ(Morven_qvriResizeGetBufSize(from, to, 1, qvriInterSuper, &size), qvrOk);
-                buffer.resize(size_t(size));
-                const double fx = 1.0 / bx, fy = 1.0 / by;
-                ASSERT_EQ(resize(src.data(), {w, h}, w, from, dst.data(), dw, to, fx, fy, 0, 0, qvriInterSuper,
-                                 buffer.data()),
-                          qvrOk);
-                for (int y = 0; y < dh; y++)
-                    for (int x = 0; x < dw; x++) {
-                        int64_t sum = 0;
-                        for (int v = 0; v < by; v++)
-                            for (int u = 0; u < bx; u++)
-                                sum += src[size_t(y * by + v) * w + size_t(x * bx + u)];
-                        ASSERT_EQ(dst[size_t(y * dw + x)], int(double(sum) * (fx * fy) + 0.5)) << bx << "x" << by;
-                    }
+    for (int bx : {1, 2, 3, 4, 5, 6, 7, 8, 9, 12, 16, 25})
+        for (int by : {1, 2, 3, 4, 5, 7, 8, 300})
+            for (int dw : {1, 11, 75}) {
+                if (by == 300 && dw > 11)
+                    continue;
+                slots::each(qvrTable_qvriResizeSqrPixel_8u_C1R,
+                            [&](auto resize, int) { checkBlocks<1>(resize, bx, by, dw); });
+                slots::each(qvrTable_qvriResizeSqrPixel_8u_C4R,
+                            [&](auto resize, int) { checkBlocks<4>(resize, bx, by, dw); });
             }
-    });
 }
 
 TEST(Resize, IdentityCopies)
