@@ -167,7 +167,8 @@ def family_lines(data, docs):
     family, run = data["family"], data["slots"].get(data["own"])
     if run is None:
         return []
-    lines = [f"## {family}", "", machine_text(run), f"Slot {run['slot']}.", ""] + limits_lines(run)
+    rounds = " Few rounds (`--quick`): single rows move by a tenth and more." if run.get("quick") else ""
+    lines = [f"## {family}", "", machine_text(run), f"Slot {run['slot']}.{rounds}", ""] + limits_lines(run)
     ratios = {level: [r["ratio"] for r in run["results"] if r["best"] and r["level"] == level] for level in LEVELS}
     lines += table(["level", "cases", "geometric mean of ratios", "smallest", "largest"],
                    [[level, str(len(v)), f"{geometric_mean(v):.2f}", f"{min(v):.2f}", f"{max(v):.2f}"]
