@@ -7,7 +7,7 @@ declare -A lists=(
     [demo]="pkgconf libsndfile1-dev libpng-dev libjpeg62-turbo-dev alsa-utils python-matplotlib-data"
     [package]="dpkg-dev file"
     [docs]="doxygen"
-    [test]="abigail-tools doxygen valgrind dpkg-dev file libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev libpng-dev libjpeg62-turbo-dev"
+    [test]="abigail-tools doxygen valgrind libc6-dbg dpkg-dev file libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev libpng-dev libjpeg62-turbo-dev"
 )
 
 # Only what is configured counts as present.
