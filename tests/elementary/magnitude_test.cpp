@@ -1,18 +1,10 @@
+#include "support/budget.h"
 #include "support/elementwise.h"
 #include "support/regions.h"
 
 #include "frame/threads.h"
 
 namespace {
-
-class Budget {
-public:
-    explicit Budget(int n) : saved_(qvrNumThreadsValue()) { qvrSetNumThreads(n); }
-    ~Budget() { qvrSetNumThreads(saved_); }
-
-private:
-    int saved_;
-};
 
 // The table of the contract, literally.
 int16_t magnitude16(qvr16sc z, int scaleFactor)

@@ -1,20 +1,12 @@
 // Runs that fork: when they do, and that they give what one thread gives.
 #include "filters/fir_model.h"
 #include "frame/threads.h"
+#include "support/budget.h"
 #include "support/regions.h"
 
 using namespace fir;
 
 namespace {
-
-class Budget {
-public:
-    explicit Budget(int n) : saved_(qvrNumThreadsValue()) { qvrSetNumThreads(n); }
-    ~Budget() { qvrSetNumThreads(saved_); }
-
-private:
-    int saved_;
-};
 
 template<class Form> class FirThreads : public testing::Test {};
 using Forms = testing::Types<Form32f, Form64f, Form64f_32f, Form64f_16s>;

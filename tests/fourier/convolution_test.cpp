@@ -1,5 +1,7 @@
+#include "fourier/sum_statuses.h"
 #include "fourier/sums.h"
 #include "support/allocation.h"
+#include "support/budget.h"
 #include "support/guarded.h"
 #include "support/regions.h"
 #include "support/slots.h"
@@ -148,15 +150,6 @@ TEST(Conv, SeamsOfBlocks)
         expectNear(convolve(f, a, b), sums::convolution(a, b), 64 * 0x1p-24 * sums::norm(a) * sums::norm(b), "seams");
     });
 }
-
-class Budget {
-public:
-    explicit Budget(int n) : saved_(qvrNumThreadsValue()) { qvrSetNumThreads(n); }
-    ~Budget() { qvrSetNumThreads(saved_); }
-
-private:
-    int saved_;
-};
 
 TEST(Conv, ThreadsDoNotChangeTheResult)
 {
@@ -316,25 +309,7 @@ TEST(ConvBiased, TermsOutsideAreLeftOut)
 
 TEST(ConvBiased, Statuses)
 {
-    struct Args {
-        const float *a, *b;
-        int n1, n2;
-        float* y;
-        int n;
-    };
-    slots::each(qvrTable_qvrsConvBiased_32f, [&](auto f, int) {
-        float a[4] = {1, 2, 3, 4}, b[2] = {5, 6}, y[5] = {9, 9, 9, 9, 9};
-        expectStatusOrder<Args>(
-            {a, b, 4, 2, y, 5},
-            {{"pSrc1", qvrErrNullPointer, [](Args& x) { x.a = nullptr; }},
-             {"pSrc2", qvrErrNullPointer, [](Args& x) { x.b = nullptr; }},
-             {"pDst", qvrErrNullPointer, [](Args& x) { x.y = nullptr; }},
-             {"len1", qvrErrBadSize, [](Args& x) { x.n1 = 0; }},
-             {"len2", qvrErrBadSize, [](Args& x) { x.n2 = -5; }},
-             {"dstLen", qvrErrBadSize, [](Args& x) { x.n = 0; }}},
-            [&](const Args& x) { return f(x.a, x.n1, x.b, x.n2, x.y, x.n, 1); },
-            [&] { return y[0] == 9 && y[4] == 9; });
-    });
+    checkSumStatuses(qvrTable_qvrsConvBiased_32f);
 }
 
 TEST(ConvCyclic8x8, OneTermAfterTheOther)

@@ -1,3 +1,4 @@
+#include "fourier/sum_statuses.h"
 #include "fourier/sums.h"
 #include "support/allocation.h"
 #include "support/guarded.h"
@@ -146,25 +147,7 @@ TEST(CrossCorr, FailingMemory)
 
 TEST(CrossCorr, Statuses)
 {
-    struct Args {
-        const float *a, *b;
-        int n1, n2;
-        float* y;
-        int n;
-    };
-    slots::each(qvrTable_qvrsCrossCorr_32f, [&](auto f, int) {
-        float a[4] = {1, 2, 3, 4}, b[2] = {5, 6}, y[5] = {9, 9, 9, 9, 9};
-        expectStatusOrder<Args>(
-            {a, b, 4, 2, y, 5},
-            {{"pSrc1", qvrErrNullPointer, [](Args& x) { x.a = nullptr; }},
-             {"pSrc2", qvrErrNullPointer, [](Args& x) { x.b = nullptr; }},
-             {"pDst", qvrErrNullPointer, [](Args& x) { x.y = nullptr; }},
-             {"len1", qvrErrBadSize, [](Args& x) { x.n1 = 0; }},
-             {"len2", qvrErrBadSize, [](Args& x) { x.n2 = -5; }},
-             {"dstLen", qvrErrBadSize, [](Args& x) { x.n = 0; }}},
-            [&](const Args& x) { return f(x.a, x.n1, x.b, x.n2, x.y, x.n, 1); },
-            [&] { return y[0] == 9 && y[4] == 9; });
-    });
+    checkSumStatuses(qvrTable_qvrsCrossCorr_32f);
 }
 
 void checkAuto(decltype(Morven_qvrsAutoCorr_32f)* f, size_t len, size_t count, size_t offset)

@@ -3,6 +3,7 @@
 #include "fourier/fft_slots.h"
 #include "fourier/spectrum.h"
 #include "support/allocation.h"
+#include "support/budget.h"
 #include "support/regions.h"
 #include "support/status_order.h"
 
@@ -360,12 +361,6 @@ TYPED_TEST(Transform, OneObjectInSeveralThreads)
 }
 
 // Thread budgets at creation and at the call; put back at the end.
-struct Budget {
-    explicit Budget(int n) : saved(qvrNumThreadsValue()) { qvrSetNumThreads(n); }
-    ~Budget() { qvrSetNumThreads(saved); }
-    const int saved;
-};
-
 TYPED_TEST(Transform, ThreadedBandGivesTheSequentialBits)
 {
     using T = TypeParam;

@@ -2,21 +2,13 @@
 #include "frame/threads.h"
 #include "image/resize_check.h"
 #include "support/allocation.h"
+#include "support/budget.h"
 #include "support/regions.h"
 #include "support/status_order.h"
 
 namespace {
 
 using namespace resize_check;
-
-class Budget {
-public:
-    explicit Budget(int n) : saved_(qvrNumThreadsValue()) { qvrSetNumThreads(n); }
-    ~Budget() { qvrSetNumThreads(saved_); }
-
-private:
-    int saved_;
-};
 
 struct Args {
     const uint8_t* src;

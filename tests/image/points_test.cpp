@@ -1,5 +1,6 @@
 // Point operations against their contracts.
 #include "frame/threads.h"
+#include "support/budget.h"
 #include "support/cache.h"
 #include "support/guarded.h"
 #include "support/regions.h"
@@ -75,15 +76,6 @@ template<class Body> void sweepImages(Body&& body)
         body(160, 2, 0, false, offset);
     }
 }
-
-class Budget {
-public:
-    explicit Budget(int n) : saved_(qvrNumThreadsValue()) { qvrSetNumThreads(n); }
-    ~Budget() { qvrSetNumThreads(saved_); }
-
-private:
-    int saved_;
-};
 
 // ---- AddC -----------------------------------------------------------------------------------------------------------
 

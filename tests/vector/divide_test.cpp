@@ -1,3 +1,4 @@
+#include "support/budget.h"
 #include "support/elementwise.h"
 #include "support/regions.h"
 
@@ -44,15 +45,6 @@ qvrStatus badRootAmong(const std::vector<F>& v)
             return qvrWarnNegativeInput;
     return qvrOk;
 }
-
-class Budget {
-public:
-    explicit Budget(int n) : saved_(qvrNumThreadsValue()) { qvrSetNumThreads(n); }
-    ~Budget() { qvrSetNumThreads(saved_); }
-
-private:
-    int saved_;
-};
 
 const std::vector<int> kRegionLengths = {4095, 4096, 4097, 8191};
 
