@@ -163,6 +163,40 @@ TEST(FixedFft, ShortOnesInIntegersAreExact)
     });
 }
 
+// Eight points have one twiddle, cos(pi/4) = sin(pi/4) = 11585 / 16384, in the recombination. Samples of -1, 0 and 1
+// stand 13 bits up in the integers, and a scale of -13 shows all of these bits, the rounding of the split products too.
+TEST(FixedFft, TwiddleProductOfEightPointsToTheLastBit)
+{
+    const auto rotated = [](int64_t x, int64_t v, int64_t y, int64_t w) {
+        const int64_t low = ((x & 0xFFFF) >> 1) * v + ((y & 0xFFFF) >> 1) * w;
+        return ((low + 4096) >> 13) + 4 * ((x >> 16) * v + (y >> 16) * w);
+    };
+    eachSlot([&](int slot) {
+        FixedObject object(slot, 3, qvrFftNoDiv, qvrHintFast);
+        for (uint32_t seed = 0; seed < 200; seed++) {
+            Values x(8);
+            for (uint32_t i = 0; i < 3; i++)
+                x[(seed * 7 + i * (1 + seed % 5)) % 8] = static_cast<int16_t>((seed >> i & 1) ? 1 : -1);
+            int64_t re[4] = {}, im[4] = {};
+            for (int k = 0; k < 4; k++)
+                for (int i = 0; i < 4; i++) {
+                    const int64_t a = int64_t{x[2 * i]} * 8192, b = int64_t{x[2 * i + 1]} * 8192;
+                    const int quarter = i * k % 4;
+                    re[k] += quarter == 0 ? a : quarter == 1 ? b : quarter == 2 ? -a : -b;
+                    im[k] += quarter == 0 ? b : quarter == 1 ? -a : quarter == 2 ? -b : a;
+                }
+            const int64_t p = (re[1] - re[3]) >> 1, q = (im[1] + im[3]) >> 1;
+            const int64_t s = (re[1] + re[3]) >> 1, d = (im[1] - im[3]) >> 1, c = 11585;
+            const int64_t t = rotated(q, c, p, -c), u = rotated(q, -c, p, -c);
+            Values want;
+            for (int64_t v :
+                 {re[0] + im[0], int64_t{0}, s + t, u + d, re[2], -im[2], s - t, u - d, re[0] - im[0], int64_t{0}})
+                want.push_back(storedModel(v, 0));
+            ASSERT_EQ(transformed(slot, object.spec, 3, x, -13), want) << "seed " << seed;
+        }
+    });
+}
+
 TEST(FixedFft, FullScaleConstant)
 {
     eachSlot([](int slot) {
