@@ -1,5 +1,10 @@
-// Calls a random export in a random slot with random arguments: nothing may be read or written outside the arrays,
+// Calls random exports in random slots with random arguments: nothing may be read or written outside the arrays,
 // nothing undefined may happen, and a call with a null pointer or a length below 1 must return an error.
+//
+// A unit of the fuzzer is cut into equal slices, one a call: what the fuzzer spends on a unit exceeds most calls.
+#include <algorithm>
+#include <random>
+
 #include "fuzz/shapes.h"
 #include "support/slot_list.h"
 
@@ -33,9 +38,9 @@ const std::vector<const Export*>& chosenExports()
     return chosen;
 }
 
-} // namespace
+constexpr size_t kCalls = 10; // of a unit
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void callOne(const uint8_t* data, size_t size)
 {
     fuzz::Input in(data, size);
     const auto& exports = chosenExports();
@@ -46,5 +51,27 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     // One slot for all that a case calls: states do not travel between slots.
     qvrCpuIndex = slot;
     exports[static_cast<size_t>(which)]->call(in);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    for (size_t i = 0; i < kCalls; i++) {
+        const size_t from = size * i / kCalls, to = size * (i + 1) / kCalls;
+        callOne(data + from, to - from);
+    }
     return 0;
+}
+
+extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t maxSize);
+
+// Short units leave most arguments at their least value: they, and one unit in four, are drawn afresh at full size.
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize, unsigned seed)
+{
+    std::mt19937 engine(seed);
+    if (2 * size >= maxSize && engine() % 4)
+        return LLVMFuzzerMutate(data, size, maxSize);
+    std::generate_n(data, maxSize, [&] { return static_cast<uint8_t>(engine()); });
+    return maxSize;
 }
