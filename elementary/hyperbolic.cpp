@@ -67,14 +67,30 @@ template<Accuracy A, bool kNearest, class V> QVR_INLINE V cosine(V x)
 
 // x (z^3 + 378 z^2 + 17325 z + 135135) / (28 z^3 + 3150 z^2 + 62370 z + 135135), z = x^2: the continued fraction
 // x / (1 + z / (3 + z / (5 + ...))) cut off. From 4.97 on both it and 1 are within 2^-13.3 of the result.
-template<class V> QVR_INLINE V shortTangent(V x)
+template<class V> QVR_INLINE void shortTangentParts(V x, V& num, V& den)
 {
     const V z = x * x;
-    const V num = x * polynomial(z, 1.0, 378.0, 17325.0, 135135.0);
-    const V den = polynomial(z, 28.0, 3150.0, 62370.0, 135135.0);
-    const V estimate = reciprocalEstimate(den);
-    const V t = num * (estimate * (splat<V>(2) - den * estimate));
-    return abs(x) > splat<V>(4.97f) ? withSign(splat<V>(1), signOf(x)) : t;
+    num = x * polynomial(z, 1.0, 378.0, 17325.0, 135135.0);
+    den = polynomial(z, 28.0, 3150.0, 62370.0, 135135.0);
+}
+
+// Here, evaluated with fused operations, numerator and denominator are one float, however they are rounded.
+constexpr float kShortTangentOne = 0x1.3e34a8p+2f;
+
+template<class V> QVR_INLINE V shortTangent(V x)
+{
+    V num, den;
+    if constexpr (kFma) {
+        // Processors of this level divide while they work on the next vector. A NaN gets through both.
+        const V one = splat<V>(kShortTangentOne);
+        shortTangentParts(min(one, max(-one, x)), num, den);
+        return num / den;
+    } else {
+        shortTangentParts(x, num, den);
+        const V estimate = reciprocalEstimate(den);
+        const V t = num * (estimate * (splat<V>(2) - den * estimate));
+        return abs(x) > splat<V>(4.97f) ? withSign(splat<V>(1), signOf(x)) : t;
+    }
 }
 
 // From 9.0109 on the nearest float is 1. A NaN gets through the minimum.

@@ -567,13 +567,29 @@ template<class V> QVR_INLINE V rootReciprocalEstimate(V v)
 // one, or a gather instruction, costs more than loads that overlap with other work; volatile keeps the compiler from
 // turning the loads back into that.
 template<class T, int Stride, class I> struct Rows {
-    const char* base;
-    volatile Elem<I> at[lanes<I>];
-    QVR_INLINE Rows(const T* table, I index) : base(reinterpret_cast<const char*>(table))
+    const char* row[lanes<I>];
+    QVR_INLINE Rows(const T* table, I index)
     {
-        store(const_cast<Elem<I>*>(at), index * static_cast<Elem<I>>(Stride * sizeof(T)));
+        constexpr int N = lanes<I>;
+        const char* base = reinterpret_cast<const char*>(table);
+        const I offset = index * static_cast<Elem<I>>(Stride * sizeof(T));
+        // Two 32-bit indices to a load: loads are what a table kernel has most of.
+        if constexpr (sizeof(Elem<I>) == 4 && N % 2 == 0) {
+            volatile uint64_t at[N / 2];
+            store(reinterpret_cast<Elem<I>*>(const_cast<uint64_t*>(at)), offset);
+            for (int i = 0; i < N; i += 2) {
+                const uint64_t two = at[i / 2];
+                row[i] = base + static_cast<uint32_t>(two);
+                row[i + 1] = base + (two >> 32);
+            }
+        } else {
+            volatile Elem<I> at[N];
+            store(const_cast<Elem<I>*>(at), offset);
+            for (int i = 0; i < N; i++)
+                row[i] = base + at[i];
+        }
     }
-    QVR_INLINE const T* operator()(int lane) const { return reinterpret_cast<const T*>(base + at[lane]); }
+    QVR_INLINE const T* operator()(int lane) const { return reinterpret_cast<const T*>(row[lane]); }
 };
 
 // The elements base[index[lane]] of rows that are Stride elements apart: one column, or two neighbouring ones.

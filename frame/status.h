@@ -6,9 +6,19 @@
 
 namespace {
 
+// A fault stays a branch of its own. Compilers gather checks into flags, which is twice the instructions of a short call.
+inline bool isFault(bool fault)
+{
+    if (__builtin_expect(fault, 0)) {
+        __asm__ volatile("");
+        return true;
+    }
+    return false;
+}
+
 template<class... P> inline bool anyNull(const P*... pointers)
 {
-    return (... || !pointers);
+    return (... || isFault(!pointers));
 }
 
 // Any null pointer outranks a bad length.
@@ -16,13 +26,13 @@ template<class... P> inline qvrStatus checkPointersThenLength(int len, const P*.
 {
     if (anyNull(pointers...))
         return qvrErrNullPointer;
-    return len < 1 ? qvrErrBadSize : qvrOk;
+    return isFault(len < 1) ? qvrErrBadSize : qvrOk;
 }
 
 // The order of the elementary functions in the slots that look at the length first.
 template<class... P> inline qvrStatus checkLengthThenPointers(int len, const P*... pointers)
 {
-    if (len < 1)
+    if (isFault(len < 1))
         return qvrErrBadSize;
     return anyNull(pointers...) ? qvrErrNullPointer : qvrOk;
 }

@@ -113,8 +113,10 @@ template<class T, class Table> void checkAddC(const Table& table, std::vector<in
                 run(129, 2, 3, true, 0, c, s);
         int k = 0;
         sweepImages([&](int w, int h, int gap, bool atEnd, size_t offset) {
-            for (int s : {0, 1, 3, -2, -20})
-                run(w, h, gap, atEnd, offset, constants[k++ % 6], s, k % 4 == 0);
+            for (int s : {0, 1, 3, -2, -20}) {
+                run(w, h, gap, atEnd, offset, constants[k % 6], s, k % 4 == 0);
+                k++;
+            }
         });
     });
 }
