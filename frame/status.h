@@ -6,7 +6,7 @@
 
 namespace {
 
-// A fault stays a branch of its own. Compilers gather checks into flags, which is twice the instructions of a short call.
+// A fault stays a branch of its own: gathered into flags, the checks would double what a short call executes.
 inline bool isFault(bool fault)
 {
     if (__builtin_expect(fault, 0)) {

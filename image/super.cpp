@@ -8,9 +8,9 @@
 // The outputs of a row go in strips whose columns are worked out once for all rows. Indices outside the image stand for
 // its edge pixel. The line is as long as the buffer allows; an output that needs more is added up in pieces.
 //
-// Blocks of bytes whose sums fit 15 bits are added up in words, down and then along; sums that small are exact in
-// single too, so both ways give the same bytes.
-#include "image/kernels.h"
+// Blocks of two by two bytes go straight to their means. Other blocks of bytes whose sums fit 15 bits are added up in
+// words, down and then along; sums that small are exact in single too, so both ways give the same bytes.
+#include "image/halve.h"
 
 namespace {
 
@@ -367,6 +367,27 @@ template<class T> void makeStrip(const Super<T>& s, Index from, Strip& strip)
     }
 }
 
+// The whole band, where it is made of blocks of two by two inside the image; 0 if not.
+template<int NC> int halveBand(const Super<uint8_t>& s)
+{
+    const qvrResizeBand* const b = s.band;
+    if (!kCanHalve<NC> || !s.blocks || b->superArea != 0.25 || b->x.count < 1 || b->y.count < 1)
+        return 0;
+    qvrCover column, row;
+    qvrCoverOf(&b->x, 1, b->x.first, &column);
+    qvrCoverOf(&b->wholeY, 1, b->y.first, &row);
+    if (column.whole != 2 || row.whole != 2 || column.start < 0 || row.start < 0 ||
+        column.start + 2 * b->x.count > b->x.length || row.start + 2 * b->y.count > b->y.length)
+        return 0;
+    for (Index n = 0; n < b->y.count; n++) {
+        const uint8_t* const upper =
+            reinterpret_cast<const uint8_t*>(sourceRow(b, row.start + 2 * n)) + column.start * NC;
+        if constexpr (kCanHalve<NC>)
+            halveRow<NC>(upper, upper + b->srcStep, reinterpret_cast<uint8_t*>(outputRow(b, n, NC)), b->x.count * NC);
+    }
+    return 1;
+}
+
 template<class T, int NC> void superBand(const qvrResizeBand* b)
 {
     using A = typename Super<T>::A;
@@ -376,6 +397,9 @@ template<class T, int NC> void superBand(const qvrResizeBand* b)
     s.line = carver.take<A>(0, 16);
     s.room = (carver.end - carver.at) / static_cast<Index>(sizeof(A)) / NC;
     s.blocks = qvrIsBlockAxis(&b->x) && qvrIsBlockAxis(&b->wholeY);
+    if constexpr (sizeof(T) == 1)
+        if (halveBand<NC>(s))
+            return;
     const Index width = b->x.count;
     const auto output = [&](Index n, Index x) {
         qvrCoverOf(&b->wholeY, s.blocks, b->y.first + n, &s.rows);

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Makes the reference pages into a folder and reads them: each export has its entry with a description and its own
-example, each link and picture of the guides leads somewhere, and doxygen has nothing to say."""
+"""Makes the reference pages into a folder and reads them: each export has its entry with a description, its own example
+and what depends on the processor's level, each link and picture of the guides leads somewhere, and doxygen has nothing to say."""
 import re
 import subprocess
 import sys
@@ -17,15 +17,19 @@ faults += (work / "warnings.txt").read_text().splitlines()
 
 exports = set(re.findall(r"^QVR_\w+\((\w+)\)", (root / "frame/exports.def").read_text(), re.M))
 sys.path.insert(0, str(root / "docs"))
-from with_examples import examples, withExamples  # noqa: E402
+from reference import examples, levels, referenceView, ruleOf  # noqa: E402
 
-bodies = examples()
+bodies, rules = examples(), levels()
 faults += [f"no function {name} for the example" for name in bodies if name not in exports]
-_, missing = withExamples((root / "include/morvenqvr.h").read_text(), bodies)
+_, missing = referenceView((root / "include/morvenqvr.h").read_text(), bodies, rules)
 faults += [f"no example of {name}" for name in missing]
 for name, body in bodies.items():
     if f"Morven_{name}(" not in body:
         faults.append(f"the example of {name} does not call it")
+
+faults += [f"no word on processor levels for {name}" for name in sorted(exports) if not ruleOf(name, rules)]
+used = [ruleOf(name, rules) for name in exports]
+faults += [f"no function for the levels of {' '.join(rule[0])}" for rule in rules if rule not in used]
 
 described = {}
 for page in (work / "xml").glob("group__*.xml"):
@@ -35,8 +39,8 @@ for page in (work / "xml").glob("group__*.xml"):
             described[member.findtext("name").removeprefix("Morven_")] = text
 for name in sorted(exports):
     text = described.get(name, "")
-    if len(text.split("Example")[0].strip()) < 10 or "Example" not in text:
-        faults.append(f"{name} has no entry in a group, or one without description or example")
+    if len(text.split("Processor levels")[0].strip()) < 10 or "Example" not in text or "Processor levels" not in text:
+        faults.append(f"{name} has no entry in a group, or one without description, example or processor levels")
 
 for guide in [*root.glob("*.md"), *(root / "docs").glob("*.md")]:
     for target in re.findall(r"\]\(([^)#\s]+)", guide.read_text()):

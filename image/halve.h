@@ -1,0 +1,73 @@
+// Blocks of two by two bytes to their mean, halves rounded up.
+#ifndef QVR_IMAGE_HALVE_H
+#define QVR_IMAGE_HALVE_H
+
+#include "image/kernels.h"
+
+namespace {
+
+constexpr int kHalveBytes = kAvx2 ? 32 : 16;
+using HalveBytes = Vec<uint8_t, kHalveBytes>;
+using HalveWords = Vec<uint16_t, kHalveBytes / 2>;
+
+// Levels that join the channels of two neighbouring pixels by an instruction.
+template<int NC> constexpr bool kCanHalve = NC == 1 || kSsse3;
+
+// Sums of neighbouring bytes. From SSSE3 on.
+QVR_INLINE HalveWords byteSums(HalveBytes v)
+{
+    if constexpr (kAvx2)
+        return bitcast<HalveWords>(_mm256_maddubs_epi16(bitcast<__m256i>(v), _mm256_set1_epi8(1)));
+    else
+        return bitcast<HalveWords>(_mm_maddubs_epi16(bitcast<__m128i>(v), _mm_set1_epi8(1)));
+}
+
+// Sums of neighbouring pixels, channel by channel.
+template<int NC> QVR_INLINE HalveWords pixelSums(HalveBytes v)
+{
+    static_assert(NC == 1 || NC == 4);
+    if constexpr (NC == 4) {
+        HalveBytes order;
+        for (int i = 0; i < kHalveBytes; i++)
+            order[i] = static_cast<uint8_t>((i & 8) | (i & 7) >> 1 | (i & 1) << 2);
+        return byteSums(shuffleBytes(v, order));
+    } else if constexpr (kSsse3) {
+        return byteSums(v);
+    } else {
+        const HalveWords w = bitcast<HalveWords>(v);
+        return (w & 255) + (w >> 8);
+    }
+}
+
+// Words up to 255 to bytes.
+QVR_INLINE HalveBytes joinWords(HalveWords a, HalveWords b)
+{
+    if constexpr (kAvx2)
+        return bitcast<HalveBytes>(
+            _mm256_permute4x64_epi64(_mm256_packus_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)), 0xD8));
+    else
+        return bitcast<HalveBytes>(_mm_packus_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
+}
+
+// n bytes of an output row from the two rows above it. The last vector may overlap the one before.
+template<int NC> inline void halveRow(const uint8_t* upper, const uint8_t* lower, uint8_t* dst, Index n)
+{
+    const auto means = [&](Index at) {
+        return (pixelSums<NC>(load<HalveBytes>(upper + at)) + pixelSums<NC>(load<HalveBytes>(lower + at)) + 2) >> 2;
+    };
+    const auto block = [&](Index i) { store(dst + i, joinWords(means(2 * i), means(2 * i + kHalveBytes))); };
+    if (n >= kHalveBytes) {
+        for (Index i = 0; i + kHalveBytes <= n; i += kHalveBytes)
+            block(i);
+        block(n - kHalveBytes);
+        return;
+    }
+    for (Index i = 0; i < n; i++) {
+        const Index at = 2 * i - i % NC;
+        dst[i] = static_cast<uint8_t>((upper[at] + upper[at + NC] + lower[at] + lower[at + NC] + 2) >> 2);
+    }
+}
+
+} // namespace
+
+#endif
