@@ -22,15 +22,25 @@ QVR_INLINE HalveWords byteSums(HalveBytes v)
         return bitcast<HalveWords>(_mm_maddubs_epi16(bitcast<__m128i>(v), _mm_set1_epi8(1)));
 }
 
+// Bytes of a block of four pixels so ordered that each stands before that of its channel in the next pixel.
+struct NeighbourOrder {
+    alignas(32) uint8_t at[32];
+};
+constexpr NeighbourOrder makeNeighbourOrder()
+{
+    NeighbourOrder order{};
+    for (int i = 0; i < 32; i++)
+        order.at[i] = static_cast<uint8_t>((i & 8) | (i & 7) >> 1 | (i & 1) << 2);
+    return order;
+}
+constexpr NeighbourOrder kNeighbourOrder = makeNeighbourOrder();
+
 // Sums of neighbouring pixels, channel by channel.
 template<int NC> QVR_INLINE HalveWords pixelSums(HalveBytes v)
 {
     static_assert(NC == 1 || NC == 4);
     if constexpr (NC == 4) {
-        HalveBytes order;
-        for (int i = 0; i < kHalveBytes; i++)
-            order[i] = static_cast<uint8_t>((i & 8) | (i & 7) >> 1 | (i & 1) << 2);
-        return byteSums(shuffleBytes(v, order));
+        return byteSums(shuffleBytes(v, load<HalveBytes>(kNeighbourOrder.at)));
     } else if constexpr (kSsse3) {
         return byteSums(v);
     } else {
@@ -57,9 +67,11 @@ template<int NC> inline void halveRow(const uint8_t* upper, const uint8_t* lower
     };
     const auto block = [&](Index i) { store(dst + i, joinWords(means(2 * i), means(2 * i + kHalveBytes))); };
     if (n >= kHalveBytes) {
-        for (Index i = 0; i + kHalveBytes <= n; i += kHalveBytes)
+        Index i = 0;
+        for (; i + kHalveBytes <= n; i += kHalveBytes)
             block(i);
-        block(n - kHalveBytes);
+        if (i < n)
+            block(n - kHalveBytes);
         return;
     }
     for (Index i = 0; i < n; i++) {
