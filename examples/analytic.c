@@ -153,7 +153,7 @@ int main(int argc, char** argv)
                                             {"out", required_argument, NULL, 'o'},
                                             {"help", no_argument, NULL, 'h'},
                                             {NULL, 0, NULL, 0}};
-    for (int option; (option = getopt_long(argc, argv, "", options, NULL)) != -1;) {
+    for (int option; (option = nextOption(argc, argv, options, usage)) != -1;) {
         switch (option) {
         case 'm':
             parseNumbers("--most", optarg, 1, &most, (const double[][2]){{10, 200000}});
@@ -164,17 +164,11 @@ int main(int argc, char** argv)
         case 'o':
             out = optarg;
             break;
-        case 'h':
-            usage();
-            return 0;
-        default:
-            return 2; // getopt has said what is wrong
         }
     }
-    if (optind != argc - 1)
-        failUsage("one input file is needed; --help tells more");
+    char** const files = operands(argc, argv, 1, "one input file is needed");
 
-    Audio in = audioOpen(argv[optind]);
+    Audio in = audioOpen(files[0]);
     Signal signal = signalRead(&in);
     Analytic a = analyse(&signal);
     float loudest, mean;

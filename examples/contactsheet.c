@@ -56,7 +56,7 @@ int main(int argc, char** argv)
                                             {"out", required_argument, NULL, 'o'},
                                             {"help", no_argument, NULL, 'h'},
                                             {NULL, 0, NULL, 0}};
-    for (int option; (option = getopt_long(argc, argv, "", options, NULL)) != -1;) {
+    for (int option; (option = nextOption(argc, argv, options, usage)) != -1;) {
         switch (option) {
         case 'z':
             parseNumbers("--zoom", optarg, 1, &zoom, (const double[][2]){{2, 32}});
@@ -64,20 +64,14 @@ int main(int argc, char** argv)
         case 'o':
             out = optarg;
             break;
-        case 'h':
-            usage();
-            return 0;
-        default:
-            return 2;
         }
     }
-    if (argc - optind != 1)
-        failUsage("wants one photograph; --help tells more");
+    char** const files = operands(argc, argv, 1, "wants one photograph");
     if (!photoCanWrite(out))
         failUsage("%s: the name of the sheet must end in .png or .jpg", out);
-    const Photo photo = asColour(photoRead(argv[optind]));
+    const Photo photo = asColour(photoRead(files[0]));
     if (photo.width <= kCell || photo.height <= kCell)
-        fail("%s: %d by %d pixels are too few to reduce; more than %d each way are wanted", argv[optind], photo.width,
+        fail("%s: %d by %d pixels are too few to reduce; more than %d each way are wanted", files[0], photo.width,
              photo.height, kCell);
     // The square in the middle, and its middle.
     const int side = photo.width < photo.height ? photo.width : photo.height, part = (int)(kCell / zoom);

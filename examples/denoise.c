@@ -178,7 +178,7 @@ int main(int argc, char** argv)
         {"levels", required_argument, NULL, 'l'}, {"strength", required_argument, NULL, 's'},
         {"noise", required_argument, NULL, 'n'},  {"out", required_argument, NULL, 'o'},
         {"help", no_argument, NULL, 'h'},         {NULL, 0, NULL, 0}};
-    for (int option; (option = getopt_long(argc, argv, "", options, NULL)) != -1;) {
+    for (int option; (option = nextOption(argc, argv, options, usage)) != -1;) {
         switch (option) {
         case 'l':
             parseNumbers("--levels", optarg, 1, &levels, (const double[][2]){{1, kMostLevels}});
@@ -195,17 +195,11 @@ int main(int argc, char** argv)
         case 'o':
             out = optarg;
             break;
-        case 'h':
-            usage();
-            return 0;
-        default:
-            return 2; // getopt has said what is wrong
         }
     }
-    if (optind != argc - 1)
-        failUsage("one input file is needed; --help tells more");
+    char** const files = operands(argc, argv, 1, "one input file is needed");
 
-    Audio in = audioOpen(argv[optind]);
+    Audio in = audioOpen(files[0]);
     Signal clean = signalRead(&in), before = {allocate((int64_t)clean.count * 4), clean.count, clean.rate};
     CHECK(Morven_qvrsCopy_32f(clean.samples, before.samples, clean.count));
     if (noise <= 0)

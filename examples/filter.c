@@ -36,7 +36,7 @@ typedef struct {
     double ripple;
     double low, high; // the band in hertz; 0 for an edge that there is not
     int stop;         // the band is stopped
-    const char *out, *picture;
+    const char *in, *out, *picture;
 } Settings;
 
 // ---- Design ---------------------------------------------------------------------------------------------------------
@@ -517,7 +517,7 @@ static Settings parse(int argc, char** argv)
         {"picture", required_argument, NULL, 'i'}, {"out", required_argument, NULL, 'f'},
         {"help", no_argument, NULL, 'h'},          {NULL, 0, NULL, 0}};
     double factors[2];
-    for (int option; (option = getopt_long(argc, argv, "", options, NULL)) != -1;) {
+    for (int option; (option = nextOption(argc, argv, options, usage)) != -1;) {
         switch (option) {
         case 'p':
             parseBand("--pass", optarg, &s);
@@ -561,15 +561,9 @@ static Settings parse(int argc, char** argv)
         case 'f':
             s.out = optarg;
             break;
-        case 'h':
-            usage();
-            exit(0);
-        default:
-            exit(2); // getopt has said what is wrong
         }
     }
-    if (optind != argc - 1)
-        failUsage("one input file is needed; --help tells more");
+    s.in = operands(argc, argv, 1, "one input file is needed")[0];
     if (s.out == NULL)
         failUsage("--out is needed; --help tells more");
     if (s.kind != kFir && (s.stop || (s.low > 0 && s.high > 0)))
@@ -585,7 +579,7 @@ int main(int argc, char** argv)
 {
     programName = "filter";
     Settings s = parse(argc, argv);
-    Audio in = audioOpen(argv[optind]);
+    Audio in = audioOpen(s.in);
     const double rate = in.rate, rateOut = rate * s.up / s.down, narrow = rateOut < rate ? rateOut : rate;
     if (s.low == 0 && s.high == 0)
         s.high = 0.45 * narrow;

@@ -135,7 +135,7 @@ int main(int argc, char** argv)
                                             {"out", required_argument, NULL, 'o'},
                                             {"help", no_argument, NULL, 'h'},
                                             {NULL, 0, NULL, 0}};
-    for (int option; (option = getopt_long(argc, argv, "", options, NULL)) != -1;) {
+    for (int option; (option = nextOption(argc, argv, options, usage)) != -1;) {
         switch (option) {
         case 'c':
             parseNumbers("--cut", optarg, 2, cut, (const double[][2]){{0, 1e6}, {0, 1e6}});
@@ -146,20 +146,14 @@ int main(int argc, char** argv)
         case 'o':
             out = optarg;
             break;
-        case 'h':
-            usage();
-            return 0;
-        default:
-            return 2; // getopt has said what is wrong
         }
     }
-    if (optind != argc - 2)
-        failUsage("a sound and a recording are needed; --help tells more");
+    char** const files = operands(argc, argv, 2, "a sound and a recording are needed");
     if (cut[0] >= cut[1])
         failUsage("--cut: the piece ends before it begins");
 
     Audio soundFile, recordingFile;
-    Signal whole = readFile(argv[optind], &soundFile), recording = readFile(argv[optind + 1], &recordingFile);
+    Signal whole = readFile(files[0], &soundFile), recording = readFile(files[1], &recordingFile);
     if (whole.rate != recording.rate)
         fail("%s has %d samples per second, %s has %d", soundFile.path, whole.rate, recordingFile.path, recording.rate);
     const int first = (int)fmin(cut[0] * whole.rate, whole.count), end = (int)fmin(cut[1] * whole.rate, whole.count);

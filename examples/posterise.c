@@ -75,7 +75,7 @@ int main(int argc, char** argv)
                                             {"ramp", no_argument, NULL, 'r'},
                                             {"help", no_argument, NULL, 'h'},
                                             {NULL, 0, NULL, 0}};
-    for (int option; (option = getopt_long(argc, argv, "", options, NULL)) != -1;) {
+    for (int option; (option = nextOption(argc, argv, options, usage)) != -1;) {
         switch (option) {
         case 'l':
             parseNumbers("--levels", optarg, 1, &levels, (const double[][2]){{2, 256}});
@@ -83,18 +83,12 @@ int main(int argc, char** argv)
         case 'r':
             ramp = 1;
             break;
-        case 'h':
-            usage();
-            return 0;
-        default:
-            return 2;
         }
     }
-    if (argc - optind != 2)
-        failUsage("wants two files, IN and OUT; --help tells more");
-    if (!photoCanWrite(argv[optind + 1]))
-        failUsage("%s: the name of the result must end in .png or .jpg", argv[optind + 1]);
-    Photo photo = photoRead(argv[optind]), grey = greyOf(&photo), out;
+    char** const files = operands(argc, argv, 2, "wants two files, IN and OUT");
+    if (!photoCanWrite(files[1]))
+        failUsage("%s: the name of the result must end in .png or .jpg", files[1]);
+    Photo photo = photoRead(files[0]), grey = greyOf(&photo), out;
     printRange(&grey);
     if (ramp) {
         qvr32u palette[256];
@@ -119,7 +113,7 @@ int main(int argc, char** argv)
         for (size_t i = 3; photo.channels == 4 && i < (size_t)row * photo.height; i += 4)
             out.pixels[i] = photo.pixels[i];
     }
-    photoWrite(&out, argv[optind + 1]);
+    photoWrite(&out, files[1]);
     photoRelease(&photo);
     photoRelease(&grey);
     photoRelease(&out);

@@ -37,7 +37,7 @@ int main(int argc, char** argv)
                                             {"antialias", no_argument, NULL, 'a'},
                                             {"help", no_argument, NULL, 'h'},
                                             {NULL, 0, NULL, 0}};
-    for (int option; (option = getopt_long(argc, argv, "", options, NULL)) != -1;) {
+    for (int option; (option = nextOption(argc, argv, options, usage)) != -1;) {
         switch (option) {
         case 'f':
             parseNumbers("--factor", optarg, 1, &factor, (const double[][2]){{1e-4, 1e4}});
@@ -55,16 +55,10 @@ int main(int argc, char** argv)
         case 'a':
             antialias = qvriAntialias;
             break;
-        case 'h':
-            usage();
-            return 0;
-        default:
-            return 2;
         }
     }
-    if (argc - optind != 2)
-        failUsage("wants two files, IN and OUT; --help tells more");
-    const char *in = argv[optind], *out = argv[optind + 1];
+    char** const files = operands(argc, argv, 2, "wants two files, IN and OUT");
+    const char *in = files[0], *out = files[1];
     if (!photoCanWrite(out))
         failUsage("%s: the name of the result must end in .png or .jpg", out);
 

@@ -258,7 +258,7 @@ int main(int argc, char** argv)
                                             {"out", required_argument, NULL, 'o'},
                                             {"help", no_argument, NULL, 'h'},
                                             {NULL, 0, NULL, 0}};
-    for (int option; (option = getopt_long(argc, argv, "", options, NULL)) != -1;) {
+    for (int option; (option = nextOption(argc, argv, options, usage)) != -1;) {
         switch (option) {
         case 'f':
             parseNumbers("--fft", optarg, 1, &length, (const double[][2]){{1 << kMinOrder, 1 << kMaxOrder}});
@@ -283,18 +283,12 @@ int main(int argc, char** argv)
         case 'o':
             out = optarg;
             break;
-        case 'h':
-            usage();
-            return 0;
-        default:
-            return 2; // getopt has said what is wrong
         }
     }
-    if (optind != argc - 1)
-        failUsage("one input file is needed; --help tells more");
+    char** const files = operands(argc, argv, 1, "one input file is needed");
     settings.overlap = overlap / 100;
 
-    Audio in = audioOpen(argv[optind]);
+    Audio in = audioOpen(files[0]);
     char* own = out == NULL ? defaultOutput(in.path) : NULL;
     const char* path = out != NULL ? out : own;
     const double began = seconds();

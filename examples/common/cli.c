@@ -1,4 +1,4 @@
-// Messages, numbers from arguments, progress.
+// Messages, options and numbers from arguments, progress.
 #include "cli.h"
 
 #include <stdarg.h>
@@ -30,6 +30,25 @@ _Noreturn void failUsage(const char* format, ...)
     va_start(arguments, format);
     message(format, arguments);
     exit(2);
+}
+
+int nextOption(int argc, char** argv, const struct option* options, void (*usage)(void))
+{
+    const int option = getopt_long(argc, argv, "", options, NULL);
+    if (option == 'h') {
+        usage();
+        exit(0);
+    }
+    if (option == '?')
+        exit(2); // getopt has said what is wrong
+    return option;
+}
+
+char** operands(int argc, char** argv, int count, const char* wanted)
+{
+    if (argc - optind != count)
+        failUsage("%s; --help tells more", wanted);
+    return argv + optind;
 }
 
 void parseNumbers(const char* option, const char* text, int count, double* values, const double (*range)[2])
