@@ -15,49 +15,16 @@ constexpr double qvrQuarterWave_64f[kConstantQuarter + 1] = {QVR_256(double), 1.
 
 namespace {
 
-// Up to pi/4, where tables are made, the Taylor series to x^17 and x^18 leave less than 2^-61; their tails are summed
-// apart from the first term, whose rounding then is nearly all of the error.
 constexpr double kEighth = 0.7853981633974484;
-
-constexpr double kSineTail[] = {-1.0 / 6,
-                                1.0 / 120,
-                                -1.0 / 5040,
-                                1.0 / 362880,
-                                -1.0 / 39916800.0,
-                                1.0 / 6227020800.0,
-                                -1.0 / 1307674368000.0,
-                                1.0 / 355687428096000.0};
-constexpr double kCosineTail[] = {1.0 / 24,
-                                  -1.0 / 720,
-                                  1.0 / 40320,
-                                  -1.0 / 3628800,
-                                  1.0 / 479001600.0,
-                                  -1.0 / 87178291200.0,
-                                  1.0 / 20922789888000.0,
-                                  -1.0 / 6402373705728000.0};
-
-// Two halves of the sum side by side.
-double tail(const double* c, double y)
-{
-    const double z = y * y;
-    return ((c[6] * z + c[4]) * z + c[2]) * z + c[0] + y * (((c[7] * z + c[5]) * z + c[3]) * z + c[1]);
-}
 
 } // namespace
 
 extern "C" double qvrSine(double x)
 {
-    if (!(fabs(x) <= kEighth))
-        return sin(x);
-    const double y = x * x;
-    return x + x * y * tail(kSineTail, y);
+    return fabs(x) <= kEighth ? sineWithinEighth(x) : sin(x);
 }
 
 extern "C" double qvrCosine(double x)
 {
-    if (!(fabs(x) <= kEighth))
-        return cos(x);
-    // 1 - y/2, and what its rounding leaves.
-    const double y = x * x, half = 0.5 * y, first = 1 - half, rest = (1 - first) - half;
-    return first + (rest + y * y * tail(kCosineTail, y));
+    return fabs(x) <= kEighth ? cosineWithinEighth(x) : cos(x);
 }

@@ -7,7 +7,7 @@
 #define QVR_FOURIER_QUARTER_H
 
 #include "fourier/sines.h"
-#include "frame/slot.h"
+#include "frame/simd.h"
 
 namespace {
 
@@ -29,12 +29,26 @@ constexpr int64_t quarterEntries(int order)
 
 template<class T> inline void fillQuarter(T* s, int order)
 {
-    const int64_t n = int64_t{1} << order;
+    using V = Full<double>;
+    using One = Vec<double, 1>;
+    const int64_t n = int64_t{1} << order, eighth = n / 8 + 1, quarter = n / 4 + 1;
     const double h = kTwoPi / static_cast<double>(n);
-    for (int64_t k = 0; k <= n / 8; k++)
-        s[k] = static_cast<T>(qvrSine(static_cast<double>(k) * h));
-    for (int64_t k = n / 8 + 1; k <= n / 4; k++)
-        s[k] = static_cast<T>(qvrCosine(static_cast<double>(n / 4 - k) * h));
+    const auto sines = [&]<class D>(D lane, int64_t k) {
+        store(s + k, convert<T>(sineWithinEighth((static_cast<double>(k) + lane) * h)));
+    };
+    const auto cosines = [&]<class D>(D lane, int64_t k) {
+        store(s + k, convert<T>(cosineWithinEighth((static_cast<double>(n / 4 - k) - lane) * h)));
+    };
+    const V lane = convert<double>(iota<Vec<int32_t, lanes<V>>>());
+    int64_t k = 0;
+    for (; k + lanes<V> <= eighth; k += lanes<V>)
+        sines(lane, k);
+    for (; k < eighth; k++)
+        sines(One{}, k);
+    for (; k + lanes<V> <= quarter; k += lanes<V>)
+        cosines(lane, k);
+    for (; k < quarter; k++)
+        cosines(One{}, k);
 }
 
 template<class T> struct Twiddle {

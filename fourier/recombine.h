@@ -38,11 +38,14 @@ template<class T> inline void fillRecombination(T* fwd, T* inv, const Quarter<T>
         __builtin_memcpy(inv, fwd, static_cast<size_t>(2 * (kFine + n / 4 / kFine + 1)) * sizeof(T));
         return;
     }
+    // All in the first quadrant.
+    const Index step = Index{1} << (quarter.base - order);
     for (Index k = 0; k < n / 4; k++) {
-        const Twiddle<T> w = quarter.at(k, order);
-        fwd[2 * k] = static_cast<T>(0.5 * static_cast<double>(w.re));
-        fwd[2 * k + 1] = static_cast<T>(0.5 + 0.5 * static_cast<double>(w.im));
-        put(inv, k, k);
+        const T sine = quarter.s[k * step], cosine = quarter.s[(n / 4 - k) * step];
+        fwd[2 * k] = T(0.5) * cosine;
+        fwd[2 * k + 1] = T(0.5) - T(0.5) * sine;
+        inv[2 * k] = cosine;
+        inv[2 * k + 1] = -sine;
     }
 }
 
