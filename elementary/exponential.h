@@ -3,6 +3,7 @@
 #define QVR_ELEMENTARY_EXPONENTIAL_H
 
 #include "elementary/kernel.h"
+#include "frame/lookup.h"
 
 namespace {
 

@@ -561,128 +561,7 @@ template<class V> QVR_INLINE V rootReciprocalEstimate(V v)
         return slice<0, lanes<V>>(bitcast<Vec<float, 4>>(_mm_rsqrt_ps(bitcast<__m128>(padTo16(v)))));
 }
 
-// ---- Look-up --------------------------------------------------------------------------------------------------------
-
-// Table rows by an index in each lane. The indices go through memory, because taking lanes out of a register one by
-// one, or a gather instruction, costs more than loads that overlap with other work; volatile keeps the compiler from
-// turning the loads back into that.
-template<class T, int Stride, class I> struct Rows {
-    const char* row[lanes<I>];
-    QVR_INLINE Rows(const T* table, I index)
-    {
-        constexpr int N = lanes<I>;
-        const char* base = reinterpret_cast<const char*>(table);
-        const I offset = index * static_cast<Elem<I>>(Stride * sizeof(T));
-        // Two 32-bit indices to a load: loads are what a table kernel has most of.
-        if constexpr (sizeof(Elem<I>) == 4 && N % 2 == 0) {
-            volatile uint64_t at[N / 2];
-            store(reinterpret_cast<Elem<I>*>(const_cast<uint64_t*>(at)), offset);
-            for (int i = 0; i < N; i += 2) {
-                const uint64_t two = at[i / 2];
-                row[i] = base + static_cast<uint32_t>(two);
-                row[i + 1] = base + (two >> 32);
-            }
-        } else {
-            volatile Elem<I> at[N];
-            store(const_cast<Elem<I>*>(at), offset);
-            for (int i = 0; i < N; i++)
-                row[i] = base + at[i];
-        }
-    }
-    QVR_INLINE const T* operator()(int lane) const { return reinterpret_cast<const T*>(row[lane]); }
-};
-
-// The elements base[index[lane]] of rows that are Stride elements apart: one column, or two neighbouring ones.
-template<int Stride, class V, class I> QVR_INLINE V lookUp(const Elem<V>* base, I index)
-{
-    if constexpr (sizeof(V) > kVecBytes) {
-        using H = decltype(lo(V{}));
-        return concat(lookUp<Stride, H>(base, lo(index)), lookUp<Stride, H>(base, hi(index)));
-    } else {
-        const Rows<Elem<V>, Stride, I> row(base, index);
-        V v;
-        for (int i = 0; i < lanes<V>; i++)
-            v[i] = *row(i);
-        return v;
-    }
-}
-template<int Stride, class V, class I> QVR_INLINE void lookUpPairs(const Elem<V>* base, I index, V& first, V& second)
-{
-    constexpr int N = lanes<V>;
-    using T = Elem<V>;
-    if constexpr (sizeof(V) > kVecBytes) {
-        decltype(lo(V{})) f0, f1, s0, s1;
-        lookUpPairs<Stride>(base, lo(index), f0, s0);
-        lookUpPairs<Stride>(base, hi(index), f1, s1);
-        first = concat(f0, f1);
-        second = concat(s0, s1);
-    } else {
-        const Rows<T, Stride, I> row(base, index);
-        if constexpr (N == 1) {
-            first = V{row(0)[0]};
-            second = V{row(0)[1]};
-        } else if constexpr (sizeof(T) == 4) {
-            // Rows as doubles, so ordered that one shuffle within 16-byte blocks sorts the columns out.
-            const auto two = [&](int i, int j) { return Vec<double, 2>{load<double>(row(i)), load<double>(row(j))}; };
-            V a, b;
-            if constexpr (N == 8) {
-                a = bitcast<V>(concat(two(0, 1), two(4, 5)));
-                b = bitcast<V>(concat(two(2, 3), two(6, 7)));
-            } else {
-                a = bitcast<V>(two(0, 1));
-                b = bitcast<V>(two(2, 3));
-            }
-            first = shuffleBlocks<0, 2, 4, 6>(a, b);
-            second = shuffleBlocks<1, 3, 5, 7>(a, b);
-        } else {
-            using P = Vec<T, 2>;
-            V a, b;
-            if constexpr (N == 4) {
-                a = concat(load<P>(row(0)), load<P>(row(2)));
-                b = concat(load<P>(row(1)), load<P>(row(3)));
-            } else {
-                a = load<P>(row(0));
-                b = load<P>(row(1));
-            }
-            first = shuffleBlocks<0, 2>(a, b);
-            second = shuffleBlocks<1, 3>(a, b);
-        }
-    }
-}
-
-// Columns 1, 2 and 3 of rows of four floats.
-template<class V, class I> QVR_INLINE void lookUpTriples(const float* base, I index, V& one, V& two, V& three)
-{
-    constexpr int N = lanes<V>;
-    if constexpr (sizeof(V) > kVecBytes) {
-        decltype(lo(V{})) a1, a2, a3, b1, b2, b3;
-        lookUpTriples(base, lo(index), a1, a2, a3);
-        lookUpTriples(base, hi(index), b1, b2, b3);
-        one = concat(a1, b1);
-        two = concat(a2, b2);
-        three = concat(a3, b3);
-    } else {
-        const Rows<float, 4, I> row(base, index);
-        if constexpr (N == 1) {
-            one = V{row(0)[1]};
-            two = V{row(0)[2]};
-            three = V{row(0)[3]};
-        } else {
-            using Q = Vec<float, 4>;
-            const auto rows = [&](int i) {
-                if constexpr (N == 8)
-                    return concat(load<Q>(row(i)), load<Q>(row(i + 4)));
-                else
-                    return load<Q>(row(i));
-            };
-            const V a = rows(0), b = rows(1), c = rows(2), d = rows(3);
-            const V ab = shuffleBlocks<2, 6, 3, 7>(a, b), cd = shuffleBlocks<2, 6, 3, 7>(c, d);
-            one = shuffleBlocks<2, 3, 6, 7>(shuffleBlocks<0, 4, 1, 5>(a, b), shuffleBlocks<0, 4, 1, 5>(c, d));
-            two = shuffleBlocks<0, 1, 4, 5>(ab, cd);
-            three = shuffleBlocks<2, 3, 6, 7>(ab, cd);
-        }
-    }
-}
+// ---- Choice ---------------------------------------------------------------------------------------------------------
 
 // One of eight values by an index 0 .. 7.
 template<class I> QVR_INLINE Vec<float, lanes<I>> choose8(Vec<float, 8> values, I index)
@@ -754,6 +633,33 @@ template<class V> QVR_INLINE V shuffleBytes(V bytes, V from)
         return bitcast<V>(_mm256_shuffle_epi8(bitcast<__m256i>(bytes), bitcast<__m256i>(from)));
     else
         return bitcast<V>(_mm_shuffle_epi8(bitcast<__m128i>(bytes), bitcast<__m128i>(from)));
+}
+
+// Sums of neighbouring bytes, in 16 bits.
+template<class V> QVR_INLINE Vec<uint16_t, lanes<V> / 2> bytePairSums(V bytes)
+{
+    static_assert(sizeof(Elem<V>) == 1);
+    using R = Vec<uint16_t, lanes<V> / 2>;
+    if constexpr (sizeof(V) > (kAvx2 ? 32 : 16))
+        return concat(bytePairSums(lo(bytes)), bytePairSums(hi(bytes)));
+    else if constexpr (!kSsse3)
+        return (bitcast<R>(bytes) & 255) + (bitcast<R>(bytes) >> 8);
+    else if constexpr (sizeof(V) == 32)
+        return bitcast<R>(_mm256_maddubs_epi16(bitcast<__m256i>(bytes), _mm256_set1_epi8(1)));
+    else
+        return bitcast<R>(_mm_maddubs_epi16(bitcast<__m128i>(bytes), _mm_set1_epi8(1)));
+}
+
+// int16 to bytes, clamped to 0..255: a's, then b's.
+template<class V> QVR_INLINE Vec<uint8_t, 2 * lanes<V>> packWords(V a, V b)
+{
+    static_assert(sizeof(Elem<V>) == 2 && (sizeof(V) == 16 || (sizeof(V) == 32 && kAvx2)));
+    using R = Vec<uint8_t, 2 * lanes<V>>;
+    if constexpr (sizeof(V) == 32)
+        return bitcast<R>(
+            _mm256_permute4x64_epi64(_mm256_packus_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)), 0xD8));
+    else
+        return bitcast<R>(_mm_packus_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
 }
 
 // int32 to bytes, clamped to 0..255 by way of int16.

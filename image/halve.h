@@ -13,15 +13,6 @@ using HalveWords = Vec<uint16_t, kHalveBytes / 2>;
 // Levels that join the channels of two neighbouring pixels by an instruction.
 template<int NC> constexpr bool kCanHalve = NC == 1 || kSsse3;
 
-// Sums of neighbouring bytes. From SSSE3 on.
-QVR_INLINE HalveWords byteSums(HalveBytes v)
-{
-    if constexpr (kAvx2)
-        return bitcast<HalveWords>(_mm256_maddubs_epi16(bitcast<__m256i>(v), _mm256_set1_epi8(1)));
-    else
-        return bitcast<HalveWords>(_mm_maddubs_epi16(bitcast<__m128i>(v), _mm_set1_epi8(1)));
-}
-
 // Bytes of a block of four pixels so ordered that each stands before that of its channel in the next pixel.
 struct NeighbourOrder {
     alignas(32) uint8_t at[32];
@@ -39,24 +30,10 @@ constexpr NeighbourOrder kNeighbourOrder = makeNeighbourOrder();
 template<int NC> QVR_INLINE HalveWords pixelSums(HalveBytes v)
 {
     static_assert(NC == 1 || NC == 4);
-    if constexpr (NC == 4) {
-        return byteSums(shuffleBytes(v, load<HalveBytes>(kNeighbourOrder.at)));
-    } else if constexpr (kSsse3) {
-        return byteSums(v);
-    } else {
-        const HalveWords w = bitcast<HalveWords>(v);
-        return (w & 255) + (w >> 8);
-    }
-}
-
-// Words up to 255 to bytes.
-QVR_INLINE HalveBytes joinWords(HalveWords a, HalveWords b)
-{
-    if constexpr (kAvx2)
-        return bitcast<HalveBytes>(
-            _mm256_permute4x64_epi64(_mm256_packus_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)), 0xD8));
+    if constexpr (NC == 4)
+        return bytePairSums(shuffleBytes(v, load<HalveBytes>(kNeighbourOrder.at)));
     else
-        return bitcast<HalveBytes>(_mm_packus_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
+        return bytePairSums(v);
 }
 
 // n bytes of an output row from the two rows above it. The last vector may overlap the one before.
@@ -65,7 +42,7 @@ template<int NC> inline void halveRow(const uint8_t* upper, const uint8_t* lower
     const auto means = [&](Index at) {
         return (pixelSums<NC>(load<HalveBytes>(upper + at)) + pixelSums<NC>(load<HalveBytes>(lower + at)) + 2) >> 2;
     };
-    const auto block = [&](Index i) { store(dst + i, joinWords(means(2 * i), means(2 * i + kHalveBytes))); };
+    const auto block = [&](Index i) { store(dst + i, packWords(means(2 * i), means(2 * i + kHalveBytes))); };
     if (n >= kHalveBytes) {
         Index i = 0;
         for (; i + kHalveBytes <= n; i += kHalveBytes)

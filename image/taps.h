@@ -5,6 +5,7 @@
 #ifndef QVR_IMAGE_TAPS_H
 #define QVR_IMAGE_TAPS_H
 
+#include "frame/lookup.h"
 #include "image/kernels.h"
 
 namespace {
@@ -64,52 +65,14 @@ template<class T, int NC, int NT> QVR_INLINE void filterOne(const T* s, const Ta
 
 // ---- Taps of neighbouring outputs, sorted by tap --------------------------------------------------------------------
 
-// Two neighbouring elements at each of the places at[0], at[1], ...
-template<class V> QVR_INLINE void pairsAt(const float* s, const int32_t* at, V& first, V& second)
+// Two or four neighbouring elements at each of the places at[0], at[1], ...
+template<class V, class T> QVR_INLINE void pairsAt(const T* s, const int32_t* at, V& first, V& second)
 {
-    const auto two = [&](int i, int j) { return Vec<double, 2>{load<double>(s + at[i]), load<double>(s + at[j])}; };
-    V a, b;
-    if constexpr (lanes<V> == 8) {
-        a = bitcast<V>(concat(two(0, 1), two(4, 5)));
-        b = bitcast<V>(concat(two(2, 3), two(6, 7)));
-    } else {
-        a = bitcast<V>(two(0, 1));
-        b = bitcast<V>(two(2, 3));
-    }
-    first = shuffleBlocks<0, 2, 4, 6>(a, b);
-    second = shuffleBlocks<1, 3, 5, 7>(a, b);
+    pairColumns([=](int i) { return s + at[i]; }, first, second);
 }
-template<class V> QVR_INLINE void pairsAt(const double* s, const int32_t* at, V& first, V& second)
-{
-    using P = Vec<double, 2>;
-    V a, b;
-    if constexpr (lanes<V> == 4) {
-        a = concat(load<P>(s + at[0]), load<P>(s + at[2]));
-        b = concat(load<P>(s + at[1]), load<P>(s + at[3]));
-    } else {
-        a = load<P>(s + at[0]);
-        b = load<P>(s + at[1]);
-    }
-    first = shuffleBlocks<0, 2>(a, b);
-    second = shuffleBlocks<1, 3>(a, b);
-}
-
 template<class V> QVR_INLINE void foursAt(const float* s, const int32_t* at, V* t)
 {
-    using Q = Vec<float, 4>;
-    const auto rows = [&](int i) {
-        if constexpr (lanes<V> == 8)
-            return concat(load<Q>(s + at[i]), load<Q>(s + at[i + 4]));
-        else
-            return load<Q>(s + at[i]);
-    };
-    const V a = rows(0), b = rows(1), c = rows(2), d = rows(3);
-    const V ab = shuffleBlocks<0, 4, 1, 5>(a, b), cd = shuffleBlocks<0, 4, 1, 5>(c, d);
-    const V ab2 = shuffleBlocks<2, 6, 3, 7>(a, b), cd2 = shuffleBlocks<2, 6, 3, 7>(c, d);
-    t[0] = shuffleBlocks<0, 1, 4, 5>(ab, cd);
-    t[1] = shuffleBlocks<2, 3, 6, 7>(ab, cd);
-    t[2] = shuffleBlocks<0, 1, 4, 5>(ab2, cd2);
-    t[3] = shuffleBlocks<2, 3, 6, 7>(ab2, cd2);
+    fourColumns([=](int i) { return s + at[i]; }, t);
 }
 template<class V> QVR_INLINE void foursAt(const double* s, const int32_t* at, V* t)
 {
