@@ -15,49 +15,62 @@ template<class T> constexpr T kHalfPiLow = sizeof(T) == 4 ? T(-4.371139e-08) : T
 template<class T> constexpr T kPi = 2 * kHalfPi<T>;
 template<class T> constexpr T kPiLow = 2 * kHalfPiLow<T>;
 
-// asin(sqrt z) / sqrt z on [0, 1/4], minimax in relative error: 2^-15.0, 2^-23.4, 2^-31.9.
+// asin(sqrt z) / sqrt z on [0, 1/4], minimax in relative error: 2^-15.0, 2^-23.4, 2^-31.9; of la only the part behind
+// the one, over z.
 template<Accuracy A, class V> QVR_INLINE V arcSineSeries(V z)
 {
     if constexpr (A == Accuracy::ha)
         return polynomial(z, 3.7898826560891107e-2, 1.413035129412178e-2, 3.1903151847328691e-2, 4.4502811195781547e-2,
                           7.5006055428778778e-2, 0.16666656917555992, 1.0000000002554226);
     else if constexpr (A == Accuracy::la)
-        return polynomial(z, 5.0017424e-2, 4.0002082e-2, 7.5410597e-2, 0.16665554, 1.0);
+        return polynomial(z, 5.0017424e-2, 4.0002082e-2, 7.5410597e-2, 0.16665554);
     else
         return polynomial(z, 9.5999368e-2, 0.16453663, 1.0000311);
 }
 
-// asin t of the smaller angle, and whether it was folded.
-template<Accuracy A, class V> QVR_INLINE V foldedArcSine(V x, Mask<V>& folded)
+// The smaller angle asin t, its part behind t in class la, and whether it was folded.
+template<class V> struct FoldedAngle {
+    V angle, t, rest;
+    Mask<V> folded;
+};
+template<Accuracy A, class V> QVR_INLINE FoldedAngle<V> foldedArcSine(V x)
 {
     const V a = abs(x), half = splat<V>(0.5);
-    folded = a >= half;
+    const Mask<V> folded = a >= half;
     const V z = folded ? (splat<V>(1) - a) * half : a * a;
     const V t = folded ? sqrt(z) : a;
-    return t * arcSineSeries<A>(z);
+    if constexpr (A == Accuracy::la) {
+        const V rest = t * (z * arcSineSeries<A>(z));
+        return {t + rest, t, rest, folded};
+    } else {
+        return {t * arcSineSeries<A>(z), t, {}, folded};
+    }
 }
 
 template<Accuracy A, class V> QVR_INLINE V arcSine(V x)
 {
     using T = Elem<V>;
-    Mask<V> folded;
-    const V p = foldedArcSine<A>(x, folded);
-    const V unfolded = splat<V>(kHalfPi<T>) - (p + p - kHalfPiLow<T>);
-    return withSign(folded ? unfolded : p, signOf(x));
+    const FoldedAngle<V> p = foldedArcSine<A>(x);
+    const V halfPi = splat<V>(kHalfPi<T>);
+    V unfolded;
+    if constexpr (A == Accuracy::la) // the first difference is exact where the result is small
+        unfolded = (halfPi - (p.t + p.t)) - (p.rest + p.rest - kHalfPiLow<T>);
+    else
+        unfolded = halfPi - (p.angle + p.angle - kHalfPiLow<T>);
+    return withSign(p.folded ? unfolded : p.angle, signOf(x));
 }
 
 // folded: 2p, or pi - 2p for negative x; else pi/2 - p with the sign of x on p.
 template<Accuracy A, class V> QVR_INLINE V arcCosine(V x)
 {
     using T = Elem<V>;
-    Mask<V> folded;
-    const V p = foldedArcSine<A>(x, folded);
+    const FoldedAngle<V> p = foldedArcSine<A>(x);
     const Mask<V> negative = bitcast<Mask<V>>(x) < 0;
     const V base = negative ? splat<V>(kPi<T>) : V{}, low = negative ? splat<V>(kPiLow<T>) : V{};
-    const V s = withSign(p, signOf(x));
+    const V s = withSign(p.angle, signOf(x));
     const V wide = base + (s + s + low);
     const V middle = splat<V>(kHalfPi<T>) - (s - kHalfPiLow<T>);
-    return folded ? wide : middle;
+    return p.folded ? wide : middle;
 }
 
 // The domain [-1, 1]: outside it the NaN and a report, for a NaN its quiet form.
