@@ -371,7 +371,7 @@ template<class T> void makeStrip(const Super<T>& s, Index from, Strip& strip)
 template<int NC> int halveBand(const Super<uint8_t>& s)
 {
     const qvrResizeBand* const b = s.band;
-    if (!kCanHalve<NC> || !s.blocks || b->superArea != 0.25 || b->x.count < 1 || b->y.count < 1)
+    if (!s.blocks || b->superArea != 0.25)
         return 0;
     qvrCover column, row;
     qvrCoverOf(&b->x, 1, b->x.first, &column);
@@ -382,8 +382,7 @@ template<int NC> int halveBand(const Super<uint8_t>& s)
     for (Index n = 0; n < b->y.count; n++) {
         const uint8_t* const upper =
             reinterpret_cast<const uint8_t*>(sourceRow(b, row.start + 2 * n)) + column.start * NC;
-        if constexpr (kCanHalve<NC>)
-            halveRow<NC>(upper, upper + b->srcStep, reinterpret_cast<uint8_t*>(outputRow(b, n, NC)), b->x.count * NC);
+        halveRow<NC>(upper, upper + b->srcStep, reinterpret_cast<uint8_t*>(outputRow(b, n, NC)), b->x.count * NC);
     }
     return 1;
 }
@@ -397,7 +396,7 @@ template<class T, int NC> void superBand(const qvrResizeBand* b)
     s.line = carver.take<A>(0, 16);
     s.room = (carver.end - carver.at) / static_cast<Index>(sizeof(A)) / NC;
     s.blocks = qvrIsBlockAxis(&b->x) && qvrIsBlockAxis(&b->wholeY);
-    if constexpr (sizeof(T) == 1)
+    if constexpr (sizeof(T) == 1 && kCanHalve<NC>)
         if (halveBand<NC>(s))
             return;
     const Index width = b->x.count;
