@@ -7,10 +7,10 @@
 
 namespace {
 
-// Samples that a run takes at a time: the non-recursive stage of a chunk stays in the first cache.
+// Samples that a run takes at most at a time: the non-recursive stage of a chunk stays in the first cache.
 constexpr int kIirChunk = 1024;
 
-// From m7 up a chunk of more than 4 L samples goes through the look-ahead rows.
+// From m7 up a run of more than 4 L samples takes the block path.
 constexpr bool kHasIirBlocks = kSlot >= slotM7;
 
 } // namespace

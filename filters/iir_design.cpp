@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kMaxOrder = 12;
 constexpr double kPi = 3.14159265358979323846;
+constexpr double kLn10 = 2.30258509299404568402;
 
 enum : int { typeButterworth = 0, typeChebyshev = 1 };
 
@@ -36,8 +37,9 @@ int prototypePoles(int n, int type, double rippleDb, Complex poles[])
 {
     double sinhV = 1, coshV = 1;
     if (type == typeChebyshev) {
-        const double e = sqrt(pow(10.0, 0.1 * rippleDb) - 1);
-        const double v = log(1 / e + sqrt(1 / (e * e) + 1)) / n;
+        // A ripple of little more than nothing keeps its digits: e^2 = 10^(ripple / 10) - 1.
+        const double e = sqrt(expm1(0.1 * kLn10 * rippleDb));
+        const double v = log((1 + sqrt(1 + e * e)) / e) / n;
         sinhV = sinh(v);
         coshV = cosh(v);
     }

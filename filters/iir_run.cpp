@@ -2,10 +2,16 @@
 //
 // The sample step, with the delay line d of the transposed form:
 //   y = b0 x + d[0];  d[k] = b[k + 1] x - a[k + 1] y + d[k + 1]
-// The block path (m7 and up) does a chunk of n samples in two stages: the non-recursive part of all of them, a plain
-// vector filter into blockBuffer, then the recursion, four samples a step by the look-ahead rows. The chain from one
-// step to the next is a broadcast and four dependent operations for four samples, where the sample step has two for
-// one.
+// The block path (m7 and up) does a chunk of n samples in stages, the outputs y[t] and inputs x[t] being those of the
+// chunk:
+//   w[t] = sum of b[k] x[t - k], plus d[t] for t < L      a plain vector filter into blockBuffer
+//   y[t] = w[t] - sum of a[k] y[t - k]                    four samples a step
+//   d[k] = sum of b[k + j] x[n - j] - a[k + j] y[n - j]   for j from 1 to the smaller of L - k and n, plus d[k + n]
+//
+// Four samples, with c[k] = -a[k + 1]: what older outputs give to all four is summed with the coefficients as they
+// are, then each of the four takes in the ones before it: y1 += c0 y0; y2 += c0 y1 + c1 y0; y3 the like. The rows of
+// lookAheadRows would need no such chain, but expanded coefficients are rounded once more, which moves the poles: with
+// poles near the circle it makes a stable filter unstable.
 #include "filters/iir.h"
 
 #include "frame/simd.h"
@@ -83,95 +89,192 @@ void samplePairs(const double* src, double* dst, Index n, const qvrsIIRState_64f
     sampleSteps(src + i, dst + i, n - i, state);
 }
 
-// w[i] = sum over k of b[k] src[i + L - k], for i from 0 to count - 1. Lanes x 4 outputs at a time: two operations
-// start each cycle and take four, so eight accumulators in flight would be ideal and four with loads between come
-// close.
-void nonRecursive(const double* src, Index count, const double* b, Index L, double* w)
+// w[t] = sum for k from 0 to min(t, L) of b[k] src[t - k], and d[t] for t < L. Lanes x 4 outputs at a time: two
+// operations start each cycle and take four, so eight accumulators in flight would be ideal and four with loads between
+// come close.
+void nonRecursive(const double* src, Index n, const qvrsIIRState_64f* state)
 {
     using V = Full<double>;
-    constexpr int N = kLanes<double>;
-    Index i = 0;
-    for (; i + 4 * N <= count; i += 4 * N) {
+    constexpr int N = kLanes<double>, block = 4 * N;
+    const Index L = state->order;
+    const double *b = state->pairTaps, *d = state->delayStore;
+    double* w = state->blockBuffer;
+    const auto single = [=](Index t, Index from) {
+        double s = 0;
+        for (Index k = from; k <= (t < L ? t : L); k++)
+            s += b[2 * k] * loadSample(src, t - k);
+        return s;
+    };
+    Index t = 0;
+    // An order below a block leaves so few terms to the first block that singles are faster.
+    for (; t < n && t < L && L < block; t++)
+        w[t] = single(t, 0);
+    for (; t + block <= n; t += block) {
+        // Terms that all outputs of the block have.
+        const Index last = t < L ? t : L;
         V s0{}, s1{}, s2{}, s3{};
-        for (Index k = 0; k <= L; k++) {
-            const double* x = src + i + L - k;
-            const V tap = splat<V>(b[k]);
+        for (Index k = 0; k <= last; k++) {
+            const double* x = src + t - k;
+            const V tap = splat<V>(b[2 * k]);
             s0 = fma(tap, load<V>(x), s0);
             s1 = fma(tap, load<V>(x + N), s1);
             s2 = fma(tap, load<V>(x + 2 * N), s2);
             s3 = fma(tap, load<V>(x + 3 * N), s3);
         }
-        store(w + i, s0);
-        store(w + i + N, s1);
-        store(w + i + 2 * N, s2);
-        store(w + i + 3 * N, s3);
+        store(w + t, s0);
+        store(w + t + N, s1);
+        store(w + t + 2 * N, s2);
+        store(w + t + 3 * N, s3);
+        for (Index i = t + 1; i < t + block && t < L; i++)
+            w[i] += single(i, t + 1);
     }
-    for (; i < count; i++) {
+    for (; t < n; t++)
+        w[t] = single(t, 0);
+    for (Index i = 0; i < L && i < n; i++)
+        w[i] += d[i];
+}
+
+// sums[k] = sum for j from min(L - k, n) down to 1 of taps[k + j] x[n - j], for k < L, each given to put(k, sum).
+template<class Put> QVR_INLINE void owedSums(const double* taps, const double* x, Index n, Index L, const Put& put)
+{
+    using V = Full<double>;
+    constexpr int N = kLanes<double>, block = 4 * N;
+    const auto partial = [=](Index k, Index least) {
         double s = 0;
-        for (Index k = 0; k <= L; k++)
-            s += b[k] * loadSample(src, i + L - k);
-        w[i] = s;
+        for (Index j = L - k < n ? L - k : n; j > least; j--)
+            s += taps[k + j] * loadSample(x, n - j);
+        return s;
+    };
+    Index k = 0;
+    for (; k + block <= L; k += block) {
+        const Index common = L - k - block + 1 < n ? L - k - block + 1 : n;
+        double sums[block];
+        for (int i = 0; i < block; i++)
+            sums[i] = partial(k + i, common);
+        V s0 = load<V>(sums), s1 = load<V>(sums + N), s2 = load<V>(sums + 2 * N), s3 = load<V>(sums + 3 * N);
+        for (Index j = common; j >= 1; j--) {
+            const double* p = taps + k + j;
+            const V sample = splat<V>(loadSample(x, n - j));
+            s0 = fma(load<V>(p), sample, s0);
+            s1 = fma(load<V>(p + N), sample, s1);
+            s2 = fma(load<V>(p + 2 * N), sample, s2);
+            s3 = fma(load<V>(p + 3 * N), sample, s3);
+        }
+        store(sums, s0);
+        store(sums + N, s1);
+        store(sums + 2 * N, s2);
+        store(sums + 3 * N, s3);
+        for (int i = 0; i < block; i++)
+            put(k + i, sums[i]);
     }
+    for (; k < L; k++)
+        put(k, partial(k, 0));
 }
 
 using Quad = Vec<double, 4>;
 
-// y[t] for t from L to n - 1, from w[t] = blockBuffer[t - L] and the outputs before. `history` outputs stand in dst.
-template<int Order> QVR_INLINE void recursive(double* dst, Index n, const qvrsIIRState_64f* state, Index order)
+QVR_INLINE double addTerm(double c, double y, double sum)
 {
-    const Index L = Order != 0 ? Order : order;
-    const double* w = state->blockBuffer;
-    const double* a = state->tapsStore + L + 1; // a[1] ..
-    const double* rows = state->lookAheadRows;
-    const double c0 = -a[0], c1 = L > 1 ? -a[1] : 0, c2 = L > 2 ? -a[2] : 0;
-    // What w[t] .. w[t + 3] give to the four outputs goes by the impulse response 1, h1, h2, h3 of the recursion. Zeros
-    // are shifted in rather than multiplied in: an infinite sample must not reach the outputs before it.
-    const double h1 = c0, h2 = c0 * h1 + c1, h3 = c0 * h2 + c1 * h1 + c2;
-    const Quad r0 = load<Quad>(rows), r1 = L > 1 ? load<Quad>(rows + 4) : Quad{};
-    const Quad r2 = L > 2 ? load<Quad>(rows + 8) : Quad{}, r3 = L > 3 ? load<Quad>(rows + 12) : Quad{};
-    Index t = L;
-    // The last four outputs, the newest in lane 3; lanes that the order does not reach meet zero rows.
-    Quad y{};
-    for (int k = 0; k < 4 && k < L; k++)
-        y[3 - k] = loadSample(dst, t - 1 - k);
-    for (; t + 4 <= n; t += 4) {
-        const Quad v = load<Quad>(w + t - L), none{};
-        Quad s = fma(splat<Quad>(h1), __builtin_shufflevector(v, none, 4, 0, 1, 2), v);
-        s = fma(splat<Quad>(h2), __builtin_shufflevector(v, none, 4, 4, 0, 1), s);
-        s = fma(splat<Quad>(h3), __builtin_shufflevector(v, none, 4, 4, 4, 0), s);
-        // Older outputs, the newest of them last, because it was made last.
-        if constexpr (Order == 0 || Order > 4) {
-            Quad other{};
-            Index k = L - 1;
-            for (; k >= 5; k -= 2) {
-                s = fma(load<Quad>(rows + 4 * k), splat<Quad>(loadSample(dst, t - 1 - k)), s);
-                other = fma(load<Quad>(rows + 4 * k - 4), splat<Quad>(loadSample(dst, t - k)), other);
-            }
-            if (k == 4)
-                s = fma(load<Quad>(rows + 16), splat<Quad>(loadSample(dst, t - 5)), s);
-            s += other;
-        }
-        const Quad y3 = splat<Quad>(y[3]), y2 = splat<Quad>(y[2]), y1 = splat<Quad>(y[1]), y0 = splat<Quad>(y[0]);
-        Quad p = fma(r0, y3, s);
-        if constexpr (Order == 1) {
-            y = p;
-        } else if constexpr (Order == 2) {
-            y = fma(r1, y2, p);
-        } else {
-            Quad q = r1 * y2;
-            p = fma(r2, y1, p);
-            q = fma(r3, y0, q);
-            y = p + q;
-        }
-        store(dst + t, y);
-    }
-    for (; t < n; t++) {
-        double s = w[t - L];
-        for (Index k = 0; k < L; k++)
-            s -= a[k] * loadSample(dst, t - 1 - k);
-        storeSample(dst, t, s);
+    using One = Vec<double, 1>;
+    return fma(One{c}, One{y}, One{sum})[0];
+}
+
+// y[t] one by one, from t = first on.
+void singleOutputs(const double* w, double* dst, Index first, Index n, const double* c, Index order)
+{
+    for (Index t = first; t < n; t++) {
+        double y = w[t];
+        for (Index k = (order < t ? order : t) - 1; k >= 0; k--)
+            y = addTerm(c[k], loadSample(dst, t - 1 - k), y);
+        storeSample(dst, t, y);
     }
 }
+
+// Zeros behind the coefficients: four outputs at a time reach up to three further ones, and at least seven.
+constexpr Index kCoefficientZeros = 3, kOwnCoefficients = 7;
+
+// y[t] for t from `first`, a multiple of 4, to n - 1, from w[t], four at a time. Order 0 stands for any order.
+template<int Order>
+QVR_INLINE void recursive(const double* w, double* dst, Index first, Index n, const double* c, Index order)
+{
+    constexpr bool anyOrder = Order == 0;
+    // Four outputs before t, then the four from t on.
+    double y[8] = {};
+    for (int j = 0; j < 4 && first > 0; j++)
+        y[j] = loadSample(dst, first - 4 + j);
+    Index t = first;
+    for (; t + 4 <= n; t += 4) {
+        Quad s = load<Quad>(w + t);
+        if constexpr (anyOrder) {
+            // Outputs from t - 5 back, the oldest first.
+            Quad other{};
+            Index k = (order < t ? order : t) - 1;
+            for (; k >= 5; k -= 2) {
+                s = fma(load<Quad>(c + k), splat<Quad>(loadSample(dst, t - 1 - k)), s);
+                other = fma(load<Quad>(c + k - 1), splat<Quad>(loadSample(dst, t - k)), other);
+            }
+            if (k == 4)
+                s = fma(load<Quad>(c + 4), splat<Quad>(loadSample(dst, t - 5)), s);
+            s += other;
+        }
+#pragma clang loop unroll(full)
+        for (int j = 0; j < 4; j++) {
+            double sum = s[j];
+#pragma clang loop unroll(full)
+            for (int k = j + 3; k >= 0; k--)
+                if (anyOrder || k < Order)
+                    sum = addTerm(c[k], y[3 + j - k], sum);
+            y[4 + j] = sum;
+        }
+        store(dst + t, Quad{y[4], y[5], y[6], y[7]});
+        for (int j = 0; j < 4; j++)
+            y[j] = y[4 + j];
+    }
+    singleOutputs(w, dst, t, n, c, order);
+}
+
+// Any order. Products of the zeros behind the coefficients with outputs that are not finite are no zeros. All outputs
+// behind such a one are not finite either; those of later fours are made again without the zeros.
+void recursiveAnyOrder(const double* w, double* dst, Index first, Index n, const double* c, Index order)
+{
+    recursive<0>(w, dst, first, n, c, order);
+    const auto finite = [=](Index t) {
+        const double y = loadSample(dst, t);
+        return y - y == 0;
+    };
+    if (finite(n - 1))
+        return;
+    Index t = first;
+    while (finite(t))
+        t++;
+    singleOutputs(w, dst, (t | 3) + 1, n, c, order);
+}
+
+// High orders: what coefficients from kNear on give to kNear + 1 outputs comes from outputs before all of these, so it
+// is a plain vector filter, whose sums go into w.
+constexpr Index kNear = 15;
+void recursiveHighOrder(double* w, double* dst, Index n, const double* c, Index order)
+{
+    using V = Vec<double, kNear + 1>;
+    double near[kNear + kCoefficientZeros] = {};
+    for (Index k = 0; k < kNear; k++)
+        near[k] = c[k];
+    for (Index t = 0; t < n; t += kNear + 1) {
+        const Index end = t + kNear + 1 < n ? t + kNear + 1 : n;
+        // Near the chunk's begin some coefficients meet outputs from its first on only.
+        for (Index i = t + 1; i < end && t < order; i++)
+            for (Index k = (order < i ? order : i) - 1; k >= t && k >= kNear; k--)
+                w[i] = addTerm(c[k], loadSample(dst, i - 1 - k), w[i]);
+        V s = load<V>(w + t);
+        for (Index k = (order < t ? order : t) - 1; k >= kNear; k--)
+            s = fma(splat<V>(c[k]), load<V>(dst + t - 1 - k), s);
+        store(w + t, s);
+        recursiveAnyOrder(w, dst, t, end, near, kNear);
+    }
+}
+
+// From here on the plain filter gains.
+constexpr Index kHighOrder = 32;
 
 void blockChunk(const double* src, double* dst, Index n, const qvrsIIRState_64f* state)
 {
@@ -179,43 +282,36 @@ void blockChunk(const double* src, double* dst, Index n, const qvrsIIRState_64f*
     const double* b = state->tapsStore;
     const double* a = b + L;
     double* d = state->delayStore;
-    nonRecursive(src, n - L, b, L, state->blockBuffer);
-    sampleSteps(src, dst, L, state);
+    double* w = state->blockBuffer;
+    nonRecursive(src, n, state);
     // The numerator part of the new delay line comes before the recursion, which in place overwrites these samples.
-    for (Index k = 0; k < L; k++) {
-        double s = 0;
-        for (Index j = L - k; j >= 1; j--)
-            s += b[k + j] * loadSample(src, n - j);
-        d[k] = s;
-    }
+    owedSums(b, src, n, L, [=](Index k, double sum) { d[k] = k + n < L ? d[k + n] + sum : sum; });
+    double c[kIirChunk + kCoefficientZeros];
+    const Index used = L < n ? L : n;
+    for (Index k = 0; k < used; k++)
+        c[k] = -a[k + 1];
+    for (Index k = used; k < used + kCoefficientZeros || k < kOwnCoefficients; k++)
+        c[k] = 0;
     switch (L) {
     case 1:
-        recursive<1>(dst, n, state, L);
+        recursive<1>(w, dst, 0, n, c, L);
         break;
     case 2:
-        recursive<2>(dst, n, state, L);
+        recursive<2>(w, dst, 0, n, c, L);
         break;
     case 3:
-        recursive<3>(dst, n, state, L);
+        recursive<3>(w, dst, 0, n, c, L);
         break;
     case 4:
-        recursive<4>(dst, n, state, L);
-        break;
-    case 6:
-        recursive<6>(dst, n, state, L);
-        break;
-    case 8:
-        recursive<8>(dst, n, state, L);
+        recursive<4>(w, dst, 0, n, c, L);
         break;
     default:
-        recursive<0>(dst, n, state, L);
+        if (L < kHighOrder)
+            recursiveAnyOrder(w, dst, 0, n, c, L);
+        else
+            recursiveHighOrder(w, dst, n, c, L);
     }
-    for (Index k = 0; k < L; k++) {
-        double s = 0;
-        for (Index j = L - k; j >= 1; j--)
-            s += a[k + j] * loadSample(dst, n - j);
-        d[k] -= s;
-    }
+    owedSums(a, dst, n, L, [=](Index k, double sum) { d[k] -= sum; });
 }
 
 void runAnyOrder(const double* src, double* dst, Index n, const qvrsIIRState_64f* state)
@@ -227,14 +323,18 @@ void runAnyOrder(const double* src, double* dst, Index n, const qvrsIIRState_64f
         else
             samplePairs(src, dst, n, state);
     } else {
-        for (Index i = 0; i < n; i += kIirChunk) {
-            const Index chunk = n - i < kIirChunk ? n - i : kIirChunk;
-            if (chunk > 4 * L)
-                blockChunk(src + i, dst + i, chunk, state);
-            else if (L == 1)
-                firstOrder(src + i, dst + i, chunk, state);
-            else
-                sampleSteps(src + i, dst + i, chunk, state);
+        if (n > 4 * L) {
+            // Chunks of nearly equal size: a short last one would spend its time on the delay line.
+            const Index chunks = (n + kIirChunk - 1) / kIirChunk;
+            for (Index i = 0, begin = 0; i < chunks; i++) {
+                const Index end = n * (i + 1) / chunks;
+                blockChunk(src + begin, dst + begin, end - begin, state);
+                begin = end;
+            }
+        } else if (L == 1) {
+            firstOrder(src, dst, n, state);
+        } else {
+            sampleSteps(src, dst, n, state);
         }
     }
 }

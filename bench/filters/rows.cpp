@@ -24,7 +24,7 @@ constexpr Length kLengths[] = {{"15", 15}, {"1024", 1024}, {"L2", 40000}, {"memo
 
 void recursive(const Sink& sink)
 {
-    for (const int order : {1, 2, 4, 8, 12})
+    for (const int order : {1, 2, 4, 6, 8, 12})
         for (const Length& length : kLengths) {
             if (length.samples > 100000 && !sink.memory)
                 continue;

@@ -75,7 +75,7 @@ struct Model {
     }
 };
 
-// High orders in one direct form lose digits by their conditioning, the reference step as much as the block form.
+// For the well-conditioned filters of this file; designs with poles near the circle have a test of their own.
 void expectNear(const std::vector<double>& got, const std::vector<long double>& want, int order, const char* what)
 {
     const long double bound = order <= 16 ? 1e-11L : 1e-9L;
@@ -145,29 +145,6 @@ TEST(Iir, StreamsInPieces)
                 }
                 expectNear(got, want, order, "in pieces");
             }
-        }
-    });
-}
-
-// Orders from 256 up never reach the block form: a chunk has no more than 4 L samples.
-TEST(Iir, LongOrders)
-{
-    slots::each(qvrTable_qvrsIIR_64f, [&](auto run, int slot) {
-        for (int order : {255, 256, 300}) {
-            std::vector<double> taps(2 * (order + 1));
-            for (int k = 0; k <= order; k++) {
-                taps[k] = 1.0 / (k + 1);
-                taps[order + 1 + k] = k == 0 ? 1 : 0.3 / (k * k + 1.0);
-            }
-            const std::vector<double> x = randomValues<double>(3000, 5, -1, 1);
-            Model model(taps);
-            std::vector<long double> want;
-            for (double s : x)
-                want.push_back(model.step(s));
-            State state = create(slot, taps);
-            std::vector<double> got(x.size());
-            ASSERT_EQ(run(x.data(), got.data(), 3000, state.get()), qvrOk);
-            expectNear(got, want, order, "long order");
         }
     });
 }

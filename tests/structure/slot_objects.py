@@ -18,7 +18,7 @@ LIBM = {
     "fft_32f.cpp.o": {"sin", "cos", "sincos"},
     "fft_64f.cpp.o": {"sin", "cos", "sincos"},
     "windows.cpp.o": {"cos", "sincos"},
-    "iir_design.cpp.o": {"cos", "cosh", "log", "pow", "sin", "sincos", "sinh", "tan"},
+    "iir_design.cpp.o": {"cos", "cosh", "expm1", "log", "pow", "sin", "sincos", "sinh", "tan"},
 }
 OPENMP = re.compile(r"__kmpc_\w+|omp_get_(?:num_threads|thread_num)")
 
