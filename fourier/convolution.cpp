@@ -127,7 +127,7 @@ extern "C" qvrStatus SLOT(qvrsConv_32f)(const qvr32f* pSrc1, int len1, const qvr
         return qvrErrBadSize;
     const Sources s = len1 >= len2 ? Sources{pSrc1, pSrc2, len1, len2} : Sources{pSrc2, pSrc1, len2, len1};
     if (s.results() < kDirectResults || s.S < kDirectShorter) {
-        shiftSums<-1, false>(s.shorter, s.S, s.longer, s.L, 0, pDst, s.results());
+        shiftSums<-1, 0>(s.shorter, s.S, s.longer, s.L, 0, pDst, s.results());
         return qvrOk;
     }
     return s.L < 3 * s.S ? multiplyOnce(s, pDst) : multiplyBlocks(s, pDst);

@@ -23,7 +23,7 @@ constexpr Index kFewShifts = kLanes<float>;
 void plainSums(const float* a, Index lenA, const float* b, Index lenB, Index lag, float* dst, Index count)
 {
     if (count > kFewShifts || lenA < 4 * kLanes<float>)
-        return shiftSums<1, true>(a, lenA, b, lenB, lag, dst, count);
+        return shiftSums<1, kCorrelationChunk>(a, lenA, b, lenB, lag, dst, count);
     for (Index n = 0; n < count;) {
         const Index shift = lag + n, first = greatest(0, -shift), end = least(lenA, lenB - shift);
         if (count - n >= 4 && shift >= 0 && shift + 3 + lenA <= lenB) {

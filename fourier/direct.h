@@ -6,9 +6,9 @@
 // either side one of at most two blocks' length in which only some do. There b is read from a copy with zeros round it.
 // A term that does not exist then adds a zero; where a[k] is not finite, the lane keeps its sum instead.
 //
-// Each lane adds its terms to 0 in the order of k. With Chunked the order is free: terms k and k + W go in together,
-// which share all loads of b but one; and a sum that came to kChunk terms is set aside and a new one begun, so that the
-// error of a long sum grows with its chunks and with the terms of one, not with all terms.
+// Each lane adds its terms to 0 in the order of k. With a Chunk, a sum that came to so many terms is set aside and a
+// new one begun, so that the error of a long sum grows with its chunks and with the terms of one, not with all terms.
+// Correlations are free in their order: their terms k and k + W go in together, which share all loads of b but one.
 #ifndef QVR_FOURIER_DIRECT_H
 #define QVR_FOURIER_DIRECT_H
 
@@ -16,7 +16,11 @@
 
 namespace {
 
-constexpr Index kChunk = 1024;
+// Short enough to be as close as eight partial sums would be from 1024 terms on, and long enough to cost nothing.
+constexpr Index kCorrelationChunk = 128;
+constexpr Index kChunksToSum = 64;
+// Shorter sums are in the plain order of k.
+constexpr Index kConvolutionChunk = 1024;
 
 constexpr Index least(Index a, Index b)
 {
@@ -77,6 +81,15 @@ template<int V> QVR_INLINE void addTermPairs(Full<float>* acc, const float* a, I
     addTerms<V, 1>(acc, a + k, count - k, x + k);
 }
 
+template<int V, int Dir, Index Chunk>
+QVR_INLINE void addFullTerms(Full<float>* acc, const float* a, Index count, const float* x)
+{
+    if constexpr (Dir > 0 && Chunk > 0)
+        addTermPairs<V>(acc, a, count, x);
+    else
+        addTerms<V, Dir>(acc, a, count, x);
+}
+
 // Terms some of whose elements are missing, `first` .. `end` - 1, at most two blocks of them.
 template<int V, int Dir>
 inline void addFringe(Full<float>* acc, const float* a, Index first, Index end, const float* b, Index lenB, Index shift)
@@ -110,7 +123,7 @@ inline void addFringe(Full<float>* acc, const float* a, Index first, Index end, 
     }
 }
 
-template<int V, int Dir, bool Chunked>
+template<int V, int Dir, Index Chunk>
 inline void shiftBlock(const float* a, Index lenA, const float* b, Index lenB, Index shift, float* out, Index valid)
 {
     using F = Full<float>;
@@ -132,24 +145,33 @@ inline void shiftBlock(const float* a, Index lenA, const float* b, Index lenB, I
         addFringe<V, Dir>(acc, a, first, end, b, lenB, shift);
     } else {
         addFringe<V, Dir>(acc, a, first, fullFirst, b, lenB, shift);
-        if constexpr (Chunked) {
-            static_assert(Dir > 0);
-            F sum[V];
-            for (int v = 0; v < V; v++)
-                sum[v] = acc[v];
-            for (Index k = fullFirst; k < fullEnd; k += kChunk) {
-                for (int v = 0; v < V; v++)
+        if (Chunk > 0 && fullEnd - fullFirst > Chunk) {
+            // Sums of chunks are set aside too.
+            F sum[V], sums[V];
+            Index chunks = 0;
+            for (Index k = fullFirst;; k += Chunk) {
+                addFullTerms<V, Dir, Chunk>(acc, a + k, least(Chunk, fullEnd - k), b + shift + Dir * k);
+                if (fullEnd - k <= Chunk)
+                    break;
+                for (int v = 0; v < V; v++) {
+                    sum[v] = chunks % kChunksToSum == 0 ? acc[v] : sum[v] + acc[v];
                     acc[v] = F{};
-                addTermPairs<V>(acc, a + k, least(kChunk, fullEnd - k), b + shift + k);
-                for (int v = 0; v < V; v++)
-                    sum[v] += acc[v];
+                }
+                if (++chunks % kChunksToSum == 0)
+                    for (int v = 0; v < V; v++)
+                        sums[v] = chunks == kChunksToSum ? sum[v] : sums[v] + sum[v];
             }
-            for (int v = 0; v < V; v++)
-                acc[v] = sum[v];
+            addFringe<V, Dir>(acc, a, fullEnd, end, b, lenB, shift);
+            if (chunks % kChunksToSum != 0)
+                for (int v = 0; v < V; v++)
+                    acc[v] += sum[v];
+            if (chunks >= kChunksToSum)
+                for (int v = 0; v < V; v++)
+                    acc[v] += sums[v];
         } else {
-            addTerms<V, Dir>(acc, a + fullFirst, fullEnd - fullFirst, b + shift + Dir * fullFirst);
+            addFullTerms<V, Dir, Chunk>(acc, a + fullFirst, fullEnd - fullFirst, b + shift + Dir * fullFirst);
+            addFringe<V, Dir>(acc, a, fullEnd, end, b, lenB, shift);
         }
-        addFringe<V, Dir>(acc, a, fullEnd, end, b, lenB, shift);
     }
     for (int v = 0; v < V; v++)
         if (valid >= (v + 1) * W)
@@ -161,26 +183,27 @@ inline void shiftBlock(const float* a, Index lenA, const float* b, Index lenB, I
 // As many accumulators as leave registers for a factor and a product.
 constexpr int kWideBlock = 12;
 
-template<int Dir, bool Chunked>
+template<int Dir, Index Chunk>
 inline void shiftSums(const float* a, Index lenA, const float* b, Index lenB, Index shift, float* out, Index count)
 {
     constexpr int W = kLanes<float>;
     Index i = 0;
     for (; count - i > 8 * W; i += kWideBlock * W)
-        shiftBlock<kWideBlock, Dir, Chunked>(a, lenA, b, lenB, shift + i, out + i, count - i);
+        shiftBlock<kWideBlock, Dir, Chunk>(a, lenA, b, lenB, shift + i, out + i, count - i);
     for (; i < count; i += 4 * W)
-        shiftBlock<4, Dir, Chunked>(a, lenA, b, lenB, shift + i, out + i, count - i);
+        shiftBlock<4, Dir, Chunk>(a, lenA, b, lenB, shift + i, out + i, count - i);
 }
 
-// Pads a block of a few shifts would waste its lanes: the sums of `Lags` neighbouring shifts with the terms in the
-// lanes. Every term exists.
+// A block of a few shifts would waste its lanes: the sums of `Lags` neighbouring shifts with the terms in the lanes, so
+// many to a lane before its sum is set aside. Every term exists.
+constexpr Index kLaneChunk = 1024;
 template<int Lags> inline void dotProducts(const float* a, const float* b, Index count, float* sums)
 {
     using F = Full<float>;
     constexpr int W = kLanes<float>, U = Lags == 1 ? 4 : 2;
     float total[Lags] = {};
-    for (Index start = 0; start < count; start += kChunk * W) {
-        const Index end = least(count, start + kChunk * W);
+    for (Index start = 0; start < count; start += kLaneChunk * W) {
+        const Index end = least(count, start + kLaneChunk * W);
         F acc[Lags * U] = {};
         Index k = start;
         for (; k + U * W <= end; k += U * W)

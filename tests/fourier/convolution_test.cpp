@@ -137,6 +137,25 @@ TEST(Conv, ProductsOfSpectra)
     });
 }
 
+// Equal terms are the worst case of a plain sum; products of spectra add long sums pair by pair.
+TEST(Conv, LongSumsKeepTheirDigits)
+{
+    slots::each(qvrTable_qvrsConv_32f, [&](auto f, int) {
+        for (const auto& [n1, n2] :
+             {std::pair<size_t, size_t>{63, 5000}, {5000, 5000}, {100000, 1000}, {2000, 100000}}) {
+            if (slots::simulatedSlot() && n1 + n2 > 10000)
+                continue;
+            const Signal a(n1, 0.1f), b(n2, 0.1f), y = convolve(f, a, b);
+            const double largest = double(a[0]) * b[0] * static_cast<double>(std::min(n1, n2));
+            for (size_t n = 0; n < y.size(); n++) {
+                const size_t terms = std::min({n + 1, n1, n2, y.size() - n});
+                ASSERT_NEAR(y[n], double(a[0]) * b[0] * static_cast<double>(terms), 2e-6 * largest)
+                    << sizes(n1, n2) << ", result " << n;
+            }
+        }
+    });
+}
+
 // An impulse comes back as the other source, so a wrong seam of blocks shows at its place.
 TEST(Conv, SeamsOfBlocks)
 {
@@ -226,28 +245,44 @@ struct Stretch {
     int len1, len2, dstLen, bias;
 };
 
-// Sums in the order of k, or in the two halves of the shapes with 31 taps.
-Signal biasedModel(int slot, const Signal& a, const Signal& b, const Stretch& s, bool halves)
+// How the contract adds up a result: in the order of k; even and odd terms apart, joined before the last one; or, in
+// the forms of any size without missing terms, eight partial sums over groups of eight, joined in their order before
+// the rest.
+enum class Terms { inOrder, halves, groups };
+
+bool hasGroups(const Stretch& s)
+{
+    return (s.len1 == s.len2 && s.len2 == s.dstLen && s.bias == 0) ||
+           (s.bias >= s.len1 - 1 && s.len2 >= int64_t{s.dstLen} + s.bias);
+}
+
+Signal biasedModel(int slot, const Signal& a, const Signal& b, const Stretch& s, Terms terms)
 {
     Signal y(static_cast<size_t>(s.dstLen));
     for (int64_t n = 0; n < s.dstLen; n++) {
-        float sum[2] = {};
-        const int64_t paired = halves ? s.len1 - s.len1 % 2 : 0;
+        // The terms that exist; the triangular form has those up to n.
+        std::vector<std::pair<float, float>> t;
         for (int64_t k = 0; k < s.len1; k++) {
             const int64_t at = n + s.bias - k;
-            if (k == paired && halves)
-                sum[0] += sum[1];
-            if (at >= 0 && at < s.len2) {
-                float& part = sum[k < paired ? k % 2 : 0];
-                part = addTerm(slot, a[static_cast<size_t>(k)], b[static_cast<size_t>(at)], part);
-            }
+            if (at >= 0 && at < s.len2)
+                t.emplace_back(a[static_cast<size_t>(k)], b[static_cast<size_t>(at)]);
         }
-        y[static_cast<size_t>(n)] = sum[0];
+        const size_t partials = terms == Terms::halves ? 2 : terms == Terms::groups ? 8 : 1;
+        const size_t grouped = t.size() - t.size() % partials;
+        float partial[8] = {};
+        for (size_t k = 0; k < grouped; k++)
+            partial[k % partials] = addTerm(slot, t[k].first, t[k].second, partial[k % partials]);
+        float sum = partial[0];
+        for (size_t r = 1; r < partials; r++)
+            sum += partial[r];
+        for (size_t k = grouped; k < t.size(); k++)
+            sum = addTerm(slot, t[k].first, t[k].second, sum);
+        y[static_cast<size_t>(n)] = sum;
     }
     return y;
 }
 
-void checkStretch(decltype(Morven_qvrsConvBiased_32f)* f, int slot, const Stretch& s, size_t offset, bool halves)
+void checkStretch(decltype(Morven_qvrsConvBiased_32f)* f, int slot, const Stretch& s, size_t offset, Terms terms)
 {
     const Signal a = randomValues<float>(static_cast<size_t>(s.len1), 3, -1, 1);
     const Signal b = randomValues<float>(static_cast<size_t>(s.len2), 4, -1, 1);
@@ -257,7 +292,7 @@ void checkStretch(decltype(Morven_qvrsConvBiased_32f)* f, int slot, const Stretc
         reinterpret_cast<const float*>(reinterpret_cast<uintptr_t>(y.p) + static_cast<uintptr_t>(int64_t{s.bias} * 4));
     ASSERT_EQ(f(x.p, s.len1, biased, s.len2, z.p, s.dstLen, s.bias), qvrOk);
     EXPECT_TRUE(x.memory.intact() && y.memory.intact() && z.memory.intact());
-    expectSameBits(z.read(static_cast<size_t>(s.dstLen)), biasedModel(slot, a, b, s, halves),
+    expectSameBits(z.read(static_cast<size_t>(s.dstLen)), biasedModel(slot, a, b, s, terms),
                    sizes(a.size(), b.size()) + " to " + std::to_string(s.dstLen) + " bias " + std::to_string(s.bias));
 }
 
@@ -265,17 +300,17 @@ TEST(ConvBiased, ShapesOfFixedSize)
 {
     slots::each(qvrTable_qvrsConvBiased_32f, [&](auto f, int slot) {
         for (size_t offset : {0, 4, 1, 28}) {
-            checkStretch(f, slot, {4, 45, 41, 4}, offset, false);
-            checkStretch(f, slot, {11, 50, 40, 10}, offset, false);
-            checkStretch(f, slot, {16, 56, 40, 16}, offset, false);
-            checkStretch(f, slot, {31, 70, 40, 30}, offset, true);
-            checkStretch(f, slot, {31, 110, 80, 30}, offset, true);
-            checkStretch(f, slot, {40, 40, 40, 0}, offset, false);
-            checkStretch(f, slot, {60, 60, 60, 0}, offset, false);
+            checkStretch(f, slot, {4, 45, 41, 4}, offset, Terms::inOrder);
+            checkStretch(f, slot, {11, 50, 40, 10}, offset, Terms::inOrder);
+            checkStretch(f, slot, {16, 56, 40, 16}, offset, Terms::inOrder);
+            checkStretch(f, slot, {31, 70, 40, 30}, offset, Terms::halves);
+            checkStretch(f, slot, {31, 110, 80, 30}, offset, Terms::halves);
+            checkStretch(f, slot, {40, 40, 40, 0}, offset, Terms::inOrder);
+            checkStretch(f, slot, {60, 60, 60, 0}, offset, slot == kL9 ? Terms::groups : Terms::inOrder);
             // One member off.
-            checkStretch(f, slot, {4, 45, 40, 4}, offset, false);
-            checkStretch(f, slot, {30, 70, 40, 30}, offset, false);
-            checkStretch(f, slot, {40, 40, 40, 1}, offset, false);
+            checkStretch(f, slot, {4, 45, 40, 4}, offset, Terms::groups);
+            checkStretch(f, slot, {30, 70, 40, 30}, offset, Terms::groups);
+            checkStretch(f, slot, {40, 40, 40, 1}, offset, Terms::inOrder);
         }
     });
 }
@@ -286,8 +321,48 @@ TEST(ConvBiased, AnyStretch)
         for (int len1 : {1, 2, 7, 16, 33, 100})
             for (int len2 : {1, 3, 8, 40, 130})
                 for (int dstLen : {1, 5, 8, 41, 97, 200})
-                    for (int bias : {0, 1, -1, 7, 15, -20, 90, 129, -98, 300, -300, INT32_MIN, INT32_MAX})
-                        checkStretch(f, slot, {len1, len2, dstLen, bias}, 4, false);
+                    for (int bias : {0, 1, -1, 7, 15, -20, 90, 129, -98, 300, -300, INT32_MIN, INT32_MAX}) {
+                        const Stretch s = {len1, len2, dstLen, bias};
+                        checkStretch(f, slot, s, 4, hasGroups(s) ? Terms::groups : Terms::inOrder);
+                    }
+    });
+}
+
+// Without a missing term, and the triangular form: lengths round the groups of eight, the blocks of results, and the
+// stretch of terms that stays in the cache.
+TEST(ConvBiased, GroupsOfEight)
+{
+    slots::each(qvrTable_qvrsConvBiased_32f, [&](auto f, int slot) {
+        for (int n = 1; n <= 130; n += slots::sweepStep(3))
+            if (n != 40 && n != 60)
+                checkStretch(f, slot, {n, n, n, 0}, n % 16 * 4, Terms::groups);
+        for (int len1 : {1, 7, 8, 9, 24, 31, 64, 100})
+            for (int dstLen : {1, 2, 7, 8, 9, 23, 24, 25, 47, 48, 49, 100})
+                for (int more : {0, 3})
+                    checkStretch(f, slot, {len1, len1 - 1 + more + dstLen + more, dstLen, len1 - 1 + more}, 4,
+                                 Terms::groups);
+        for (int dstLen : {3, 60})
+            for (int len1 : {2047, 2048, 2056, 5000})
+                checkStretch(f, slot, {len1, len1 - 1 + dstLen, dstLen, len1 - 1}, 4, Terms::groups);
+        checkStretch(f, slot, {2200, 2200, 2200, 0}, 4, Terms::groups);
+    });
+}
+
+// Equal terms are the worst case of a sum: all of its roundings can lean to one side.
+TEST(ConvBiased, LongSumsKeepTheirDigits)
+{
+    slots::each(qvrTable_qvrsConvBiased_32f, [&](auto f, int) {
+        const int taps = slots::simulatedSlot() ? 100000 : 1000000, results = 20;
+        const Signal a(static_cast<size_t>(taps), 0.1f), b(static_cast<size_t>(taps + results), 0.1f);
+        const double want = double(a[0]) * b[0] * taps;
+        for (int bias : {taps - 1, taps + 1}) { // all terms, and the form that leaves some out
+            Signal y(static_cast<size_t>(results));
+            ASSERT_EQ(f(a.data(), taps, b.data() + bias, taps + results, y.data(), results, bias), qvrOk);
+            for (int n = 0; n < results; n++) {
+                const int terms = bias + n < taps + results ? taps : taps - (bias + n - (taps + results - 1));
+                EXPECT_NEAR(y[static_cast<size_t>(n)], want * terms / taps, 2e-3 * want) << bias << " result " << n;
+            }
+        }
     });
 }
 
