@@ -12,8 +12,9 @@ set(QVR_FLAGS_l9 -mavx2 -mfma -mbmi -mbmi2)
 set(QVR_WARNINGS -Wall -Wextra -Werror -Wshadow -Wconversion -Wno-sign-conversion -Wno-psabi -Wno-unused-function)
 
 # What every translation unit of the library shares. Contraction is off because many functions promise two roundings.
-set(QVR_COMMON_FLAGS -ffp-contract=off -fno-math-errno -fno-exceptions -fno-rtti -fno-threadsafe-statics
-    -fvisibility=hidden -fno-asynchronous-unwind-tables -ffunction-sections ${QVR_WARNINGS})
+# Comparisons stay the processor's: with denormals counted as zeros, equal floats need not have equal bits.
+set(QVR_COMMON_FLAGS -ffp-contract=off -fdenormal-fp-math=dynamic -fno-math-errno -fno-exceptions -fno-rtti
+    -fno-threadsafe-statics -fvisibility=hidden -fno-asynchronous-unwind-tables -ffunction-sections ${QVR_WARNINGS})
 
 # Kernels are written over the slot's vectors; what the automatic vectoriser adds to their tails is only code size, and a
 # fill loop must not become a call of memset.

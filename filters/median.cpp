@@ -96,13 +96,14 @@ using Block = Vec<float, 8>;
 struct Window {
     float* sorted;
     Index size;
-    int negativeZeros; // with any of these in the window equal samples may differ in their bits
-    bool disordered;   // a NaN has been met: the window need not be sorted from there on
+    int otherZeros;  // with any of these in the window equal samples may differ in their bits
+    bool disordered; // a NaN has been met: the window need not be sorted from there on
 };
 
-bool isNegativeZero(float x)
+// What equals zero without its bits: -0, and where the caller's environment takes denormals for zeros each of those.
+bool isOtherZero(float x)
 {
-    return __builtin_bit_cast(uint32_t, x) == 0x80000000;
+    return x == 0 && __builtin_bit_cast(uint32_t, x) != 0;
 }
 
 // One block after the other from aligned loads, which meet the stores of the previous output without delay.
@@ -129,12 +130,12 @@ void replaceByFormula(const Window& w, float leaving, float entering)
     }
 }
 
-// The same by search and moves, for any bits.
+// The same by search and moves, for any bits. The last place ends the search, whatever stands there.
 void replaceBySearch(const Window& w, float leaving, float entering)
 {
     float* sorted = w.sorted;
     Index hole = 0;
-    while (__builtin_bit_cast(uint32_t, sorted[hole]) != __builtin_bit_cast(uint32_t, leaving))
+    while (hole + 1 < w.size && __builtin_bit_cast(uint32_t, sorted[hole]) != __builtin_bit_cast(uint32_t, leaving))
         hole++;
     if (entering >= leaving)
         for (; hole + 1 < w.size && sorted[hole + 1] < entering; hole++)
@@ -185,7 +186,7 @@ void medianGeneral(float* x, Index n, Index m, float* sorted, float* ring)
     const auto firstWindow = [=](Index k) { return at(x, k < h ? 0 : k - h < n ? k - h : n - 1); };
     for (Index k = 0; k < m; k++) {
         sorted[k] = firstWindow(k);
-        w.negativeZeros += isNegativeZero(sorted[k]);
+        w.otherZeros += isOtherZero(sorted[k]);
         w.disordered |= sorted[k] != sorted[k];
     }
     if (w.disordered)
@@ -205,13 +206,13 @@ void medianGeneral(float* x, Index n, Index m, float* sorted, float* ring)
         const float leaving = ring[position];
         ring[position] = entering;
         position = position + 1 < m ? position + 1 : 0;
-        w.negativeZeros += isNegativeZero(entering);
+        w.otherZeros += isOtherZero(entering);
         w.disordered |= entering != entering;
-        if (w.negativeZeros == 0 && !w.disordered)
+        if (w.otherZeros == 0 && !w.disordered)
             replaceByFormula(w, leaving, entering);
         else
             replaceBySearch(w, leaving, entering);
-        w.negativeZeros -= isNegativeZero(leaving);
+        w.otherZeros -= isOtherZero(leaving);
         store(x + out, Vec<float, 1>{sorted[h]});
     }
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "support/allocation.h"
+#include "support/environment.h"
 #include "support/guarded.h"
 #include "support/slots.h"
 #include "support/values.h"
@@ -133,6 +134,36 @@ TEST(Median, SortedWindowToTheBit)
                 ASSERT_EQ(memcmp(got.data(), want.data(), 1200), 0) << "mask " << mask << " seed " << seed;
             }
         }
+    });
+}
+
+// Where denormals count as zeros, samples of different bits are equal: the window stays the contract's all the same.
+TEST(Median, SortedWindowWithDenormalsAsZeros)
+{
+    slots::each(qvrTable_qvrsFilterMedian_32f_I, [&](auto f, int) {
+        for (unsigned mode : {0u, environment::kDenormalsAreZero, environment::kDenormalsAreZero | environment::kFlush})
+            for (int mask : {7, 9, 15, 31, 101})
+                for (int seed = 0; seed < 20; seed++) {
+                    std::vector<float> x(400);
+                    std::mt19937 engine(seed);
+                    const float values[] = {1e-40f, -1e-40f, 3e-39f, -2e-42f, 1e-45f, 1e-38f, -1.0f, 2.0f};
+                    for (float& v : x)
+                        v = values[engine() % 8];
+                    // One sample that the search has to take up, late in the array.
+                    if (seed % 4)
+                        x[300] = seed % 4 == 1 ? -0.0f : seed % 4 == 2 ? 0.0f : NAN;
+                    Guarded& buffer = pooledGuarded(1, 1600);
+                    float* const got = buffer.atEnd<float>(1600);
+                    memcpy(got, x.data(), 1600);
+                    std::vector<float> want;
+                    {
+                        const Environment environment(environment::kMasked | mode);
+                        want = windowModel(x, mask);
+                        f(got, 400, mask);
+                    }
+                    EXPECT_TRUE(buffer.intact());
+                    ASSERT_EQ(memcmp(got, want.data(), 1600), 0) << "mode " << mode << " mask " << mask << " " << seed;
+                }
     });
 }
 
