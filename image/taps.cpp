@@ -7,25 +7,33 @@
 
 namespace {
 
-// out[i] = w0 rows[0][i] + w1 rows[1][i] + ...
-template<int NT, class A, class V> QVR_INLINE V sumRows(const A* const* rows, const A* w, Index i)
+// out[i] = w0 rows[0][i] + w1 rows[1][i] + ..., rounded; each row's part is what part(row) gives.
+template<int NT, class Part> QVR_INLINE auto blendedBytes(const float* const* rows, const float* w, const Part& part)
 {
-    V sum = {};
+    auto sum = part(rows[0]);
     for (int k = 0; k < NT; k++)
-        sum = addTap(k, splat<V>(w[k]), load<V>(rows[k] + i), sum);
-    return sum;
+        sum = addTap(k, splat<decltype(sum)>(w[k]), part(rows[k]), sum);
+    return packBytes(roundToByte(sum));
 }
 
+// The last block overlaps the one before it: behind the outputs the buffers have no numbers.
 template<int NT> void blendRows(const float* const* rows, const float* w, uint8_t* dst, Index n)
 {
     constexpr int B = 4 * kLanes<float>;
     using V = Vec<float, B>;
-    const auto block = [&](Index i) { return packBytes(roundToByte(sumRows<NT, float, V>(rows, w, i))); };
+    const auto block = [&](Index i) {
+        store(dst + i, blendedBytes<NT>(rows, w, [=](const float* row) { return load<V>(row + i); }));
+    };
+    if (n < B) {
+        const int count = static_cast<int>(n);
+        const auto first = [=](const float* row) { return loadPartial<V>(row, count); };
+        return storePartial(dst, blendedBytes<NT>(rows, w, first), count);
+    }
     Index i = 0;
     for (; i + B <= n; i += B)
-        store(dst + i, block(i));
-    if (i < n) // the buffers are longer than the outputs
-        storePartial(dst + i, block(i), static_cast<int>(n - i));
+        block(i);
+    if (i < n)
+        block(n - B);
 }
 template<int NT, class A> void blendRows(const A* const* rows, const A* w, A* dst, Index n)
 {

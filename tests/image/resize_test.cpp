@@ -1,5 +1,6 @@
 // Every method against the model: geometries, borders, regions, placement of images and work buffers.
 #include "image/resize_check.h"
+#include "support/environment.h"
 
 namespace {
 
@@ -232,6 +233,29 @@ TEST(Resize, NotANumberPasses)
                               x >= 20 - before && x <= 20 + after && y >= 15 - before && y <= 15 + after)
                         << method << " at " << x << "," << y;
         });
+}
+
+// Nothing is computed from what the work buffer held before.
+TEST(Resize, WorkBufferOfSignallingNumbers)
+{
+    constexpr unsigned kTrapping = environment::kInvalid | environment::kDivide | environment::kOverflow;
+    const std::vector<uint8_t> src = randomValues<uint8_t>(40 * 40 * 4, 5);
+    const auto run = [&](auto f, int channels) {
+        for (int method : {qvriInterLinear, qvriInterCubic, qvriInterCubicCatmullRom, qvriInterLanczos})
+            for (int width = 1; width <= 70; width++) {
+                const qvriRect from = {0, 0, 40, 40}, to = {0, 0, width, 9};
+                int bytes = 0;
+                ASSERT_EQ(Morven_qvriResizeGetBufSize(from, to, channels, method, &bytes), qvrOk);
+                std::vector<uint32_t> buffer(static_cast<size_t>(bytes) / 4 + 1, 0x7FA00001);
+                std::vector<uint8_t> dst(static_cast<size_t>(width) * channels * 9);
+                const Environment environment(environment::kMasked);
+                f(src.data(), {40, 40}, 40 * channels, from, dst.data(), width * channels, to, width / 40.0, 9 / 40.0,
+                  0, 0, method, reinterpret_cast<uint8_t*>(buffer.data()));
+                ASSERT_EQ(environment.flags() & kTrapping, 0u) << "method " << method << " width " << width;
+            }
+    };
+    slots::each(qvrTable_qvriResizeSqrPixel_8u_C1R, [&](auto f, int) { run(f, 1); });
+    slots::each(qvrTable_qvriResizeSqrPixel_8u_C4R, [&](auto f, int) { run(f, 4); });
 }
 
 } // namespace
