@@ -27,6 +27,7 @@ template<class T> constexpr int kLanes = kVecBytes / static_cast<int>(sizeof(T))
 template<class T> using Full = Vec<T, kLanes<T>>;
 
 template<class V> using Elem = __remove_cvref(decltype(V{}[0]));
+template<class T> constexpr bool kIsFloat = static_cast<T>(0.5) != 0;
 template<class V> constexpr int lanes = static_cast<int>(sizeof(V) / sizeof(Elem<V>));
 
 template<int Bytes> struct IntOf;
@@ -202,6 +203,16 @@ template<class V> QVR_INLINE auto padTo16(V v)
     return padLanes(v, Iota<16 / static_cast<int>(sizeof(Elem<V>))>{});
 }
 
+// Two floats twice, any other vector as it is. Instructions work on whole registers: what is in unused lanes could
+// raise exceptions that no element raises.
+template<class V> QVR_INLINE auto wholeRegister(V v)
+{
+    if constexpr (kIsFloat<Elem<V>> && lanes<V> > 1 && sizeof(V) < 16)
+        return padTo16(v);
+    else
+        return v;
+}
+
 // ---- Memory ---------------------------------------------------------------------------------------------------------
 
 template<class V> QVR_INLINE V load(const void* p)
@@ -365,13 +376,25 @@ template<class V> QVR_INLINE V shiftRight(V v, int count)
     return v >> splat<V>(static_cast<Elem<V>>(count));
 }
 
+// All lanes joined by f(half, other half), halves first. Half a register is never computed on by itself: its other half
+// would hold anything, and raise exceptions.
+template<class V, class F> QVR_INLINE Elem<V> foldLanes(V v, const F& f)
+{
+    if constexpr (lanes<V> == 1) {
+        return v[0];
+    } else if constexpr (sizeof(V) == 16 && sizeof(Elem<V>) == 4 && kIsFloat<Elem<V>>) {
+        using One = Vec<Elem<V>, 1>;
+        const V pairs = f(v, shuffleBlocks<2, 3, 0, 1>(v));
+        return f(One{pairs[0]}, One{pairs[1]})[0];
+    } else {
+        return foldLanes(f(lo(v), hi(v)), f);
+    }
+}
+
 // The sum of all lanes, halves first.
 template<class V> QVR_INLINE Elem<V> sumLanes(V v)
 {
-    if constexpr (lanes<V> == 1)
-        return v[0];
-    else
-        return sumLanes(lo(v) + hi(v));
+    return foldLanes(v, [](auto a, auto b) { return a + b; });
 }
 
 // Lane k: the sum of the lanes 0 to k.

@@ -46,15 +46,11 @@ template<class V> __attribute__((noinline)) V quotientWithZeros(V n, V d)
 
 template<class V> QVR_INLINE V quotient(V n, V d, int& flagged)
 {
-    // In the unused lanes of half a register there would be 0 / 0 and its exception.
-    if constexpr (lanes<V> > 1 && sizeof(V) < 16) {
-        return slice<0, lanes<V>>(quotient(padTo16(n), padTo16(d), flagged));
-    } else if (__builtin_expect(anyTrue(d == V{}) != 0, 0)) {
+    if (__builtin_expect(anyTrue(d == V{}) != 0, 0)) {
         flagged = 1;
         return quotientWithZeros(n, d);
-    } else {
-        return n / d;
     }
+    return n / d;
 }
 
 __attribute__((noinline)) int divide(const float* divisors, const float* dividends, float* dst, Index n)
@@ -82,14 +78,11 @@ template<class V> __attribute__((noinline)) V rootWithNegatives(V x)
 
 template<class V> QVR_INLINE V root(V x, int& flagged)
 {
-    if constexpr (lanes<V> > 1 && sizeof(V) < 16)
-        return slice<0, lanes<V>>(root(padTo16(x), flagged));
-    else if (__builtin_expect(anyTrue(~(x >= V{})) != 0, 0)) {
+    if (__builtin_expect(anyTrue(~(x >= V{})) != 0, 0)) {
         flagged = 1;
         return rootWithNegatives(x);
-    } else {
-        return sqrt(x);
     }
+    return sqrt(x);
 }
 
 __attribute__((noinline)) int squareRoot(const float* src, float* dst, Index n)

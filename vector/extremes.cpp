@@ -21,7 +21,7 @@ template<class T, class Pick> QVR_INLINE qvrStatus extreme(const T* pSrc, int le
         return status;
     T best = elementAt(pSrc, 0);
     extremes(pSrc, len, &best, pick);
-    if constexpr (static_cast<T>(0.5) != 0)
+    if constexpr (kIsFloat<T>)
         best = firstZeroIfZero(pSrc, len, best);
     putElement(pResult, 0, best);
     return qvrOk;
@@ -34,7 +34,7 @@ template<class T> QVR_INLINE qvrStatus bothExtremes(const T* pSrc, int len, T* p
     const T first = elementAt(pSrc, 0);
     T best[2] = {first, first};
     extremes(pSrc, len, best, Smallest{}, Largest{});
-    if constexpr (static_cast<T>(0.5) != 0) {
+    if constexpr (kIsFloat<T>) {
         best[0] = firstZeroIfZero(pSrc, len, best[0]);
         best[1] = firstZeroIfZero(pSrc, len, best[1]);
     }

@@ -48,10 +48,7 @@ struct Smallest {
 
 template<class V, class Pick> QVR_INLINE Elem<V> pickLane(V v, Pick pick)
 {
-    if constexpr (lanes<V> == 1)
-        return v[0];
-    else
-        return pickLane(pick(hi(v), lo(v)), pick);
+    return foldLanes(v, [pick](auto low, auto high) { return pick(high, low); });
 }
 
 // Fewer elements than N lanes, by two overlapping vectors of half the lanes, or of half of those.
@@ -61,8 +58,9 @@ template<int N, class T, class... Pick> QVR_INLINE void extremeShort(const T* sr
         constexpr int H = N / 2;
         using V = Vec<T, H>;
         if (n >= H) {
-            const V first = load<V>(src), last = load<V>(src + n - H);
-            ((*best = pickLane(pick(last, pick(first, splat<V>(*best))), pick), best++), ...);
+            const auto first = wholeRegister(load<V>(src)), last = wholeRegister(load<V>(src + n - H));
+            using W = __remove_cvref(decltype(first));
+            ((*best = pickLane(pick(last, pick(first, splat<W>(*best))), pick), best++), ...);
         } else {
             extremeShort<H>(src, n, best, pick...);
         }

@@ -80,27 +80,17 @@ template<class T, class Op, class... S> QVR_INLINE void mapLong(T* dst, Index n,
     store(dst + n - N, last);
 }
 
-// Fewer elements than a vector of N lanes: two overlapping vectors of half the lanes, or of half of those.
-template<int N, class T, class Op, class... S> QVR_INLINE void mapShort(T* dst, Index n, Op& op, const S*... src)
+// op of vectors that may be half a register.
+template<class Op, class V, class... More> QVR_INLINE auto onLanes(Op& op, V v, More... more)
 {
-    if constexpr (N > 1) {
-        constexpr int H = N / 2;
-        using V = Vec<T, H>;
-        if (n >= H) {
-            const V first = op(load<V>(src)...), last = op(load<V>(src + n - H)...);
-            store(dst, first);
-            store(dst + n - H, last);
-        } else {
-            mapShort<H>(dst, n, op, src...);
-        }
-    }
+    return slice<0, lanes<V>>(op(wholeRegister(v), wholeRegister(more)...));
 }
 
 // The last elements by falling powers of two, each once.
 template<int N, class T, class Op, class... S> QVR_INLINE void mapPowers(T* dst, Index n, Op& op, const S*... src)
 {
     if (n & N) {
-        store(dst, op(load<Vec<T, N>>(src)...));
+        store(dst, onLanes(op, load<Vec<T, N>>(src)...));
         dst += N;
         ((src += N), ...);
     }
@@ -122,8 +112,8 @@ template<int B, class TS, class TD, class Op> QVR_INLINE void convertShort(const
     if constexpr (B > 1) {
         constexpr int H = B / 2;
         if (n >= H) {
-            store(dst, op(load<Vec<TS, H>>(src)));
-            store(dst + n - H, op(load<Vec<TS, H>>(src + n - H)));
+            store(dst, onLanes(op, load<Vec<TS, H>>(src)));
+            store(dst + n - H, onLanes(op, load<Vec<TS, H>>(src + n - H)));
         } else {
             convertShort<H>(src, dst, n, op);
         }
