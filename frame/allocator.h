@@ -23,6 +23,9 @@ typedef struct {
 
 extern QVR_HIDDEN qvrAllocatorSlots qvrAllocator;
 
+// The malloc slot's block, or null. A failure reaches the caller of the library as a status, not as an errno.
+QVR_HIDDEN void* qvrRequestMemory(size_t size);
+
 #ifdef __cplusplus
 }
 

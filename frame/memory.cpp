@@ -9,7 +9,7 @@ void* allocateBytes(int len)
     if (len < 1)
         return nullptr;
     const int64_t size = int64_t{len} + 72;
-    void* raw = qvrAllocator.malloc(static_cast<size_t>(size));
+    void* raw = qvrRequestMemory(static_cast<size_t>(size));
     if (raw == nullptr)
         return nullptr;
     char* aligned = static_cast<char*>(raw) + 71;

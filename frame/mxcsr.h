@@ -12,6 +12,7 @@ namespace {
 inline constexpr uint32_t kMxcsrRounding = 0x6000; // nearest 0, down 0x2000, up 0x4000, toward zero 0x6000
 inline constexpr uint32_t kMxcsrMasks = 0x1F80;    // all exceptions masked
 inline constexpr uint32_t kMxcsrFlags = 0x1F;      // the five flags other than precision
+inline constexpr uint32_t kMxcsrAllFlags = 0x3F;
 
 inline uint32_t readMxcsr()
 {

@@ -1,7 +1,8 @@
 // The parallel region that every forking function goes through.
 //
 // parallelTeam(threads, body) runs body(t, T) on a team of up to `threads` threads, t = 0 .. T - 1, under the caller's
-// MXCSR. The runtime may give fewer threads than asked for; T is the number it gave.
+// MXCSR; the flags that any of them raises are the caller's afterwards. The runtime may give fewer threads than asked
+// for; T is the number it gave.
 //
 // parallelElements(len, kernel) is the element-wise form: kernel(start, count) on contiguous chunks of len / T
 // elements, the last one with the remainder, on at most two threads. A kernel that met a bad element returns nonzero;
@@ -21,20 +22,23 @@ template<class Body> __attribute__((noinline)) void callBody(const Body& body, i
     body(t, threads);
 }
 
-// A worker keeps its own word between regions.
-template<class Body> void callUnderMxcsr(uint32_t word, const Body& body, int t, int threads)
+// A worker keeps its own word between regions. Returns the flags that the body raised.
+template<class Body> uint32_t callUnderMxcsr(uint32_t word, const Body& body, int t, int threads)
 {
     const uint32_t own = readMxcsr();
-    writeMxcsr(word);
+    writeMxcsr(word & ~kMxcsrAllFlags);
     callBody(body, t, threads);
+    const uint32_t raised = readMxcsr() & kMxcsrAllFlags;
     writeMxcsr(own);
+    return raised;
 }
 
 template<class Body> void parallelTeam(int threads, const Body& body)
 {
     const uint32_t word = readMxcsr();
+    uint32_t raised = 0;
     int team = 1;
-#pragma omp parallel num_threads(threads) default(none) shared(word, team, body)
+#pragma omp parallel num_threads(threads) default(none) shared(word, raised, team, body)
     {
 #pragma omp master
         team = omp_get_num_threads();
@@ -43,8 +47,10 @@ template<class Body> void parallelTeam(int threads, const Body& body)
         if (t == 0)
             callBody(body, t, team);
         else
-            callUnderMxcsr(word, body, t, team);
+            __atomic_fetch_or(&raised, callUnderMxcsr(word, body, t, team), __ATOMIC_RELAXED);
     }
+    if (raised)
+        writeMxcsr(readMxcsr() | raised);
 }
 
 template<class Kernel> int parallelElements(int len, const Kernel& kernel)

@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <cstring>
 
 #include "frame/allocator.h"
@@ -23,6 +24,21 @@ DECLARE_FORMS(m7) DECLARE_FORMS(u8) DECLARE_FORMS(y8) DECLARE_FORMS(e9) DECLARE_
                 EXPECT_EQ(f(len), nullptr);
         });
         EXPECT_EQ(allocator.allocations(), 0);
+    }
+
+    TEST(Memory, FailureLeavesErrno)
+    {
+        const qvrAllocatorSlots saved = qvrAllocator;
+        qvrAllocator.malloc = [](size_t) -> void* {
+            errno = ENOMEM;
+            return nullptr;
+        };
+        slots::each(qvrTable_qvrsMalloc_8u, [&](auto f, int) {
+            errno = 77;
+            EXPECT_EQ(f(100), nullptr);
+            EXPECT_EQ(errno, 77);
+        });
+        qvrAllocator = saved;
     }
 
     TEST(Memory, BlockLayout)

@@ -117,4 +117,31 @@ TEST(Threads, WorkersTakeTheCallersWordAndKeepTheirOwn)
     EXPECT_EQ(plain[1] & 0x6000, saved & 0x6000);
 }
 
+TEST(Threads, FlagsOfAllThreadsReachTheCaller)
+{
+    Budget b(2);
+    const unsigned saved = _mm_getcsr();
+    for (int raising : {0, 1}) {
+        int team = 0;
+        // A flag that the caller had before stays; a worker does not report it as its own.
+        _mm_setcsr(0x1F80 | 0x20);
+        parallelTeam(2, [&](int t, int threads) {
+            if (t == 0)
+                team = threads;
+            if (t == raising) {
+                volatile float zero = 0, one = 1;
+                zero = one / zero;
+            }
+        });
+        const unsigned after = _mm_getcsr();
+        _mm_setcsr(saved);
+        if (team == 2)
+            EXPECT_EQ(after, 0x1F80u | 0x20 | 0x04) << raising;
+    }
+    _mm_setcsr(0x1F80);
+    parallelTeam(2, [](int, int) {});
+    EXPECT_EQ(_mm_getcsr(), 0x1F80u);
+    _mm_setcsr(saved);
+}
+
 } // namespace
