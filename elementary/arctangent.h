@@ -65,7 +65,7 @@ template<Accuracy A, bool kFine = false, class V> QVR_INLINE V arcTangentOfQuoti
         b = chooseByMasks<V>(B::b, m1, m2, m3);
         offset = chooseByMasks<V>(B::atan, m1, m2, m3);
     }
-    const V num = fma(b, -x, y), den = fma(b, y, x);
+    const V num = subtractProduct(y, b, x), den = fma(b, y, x);
     V t;
     if constexpr (A == Accuracy::a11) {
         const V estimate = reciprocalEstimate(den);
@@ -73,8 +73,8 @@ template<Accuracy A, bool kFine = false, class V> QVR_INLINE V arcTangentOfQuoti
     } else {
         t = num / den;
     }
-    if constexpr (kFine)
-        return offset + t * fineArcTangentSeries(t * t);
+    if constexpr (kFine) // the angle of a zero y would be -0 where the caller rounds down
+        return abs(offset + t * fineArcTangentSeries(t * t));
     else
         return offset + t * arcTangentSeries<A>(t * t);
 }

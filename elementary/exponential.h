@@ -7,16 +7,7 @@
 
 namespace {
 
-constexpr uint32_t kSmallestNormal = 0x00800000;
 constexpr float kDenormalScale = 8388608.0f; // 2^23 makes every denormal normal
-
-// Finite, positive and normal.
-template<class V> QVR_INLINE Mask<V> outsideNormal(V x)
-{
-    // The bits as a signed integer: below the smallest normal for zeros, denormals and negatives.
-    const Mask<V> word = bitcast<Mask<V>>(x);
-    return (word < static_cast<int32_t>(kSmallestNormal)) | (word >= static_cast<int32_t>(kInfinityBits));
-}
 
 // A float x = 2^e m with m within 1/256 of the breakpoint 1 + index / 128; just below 2 that is the breakpoint 1 of the
 // next power.
@@ -60,6 +51,15 @@ template<bool kNearest, class D> QVR_INLINE D exponential(D t)
     const D row = lookUp<1, D>(qvrPowerTable64, k & 127);
     const D scaled = bitcast<D>(bits(row) + ((k & ~uint64_t{127}) << 45));
     return fma(scaled, r * polynomial(r, 0.1666666666, 0.5, 1.0), scaled);
+}
+
+// Rounded to float. What is beyond the floats is infinite, also where the caller rounds down or toward zero.
+template<bool kNearest, class D> QVR_INLINE auto narrow(D d)
+{
+    if constexpr (kNearest)
+        return convert<float>(d);
+    else
+        return convert<float>(d >= splat<D>(0x1.ffffffp127) ? splat<D>(__builtin_inf()) : d);
 }
 
 } // namespace

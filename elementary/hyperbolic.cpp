@@ -107,14 +107,18 @@ template<Accuracy A, bool kNearest, class V> QVR_INLINE V tangent(V x)
     }
 }
 
-// The scalar path: extended precision; a finite argument with an infinite result is an overflow.
-template<float (*wide)(float)> QVR_INLINE float wideValue(const Error& error, float x, float infinity)
+// The scalar path: extended precision, rounded as the caller asks; a finite argument with an infinite result is an
+// overflow. Denormals, which the x87 unit neither takes for zeros nor flushes, keep to the formula.
+template<float (*wide)(float, uint32_t), class K>
+QVR_INLINE float wideValue(const K& k, const Error& error, float x, float infinity)
 {
     if (x != x)
         return x + x;
     if (__builtin_isinf(x))
         return infinity;
-    const float y = wide(x);
+    if (outsideNormal(Vec<float, 1>{__builtin_fabsf(x)})[0])
+        return k.eval(Vec<float, 1>{x})[0];
+    const float y = wide(x, readMxcsr() & kMxcsrRounding);
     if (__builtin_isinf(y))
         error(qvrWarnOverflow);
     return y;
@@ -127,11 +131,11 @@ template<Accuracy A, bool kNearest> struct HyperbolicSine {
     template<class V> QVR_INLINE V eval(V x) const
     {
         if constexpr (A == Accuracy::ha)
-            return convert<float>(sine<A, kNearest>(convert<double>(x)));
+            return oddZero<kNearest>(x, convert<float>(sine<A, kNearest>(convert<double>(x))));
         else
-            return sine<A, kNearest>(x);
+            return oddZero<kNearest>(x, sine<A, kNearest>(x));
     }
-    float scalar(const Error& error, float x) const { return wideValue<qvrWideSinh>(error, x, x); }
+    float scalar(const Error& error, float x) const { return wideValue<qvrWideSinh>(*this, error, x, x); }
 };
 
 template<Accuracy A, bool kNearest> struct HyperbolicCosine {
@@ -145,7 +149,10 @@ template<Accuracy A, bool kNearest> struct HyperbolicCosine {
         else
             return cosine<A, kNearest>(x);
     }
-    float scalar(const Error& error, float x) const { return wideValue<qvrWideCosh>(error, x, __builtin_inff()); }
+    float scalar(const Error& error, float x) const
+    {
+        return wideValue<qvrWideCosh>(*this, error, x, __builtin_inff());
+    }
 };
 
 // Every argument has a result, so no element is special.
@@ -156,9 +163,9 @@ template<Accuracy A, bool kNearest> struct HyperbolicTangent {
     template<class V> QVR_INLINE V eval(V x) const
     {
         if constexpr (A == Accuracy::ha)
-            return convert<float>(tangent<A, kNearest>(convert<double>(x)));
+            return oddZero<kNearest>(x, convert<float>(tangent<A, kNearest>(convert<double>(x))));
         else
-            return tangent<A, kNearest>(x);
+            return oddZero<kNearest>(x, tangent<A, kNearest>(x));
     }
     float scalar(const Error&, float x) const { return eval(Vec<float, 1>{x})[0]; }
 };

@@ -103,31 +103,31 @@ template<Accuracy A, bool> struct ArcSine {
     float scalar(const Error& error, float x) const { return unitDomain(*this, error, x); }
 };
 
-template<Accuracy A, bool> struct ArcCosine {
+template<Accuracy A, bool kNearest> struct ArcCosine {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Acos");
     static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideUnit(x); }
     template<class V> QVR_INLINE V eval(V x) const
     {
         if constexpr (A == Accuracy::ha)
-            return convert<float>(arcCosine<A>(convert<double>(x)));
+            return zeroAt<kNearest>(1, x, convert<float>(arcCosine<A>(convert<double>(x))));
         else
-            return arcCosine<A>(x);
+            return zeroAt<kNearest>(1, x, arcCosine<A>(x));
     }
     float scalar(const Error& error, float x) const { return unitDomain(*this, error, x); }
 };
 
 // Every argument has a result, so no element is special.
-template<Accuracy A, bool> struct ArcTangent {
+template<Accuracy A, bool kNearest> struct ArcTangent {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Atan");
     static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V) const { return Mask<V>{}; }
     template<class V> QVR_INLINE V eval(V x) const
     {
         if constexpr (A == Accuracy::ha)
-            return convert<float>(arcTangent<A>(convert<double>(x)));
+            return oddZero<kNearest>(x, convert<float>(arcTangent<A>(convert<double>(x))));
         else
-            return arcTangent<A>(x);
+            return oddZero<kNearest>(x, arcTangent<A>(x));
     }
     float scalar(const Error&, float x) const { return eval(Vec<float, 1>{x})[0]; }
 };

@@ -41,6 +41,7 @@ typedef qvrStatus KernelC(const float* src, float value, float* dst, int len);
 constexpr uint32_t kQuietNan = 0xFFC00000; // result outside a domain, except for the natural logarithm
 constexpr uint32_t kSignBit = 0x80000000;
 constexpr uint32_t kInfinityBits = 0x7F800000;
+constexpr uint32_t kSmallestNormal = 0x00800000;
 
 template<class V> constexpr bool kIsDouble = sizeof(Elem<V>) == 8;
 
@@ -52,6 +53,29 @@ template<Accuracy A> constexpr int kRegisterOf = kVecBytes / (A == Accuracy::ha 
 
 // ---- Formula helpers ------------------------------------------------------------------------------------------------
 
+// a * c + b and b - a * c with a constant c. Where products are rounded, a negative constant is subtracted: the
+// compiler would exchange a * -c + b for it in one place and not in another, and the two differ where the caller rounds
+// up or down.
+template<class V> QVR_INLINE V addProduct(V b, V a, Elem<V> c)
+{
+    if constexpr (kFma)
+        return fma(a, splat<V>(c), b);
+    else
+        return c < 0 ? b - a * splat<V>(-c) : b + a * splat<V>(c);
+}
+template<class V> QVR_INLINE V subtractProduct(V b, V a, Elem<V> c)
+{
+    return addProduct(b, a, -c);
+}
+// The same of a variable.
+template<class V> QVR_INLINE V subtractProduct(V b, V a, V c)
+{
+    if constexpr (kFma)
+        return fma(-a, c, b);
+    else
+        return b - a * c;
+}
+
 // Horner's rule, coefficients from the highest power down.
 template<class V> QVR_INLINE V horner(V, V sum)
 {
@@ -61,19 +85,10 @@ template<class V, class... C> QVR_INLINE V horner(V x, V sum, Elem<V> c, C... re
 {
     return horner(x, fma(sum, x, splat<V>(c)), static_cast<Elem<V>>(rest)...);
 }
-template<class V, class... C> QVR_INLINE V polynomial(V x, double first, C... rest)
+template<class V, class... C> QVR_INLINE V polynomial(V x, double first, double second, C... rest)
 {
-    return horner(x, splat<V>(static_cast<Elem<V>>(first)), static_cast<Elem<V>>(rest)...);
-}
-
-// a * c + b and b - a * c with a constant c.
-template<class V> QVR_INLINE V addProduct(V b, V a, Elem<V> c)
-{
-    return fma(a, splat<V>(c), b);
-}
-template<class V> QVR_INLINE V subtractProduct(V b, V a, Elem<V> c)
-{
-    return fma(a, splat<V>(-c), b);
+    using T = Elem<V>;
+    return horner(x, addProduct(splat<V>(static_cast<T>(second)), x, static_cast<T>(first)), static_cast<T>(rest)...);
 }
 
 template<class V> QVR_INLINE Bits<V> signOf(V v)
@@ -83,6 +98,31 @@ template<class V> QVR_INLINE Bits<V> signOf(V v)
 template<class V> QVR_INLINE V withSign(V v, Bits<V> sign)
 {
     return bitcast<V>(bits(v) ^ sign);
+}
+
+// A sum of terms that cancel is -0 where the caller rounds down: the result y is replaced where it is known to be a
+// zero, that of x for an odd function, +0 for one with its zero at a place.
+template<bool kNearest, class V> QVR_INLINE V oddZero(V x, V y)
+{
+    if constexpr (kNearest)
+        return y;
+    else
+        return x == V{} ? bitcast<V>(signOf(x)) : y;
+}
+template<bool kNearest, class V> QVR_INLINE V zeroAt(float place, V x, V y)
+{
+    if constexpr (kNearest)
+        return y;
+    else
+        return x == splat<V>(place) ? V{} : y;
+}
+
+// Not finite, positive and normal.
+template<class V> QVR_INLINE Mask<V> outsideNormal(V x)
+{
+    // The bits as a signed integer: below the smallest normal for zeros, denormals and negatives.
+    const Mask<V> word = bitcast<Mask<V>>(x);
+    return (word < static_cast<int32_t>(kSmallestNormal)) | (word >= static_cast<int32_t>(kInfinityBits));
 }
 
 // A power of two whose last mantissa bit counts ones: the sum of it and an integer shows that integer in its low bits.

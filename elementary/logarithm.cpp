@@ -38,7 +38,7 @@ template<Accuracy A, class V> QVR_INLINE V natural(V x, float shift = 0)
     }
 }
 
-template<Accuracy A, bool> struct NaturalLogarithm {
+template<Accuracy A, bool kNearest> struct NaturalLogarithm {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Ln");
     static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideNormal(x); }
@@ -49,7 +49,7 @@ template<Accuracy A, bool> struct NaturalLogarithm {
         else
             return natural<A>(x, shift);
     }
-    template<class V> QVR_INLINE V eval(V x) const { return shifted(x, 0); }
+    template<class V> QVR_INLINE V eval(V x) const { return zeroAt<kNearest>(1, x, shifted(x, 0)); }
     float scalar(const Error& error, float x) const
     {
         using V = Vec<float, 1>;
@@ -85,26 +85,26 @@ template<Accuracy A, class V> QVR_INLINE V decimal(V x)
     const V w = productLess(p.m, a, kScale);
     V high = fma(p.e, splat<V>(kExponentHigh), hi);
     if constexpr (A == Accuracy::la) {
-        high = fma(p.e, splat<V>(kExponentMiddle), high);
-        const V low = fma(p.e, splat<V>(kExponentRest), lo);
+        high = addProduct(high, p.e, kExponentMiddle);
+        const V low = addProduct(lo, p.e, kExponentRest);
         const V q = polynomial(w, 5.667, -3.0718327, 1.7758979, -1.1550168, 0.0016161024);
         return high + (w + fma(w, q, low));
     } else {
         const V q = polynomial(w, -3.0718327, 1.7758979, -1.1550168, 0.0016161024);
-        return high + (w + fma(w, q, fma(p.e, splat<V>(kExponentLow), lo)));
+        return high + (w + fma(w, q, addProduct(lo, p.e, kExponentLow)));
     }
 }
 
-template<Accuracy A, bool> struct DecimalLogarithm {
+template<Accuracy A, bool kNearest> struct DecimalLogarithm {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Log10");
     static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideNormal(x); }
     template<class V> QVR_INLINE V eval(V x) const
     {
         if constexpr (A == Accuracy::ha)
-            return convert<float>(naturalLogarithm(x) * 0.4342944819032518);
+            return zeroAt<kNearest>(1, x, convert<float>(naturalLogarithm(x) * 0.4342944819032518));
         else
-            return decimal<A>(x);
+            return zeroAt<kNearest>(1, x, decimal<A>(x));
     }
     float scalar(const Error&, float x) const
     {

@@ -30,10 +30,10 @@ template<bool kNearest, class V> QVR_INLINE V finePower(V x, Doubles<lanes<V>> y
 {
     using D = Doubles<lanes<V>>;
     const D t = y * naturalLogarithm(x, shift);
-    return convert<float>(exponential<kNearest>(max(min(t, splat<D>(kClamp)), splat<D>(-kClamp))));
+    return narrow<kNearest>(exponential<kNearest>(max(min(t, splat<D>(kClamp)), splat<D>(-kClamp))));
 }
 
-// |y| has its sign; x is positive and finite.
+// x is positive and finite.
 template<bool kNearest> float positivePower(float x, float y)
 {
     using V = Vec<float, 1>;
@@ -48,7 +48,8 @@ template<bool kNearest> float scalarPower(const Error& error, float x, float y, 
 {
     const float infinity = __builtin_inff();
     const uint32_t xBits = __builtin_bit_cast(uint32_t, x), yBits = __builtin_bit_cast(uint32_t, y);
-    const uint32_t ax = xBits & ~kSignBit, ay = yBits & ~kSignBit;
+    // A comparison takes a denormal for the zero that it is to the caller's arithmetic.
+    const uint32_t ax = x == 0 ? 0 : xBits & ~kSignBit, ay = y == 0 ? 0 : yBits & ~kSignBit;
     const bool xNegative = xBits & kSignBit, yNegative = yBits & kSignBit;
     constexpr uint32_t one = 0x3F800000;
     if (ay == 0 || xBits == one || (ax == one && ay == kInfinityBits))
@@ -78,8 +79,20 @@ template<bool kNearest> float scalarPower(const Error& error, float x, float y, 
     return sign * positivePower<kNearest>(__builtin_bit_cast(float, ax), y);
 }
 
+// From here on the float power of two may be infinite for a finite result: t = y log2 x has an error of 2^-15 there.
+constexpr float kNearOverflow = 127.9995f;
+
+template<bool kNearest, class V> __attribute__((noinline)) V nearOverflow(V x, V y, V power, Mask<V> near)
+{
+    using One = Vec<float, 1>;
+    for (int i = 0; i < lanes<V>; i++)
+        if (near[i])
+            power[i] = finePower<kNearest>(One{x[i]}, Doubles<1>{static_cast<double>(y[i])})[0];
+    return power;
+}
+
 // 2^(y log2 x) in floats, to 11 bits (a11) or 2^-21 and its share of y log2 x (la); results below the normals are zero.
-template<Accuracy A, class V> QVR_INLINE V shortPower(V x, V y)
+template<Accuracy A, bool kNearest, class V> QVR_INLINE V shortPower(V x, V y)
 {
     // x = 2^e m, m in [sqrt(1/2), sqrt 2)
     constexpr uint32_t rootOfHalf = 0x3F3504F3;
@@ -91,19 +104,21 @@ template<Accuracy A, class V> QVR_INLINE V shortPower(V x, V y)
                       polynomial(u, -0.14715627, 0.23474817, -0.24870408, 0.28698662, -0.36024529, 0.48092839,
                                  -0.72135276, 1.4426949),
                       e);
-    // The power is exact by then: 128 and above give an infinite scale, below -126 a zero one.
+    // Below -126 the scale is zero.
     const V t = max(min(y * log, splat<V>(128)), splat<V>(-127));
     const auto down = toIntTruncate(t + splat<V>(128)) - 128;
     const V f = t - convert<float>(down);
     // 2^f, minimax 2^-13.5
     const V p = polynomial(f, 7.7119090e-2, 0.22756439, 0.69514614, 1.0);
-    return p * bitcast<V>((down + 127) << 23);
+    const V power = p * bitcast<V>((down + 127) << 23);
+    const Mask<V> near = t > splat<V>(kNearOverflow);
+    return __builtin_expect(anyTrue(near), 0) ? nearOverflow<kNearest>(x, y, power, near) : power;
 }
 
 template<Accuracy A, bool kNearest, class V> QVR_INLINE V power(V x, V y)
 {
     if constexpr (A == Accuracy::a11)
-        return shortPower<A>(x, y);
+        return shortPower<A, kNearest>(x, y);
     else
         return finePower<kNearest>(x, convert<double>(y));
 }

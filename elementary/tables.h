@@ -42,10 +42,11 @@ QVR_HIDDEN double qvrWideSin(double x);
 QVR_HIDDEN double qvrWideCos(double x);
 QVR_HIDDEN double qvrWideTan(double x);
 
-// Hyperbolic sine and cosine in extended precision. They use the x87 registers under its default control word and put
-// the caller's back.
-QVR_HIDDEN float qvrWideSinh(float x);
-QVR_HIDDEN float qvrWideCosh(float x);
+// Hyperbolic sine and cosine in extended precision, rounded as the rounding field of an MXCSR says; what is beyond the
+// floats is infinite. They clear pending x87 exceptions, use the x87 registers under a control word of their own and
+// put the caller's back.
+QVR_HIDDEN float qvrWideSinh(float x, uint32_t rounding);
+QVR_HIDDEN float qvrWideCosh(float x, uint32_t rounding);
 
 // Called for each element in error: the status, the element's index, the sources (the same twice where there is one),
 // the destination twice, and the kernel's name. Points at a routine that does nothing; the one place where reporting

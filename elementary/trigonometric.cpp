@@ -79,9 +79,9 @@ template<Accuracy A, bool kNearest> struct Sine {
     template<class V> QVR_INLINE V eval(V x) const
     {
         if constexpr (A == Accuracy::ha)
-            return convert<float>(sineOrCosine<A, kNearest, false>(convert<double>(x)));
+            return oddZero<kNearest>(x, convert<float>(sineOrCosine<A, kNearest, false>(convert<double>(x))));
         else
-            return sineOrCosine<A, kNearest, false>(x);
+            return oddZero<kNearest>(x, sineOrCosine<A, kNearest, false>(x));
     }
     float scalar(const Error& error, float x) const { return wideValue<qvrWideSin>(error, x); }
 };
@@ -133,9 +133,9 @@ template<Accuracy A, bool kNearest> struct Tangent {
     template<class V> QVR_INLINE V eval(V x) const
     {
         if constexpr (A == Accuracy::ha)
-            return convert<float>(tangent<A, kNearest>(convert<double>(x)));
+            return oddZero<kNearest>(x, convert<float>(tangent<A, kNearest>(convert<double>(x))));
         else
-            return tangent<A, kNearest>(x);
+            return oddZero<kNearest>(x, tangent<A, kNearest>(x));
     }
     float scalar(const Error& error, float x) const { return wideValue<qvrWideTan>(error, x); }
 };

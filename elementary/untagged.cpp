@@ -26,6 +26,13 @@ template<class Op> QVR_INLINE void eachBlock(const float* src, float* dst, Index
     }
 }
 
+// v of numbers that are not negative: whether a lane is above the limit, or a NaN. A comparison of floats would raise
+// the invalid flag for a NaN.
+template<class V> QVR_INLINE Mask<V> isAbove(V v, float limit)
+{
+    return bitcast<Mask<V>>(v) > __builtin_bit_cast(int32_t, limit);
+}
+
 // Every lane by a scalar function, where a block has something special.
 template<class V, class F> V byLanes(V x, F f)
 {
@@ -38,9 +45,15 @@ template<class V, class F> V byLanes(V x, F f)
 // over.
 constexpr float kFastLimit = 87.25f;
 
+// ln of the largest float: beyond it the result is infinite, where the scalar routine would round as the caller asks.
+constexpr float kOverflow = 0x1.62e42ep6f;
+
 float specialExponential(float x)
 {
-    return x != x ? x + x : qvrmExpf(x);
+    if (x != x)
+        return x + x;
+    const float y = qvrmExpf(x);
+    return x > kOverflow ? __builtin_inff() : y;
 }
 
 // 2^k e^r with k = round(x / ln 2): e^r to 2^-28 for |r| <= ln 2 / 2.
@@ -57,8 +70,7 @@ template<bool kNearest, class V> QVR_INLINE V plainExponential(V x)
 template<bool kNearest> __attribute__((noinline)) void exponentials(const float* src, float* dst, Index n)
 {
     eachBlock(src, dst, n, [](auto x) {
-        const auto plain = abs(x) <= splat<decltype(x)>(kFastLimit);
-        if (__builtin_expect(anyTrue(~plain), 0))
+        if (__builtin_expect(anyTrue(isAbove(abs(x), kFastLimit)), 0))
             return byLanes(x, [](float e) {
                 return __builtin_fabsf(e) <= kFastLimit ? plainExponential<kNearest>(Vec<float, 1>{e})[0]
                                                         : specialExponential(e);
@@ -78,10 +90,12 @@ template<class V> QVR_INLINE V unitArcTangent(V t)
 
 template<class V> QVR_INLINE V plainArcTangent(V x)
 {
-    const V a = abs(x);
-    const Mask<V> wide = a >= splat<V>(1);
-    const V t = wide ? splat<V>(1) / a : a;
-    const V p = unitArcTangent(t);
+    const V a = abs(x), one = splat<V>(1);
+    const Mask<V> wide = isAbove(a, 1);
+    // Lanes that need no quotient divide by one.
+    const V t = (wide ? one : a) / (wide ? a : one);
+    // A zero's would be -0 where the caller rounds down.
+    const V p = abs(unitArcTangent(t));
     // pi/2 as a float and the rest of it
     const V folded = splat<V>(1.5707964f) - (p + splat<V>(4.371139e-08f));
     return withSign(wide ? folded : p, signOf(x));
@@ -98,7 +112,7 @@ float specialLogarithm(float x, int& note)
         note = note ? note : negativeNote;
         return __builtin_bit_cast(float, kQuietNan);
     }
-    if (word == 0) {
+    if (x == 0) { // a denormal, too, where the caller takes it for a zero
         note = note ? note : zeroNote;
         return -__builtin_inff();
     }
@@ -107,8 +121,13 @@ float specialLogarithm(float x, int& note)
     return qvrmLogf(x);
 }
 
+template<bool kNearest, class V> QVR_INLINE V plainLogarithm(V x)
+{
+    return zeroAt<kNearest>(1, x, convert<float>(naturalLogarithm(x)));
+}
+
 // The number of the first special lane counts, so they go in order.
-template<int B> QVR_INLINE void logarithmBlock(const float* src, float* dst, int n, int& note)
+template<bool kNearest, int B> QVR_INLINE void logarithmBlock(const float* src, float* dst, int n, int& note)
 {
     using V = Vec<float, B>;
     const V x = loadFirst<V>(src, n);
@@ -117,11 +136,24 @@ template<int B> QVR_INLINE void logarithmBlock(const float* src, float* dst, int
         for (int i = 0; i < n; i++) {
             const Vec<float, 1> one = load<Vec<float, 1>>(src + i);
             store(dst + i, outsideNormal(one)[0] ? Vec<float, 1>{specialLogarithm(one[0], note)}
-                                                 : convert<float>(naturalLogarithm(one)));
+                                                 : plainLogarithm<kNearest>(one));
         }
     } else {
-        storeFirst(dst, convert<float>(naturalLogarithm(x)), n);
+        storeFirst(dst, plainLogarithm<kNearest>(x), n);
     }
+}
+
+// The note of the first element that has one.
+template<bool kNearest> __attribute__((noinline)) int logarithms(const float* src, float* dst, Index n)
+{
+    int note = noNote;
+    constexpr int B = kLanes<float>;
+    Index i = 0;
+    for (; i + B <= n; i += B)
+        logarithmBlock<kNearest, B>(src + i, dst + i, B, note);
+    if (i < n)
+        logarithmBlock<kNearest, B>(src + i, dst + i, static_cast<int>(n - i), note);
+    return note;
 }
 
 // ---- Phase ----------------------------------------------------------------------------------------------------------
@@ -131,19 +163,20 @@ template<int B> QVR_INLINE void phaseBlock(const float* src, float* dst, int n)
 {
     using P = Vec<float, 2 * B>;
     const P pairs = loadFirst<P>(src, 2 * n);
-    const auto re = evens(lo(pairs), hi(pairs)), im = odds(lo(pairs), hi(pairs));
     using V = Vec<float, B>;
-    const V a = abs(V(re)), b = abs(V(im)), most = max(a, b);
-    const V infinity = splat<V>(__builtin_inff());
-    const Mask<V> plain = (a < infinity) & (b < infinity) & (most > V{});
-    if (__builtin_expect(anyTrue(~plain & (iota<Mask<V>>() < n)), 0)) {
+    const Mask<V> used = iota<Mask<V>>() < n;
+    // The angle of 1 + i y in lanes behind the end.
+    const V re = used ? V(evens(lo(pairs), hi(pairs))) : splat<V>(1), im = odds(lo(pairs), hi(pairs));
+    constexpr float largest = 0x1.fffffep127f;
+    const Mask<V> special = isAbove(abs(re), largest) | isAbove(abs(im), largest) | ((re == V{}) & (im == V{}));
+    if (__builtin_expect(anyTrue(special), 0)) {
         for (int i = 0; i < n; i++) {
             const Vec<float, 2> z = load<Vec<float, 2>>(src + 2 * i);
             const float angle = z[0] == 0 && z[1] == 0 ? 0.0f : static_cast<float>(wideArcTangent2(z[1], z[0]));
             store(dst + i, angle);
         }
     } else {
-        const auto angle = arcTangent2<Accuracy::ha, true>(convert<double>(V(im)), convert<double>(V(re)));
+        const auto angle = arcTangent2<Accuracy::ha, true>(convert<double>(im), convert<double>(re));
         storeFirst(dst, convert<float>(angle), n);
     }
 }
@@ -167,13 +200,8 @@ qvrStatus SLOT_SHARED(qvrsLn_32f)(const qvr32f* pSrc, qvr32f* pDst, int len)
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
         return status;
-    int note = noNote;
-    constexpr int B = kLanes<float>;
-    Index i = 0;
-    for (; i + B <= len; i += B)
-        logarithmBlock<B>(pSrc + i, pDst + i, B, note);
-    if (i < len)
-        logarithmBlock<B>(pSrc + i, pDst + i, static_cast<int>(len - i), note);
+    const int note =
+        readMxcsr() & kMxcsrRounding ? logarithms<false>(pSrc, pDst, len) : logarithms<true>(pSrc, pDst, len);
     return note == noNote ? qvrOk : note == zeroNote ? qvrWarnLnZeroArg : qvrWarnLnNegArg;
 }
 

@@ -154,14 +154,26 @@ double sineAt(int n, double hi, double lo)
 
 using Extended = long double;
 
-constexpr uint16_t kX87Default = 0x37F; // all exceptions masked, 64-bit mantissa, to nearest
+constexpr uint32_t kDown = 0x2000, kUp = 0x4000; // MXCSR's rounding field
+constexpr uint16_t kX87Default = 0x37F;          // all exceptions masked, 64-bit mantissa, to nearest
 
+// A pending exception of the caller would be delivered by the next instruction that waits, the load of the word too.
 uint16_t enterX87()
 {
     uint16_t own;
-    __asm__ volatile("fnstcw %0" : "=m"(own) : : "memory");
+    __asm__ volatile("fnstcw %0\n\tfnclex" : "=m"(own) : : "memory");
     __asm__ volatile("fldcw %0" : : "m"(kX87Default) : "memory");
     return own;
+}
+// To a float as MXCSR's rounding field says, and to infinity from half a unit beyond the largest float on.
+float narrow(Extended value, uint32_t rounding)
+{
+    if (value >= 0x1.ffffffp127L)
+        return __builtin_inff();
+    const uint16_t word = static_cast<uint16_t>(kX87Default | rounding >> 3); // the field's place is three lower
+    float result;
+    __asm__ volatile("fldcw %1\n\tfsts %0" : "=m"(result) : "m"(word), "t"(value) : "memory");
+    return result;
 }
 // Exceptions raised inside must not be pending when the caller's masks come back.
 void leaveX87(uint16_t own)
@@ -181,19 +193,24 @@ Extended exponentialLessOne(Extended x)
     return scale * f + (scale - 1);
 }
 
-__attribute__((noinline)) float hyperbolic(float x, bool sine)
+// The rounding is in force for the last step alone: the reduction needs the nearest integer.
+__attribute__((noinline)) float hyperbolic(float x, bool sine, uint32_t rounding)
 {
     const float a = __builtin_fabsf(x);
     const Extended m = exponentialLessOne(static_cast<Extended>(a < 200 ? a : 200.0f)); // overflows floats from 90 on
     const Extended value = sine ? (m + m / (m + 1)) / 2 : 1 + m * m / (2 * (m + 1));
-    const float result = static_cast<float>(value);
-    return sine ? __builtin_copysignf(result, x) : result;
+    if (sine && x < 0) {
+        // The magnitude goes the other way.
+        const bool directed = rounding == kDown || rounding == kUp;
+        return -narrow(value, directed ? rounding ^ (kDown ^ kUp) : rounding);
+    }
+    return narrow(value, rounding);
 }
 
-float guardedHyperbolic(float x, bool sine)
+float guardedHyperbolic(float x, bool sine, uint32_t rounding)
 {
     const uint16_t own = enterX87();
-    const float y = hyperbolic(x, sine);
+    const float y = hyperbolic(x, sine, rounding);
     leaveX87(own);
     return y;
 }
@@ -224,14 +241,14 @@ double qvrWideTan(double x)
     return sineAt(r.n, r.hi, r.lo) / sineAt(r.n + 16, r.hi, r.lo);
 }
 
-float qvrWideSinh(float x)
+float qvrWideSinh(float x, uint32_t rounding)
 {
-    return guardedHyperbolic(x, true);
+    return guardedHyperbolic(x, true, rounding);
 }
 
-float qvrWideCosh(float x)
+float qvrWideCosh(float x, uint32_t rounding)
 {
-    return guardedHyperbolic(x, false);
+    return guardedHyperbolic(x, false, rounding);
 }
 
 } // extern "C"
