@@ -1,4 +1,4 @@
-// Random arguments for a call, made from fuzzer input by the types of the function.
+// Random arguments for a call, made from a string of bytes by the types of the function.
 //
 // The usual shape needs nothing more: arrays of the first int behind the last pointer, in elements; every other int and
 // every scalar is arbitrary. Arrays are exact allocations, so the address sanitizer sees the first byte beyond, and
@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <tuple>
 #include <type_traits>
@@ -18,18 +19,51 @@
 
 #include "morvenqvr.h"
 
-namespace fuzz {
+namespace calls {
+
+// What arrays and scalars of floating-point types hold.
+enum class Data {
+    anything, // any bits
+    ordinary, // numbers with magnitudes from 2^-10 to 1
+    hostile,  // the same, and denormals, zeros of both signs, infinities and NaN among them
+};
+
+template<class T> struct PartOf {
+    using type = T;
+};
+template<> struct PartOf<qvr32fc> {
+    using type = float;
+};
+template<> struct PartOf<qvr64fc> {
+    using type = double;
+};
+
+// Signalling NaN as floats and as doubles.
+inline constexpr uint64_t kSignalling = 0x7FF400007FA00001;
 
 class Input {
 public:
-    Input(const uint8_t* data, size_t size) : provider_(data, size) {}
+    // Memory for arrays: `bytes` bytes at a byte offset from a boundary of 64. Null: each has a heap block of its own.
+    using Place = std::function<char*(size_t bytes, size_t offset)>;
+
+    Input(const uint8_t* data, size_t size, Data kind = Data::anything, Place place = {})
+        : provider_(data, size), kind_(kind), place_(std::move(place))
+    {
+    }
 
     bool oneIn(int n) { return provider_.ConsumeIntegralInRange(1, n) == 1; }
     int range(int low, int high) { return provider_.ConsumeIntegralInRange(low, high); }
+    bool ordinary() const { return kind_ == Data::ordinary; }
 
     // Any value of the type, extremes more often than chance would have them.
     template<class T> T any()
     {
+        if (ordinary()) {
+            if constexpr (std::is_floating_point_v<T>)
+                return number<T>(static_cast<uint32_t>(range(0, INT32_MAX)));
+            else
+                return static_cast<T>(range(-12, 12));
+        }
         if constexpr (std::is_floating_point_v<T>) {
             const T special[] = {T(0),
                                  T(-0.0),
@@ -66,16 +100,47 @@ public:
     // An array of n elements at a byte offset, ending exactly at its allocation's end. Kept until the call is over.
     template<class T> T* array(int64_t n)
     {
-        const size_t offset = static_cast<size_t>(oneIn(2) ? range(0, 63) : 0);
-        const size_t bytes = static_cast<size_t>(n) * sizeof(T);
-        blocks_.push_back(std::unique_ptr<char[]>(new char[offset + bytes]));
-        char* p = blocks_.back().get() + offset;
+        return reinterpret_cast<T*>(bytes<T>(n * static_cast<int64_t>(sizeof(T))));
+    }
+
+    // The same by its size, which need not be a multiple of T's.
+    template<class T> char* bytes(int64_t size)
+    {
+        char* const p = block(static_cast<size_t>(size));
+        using Part = typename PartOf<T>::type;
+        if constexpr (std::is_floating_point_v<Part>) {
+            if (kind_ != Data::anything) {
+                uint32_t seed = static_cast<uint32_t>(range(0, INT32_MAX));
+                for (int64_t i = 0; i + static_cast<int64_t>(sizeof(Part)) <= size; i += sizeof(Part)) {
+                    seed = seed * 1664525 + 1013904223;
+                    const Part x =
+                        kind_ == Data::hostile && seed >> 29 == 0 ? special<Part>(seed >> 25) : number<Part>(seed >> 4);
+                    memcpy(p + i, &x, sizeof x);
+                }
+                return p;
+            }
+        }
         const size_t pattern = static_cast<size_t>(range(0, 64));
         const std::vector<uint8_t> seed = provider_.ConsumeBytes<uint8_t>(pattern);
-        for (size_t i = 0; i < bytes; i++)
+        for (size_t i = 0; i < static_cast<size_t>(size); i++)
             p[i] = static_cast<char>(seed.empty() ? i * 131 : seed[i % seed.size()] + i / 97);
+        return p;
+    }
+
+    // What a call only writes, and work buffers: full of signalling NaN, unless anything goes.
+    template<class T> T* output(int64_t n)
+    {
+        if (kind_ == Data::anything)
+            return array<T>(n);
+        const size_t size = static_cast<size_t>(n) * sizeof(T);
+        char* const p = block(size);
+        for (size_t i = 0; i < size; i++)
+            p[i] = static_cast<char>(kSignalling >> i % 8 * 8);
         return reinterpret_cast<T*>(p);
     }
+
+    // Whether a function's name says that its last array is read and written.
+    bool inPlace = true;
 
 private:
     template<class T> T raw()
@@ -87,7 +152,38 @@ private:
         return x;
     }
 
+    char* block(size_t size)
+    {
+        const size_t offset = static_cast<size_t>(oneIn(2) ? range(0, 63) : 0);
+        if (place_)
+            return place_(size, offset);
+        blocks_.push_back(std::unique_ptr<char[]>(new char[offset + size]));
+        return blocks_.back().get() + offset;
+    }
+
+    // Sums of a few bits, so no rounding mode touches them.
+    template<class T> static T number(uint32_t bits)
+    {
+        const T magnitude = static_cast<T>((bits & 1023) + 1) * T(1.0 / 1024);
+        return bits & 1024 ? -magnitude : magnitude;
+    }
+    template<class T> static T special(uint32_t which)
+    {
+        using Limits = std::numeric_limits<T>;
+        const T specials[] = {T(0),
+                              T(-0.0),
+                              Limits::denorm_min(),
+                              -Limits::denorm_min(),
+                              Limits::min() * T(0.75),
+                              Limits::infinity(),
+                              -Limits::infinity(),
+                              Limits::quiet_NaN()};
+        return specials[which & 7];
+    }
+
     FuzzedDataProvider provider_;
+    Data kind_;
+    Place place_;
     std::vector<std::unique_ptr<char[]>> blocks_;
 };
 
@@ -132,7 +228,7 @@ template<class R, class... A, size_t... I> void callUsual(R (*f)(A...), Input& i
             }
             if (sameTypes && share && shared)
                 return T(static_cast<E*>(shared));
-            E* p = in.array<E>(len);
+            E* p = std::is_const_v<std::remove_pointer_t<T>> || in.inPlace ? in.array<E>(len) : in.output<E>(len);
             shared = p;
             return T(p);
         } else {
@@ -149,4 +245,4 @@ template<class R, class... A> void callUsual(R (*f)(A...), Input& in)
     callUsual(f, in, std::index_sequence_for<A...>{});
 }
 
-} // namespace fuzz
+} // namespace calls

@@ -1,9 +1,9 @@
 // How a function is called: a specialisation of Shape for its name, or the usual call of arguments.h.
 #pragma once
 
-#include "fuzz/arguments.h"
+#include "calls/arguments.h"
 
-namespace fuzz {
+namespace calls {
 
 // One type per export, to specialise on.
 #define QVR_SHARED(name) struct name;
@@ -15,4 +15,4 @@ template<class Name> struct Shape {
     template<class F> static void call(F f, Input& in) { callUsual(f, in); }
 };
 
-} // namespace fuzz
+} // namespace calls

@@ -1,15 +1,15 @@
 // Calls of functions whose arguments are not arrays of one length, by family.
 #pragma once
 
-#include "fuzz/shape.h"
-#include "fuzz/shapes_convolution.h"
-#include "fuzz/shapes_filters.h"
-#include "fuzz/shapes_fir.h"
-#include "fuzz/shapes_fourier.h"
-#include "fuzz/shapes_image.h"
-#include "fuzz/shapes_vector.h"
+#include "calls/shape.h"
+#include "calls/shapes_convolution.h"
+#include "calls/shapes_filters.h"
+#include "calls/shapes_fir.h"
+#include "calls/shapes_fourier.h"
+#include "calls/shapes_image.h"
+#include "calls/shapes_vector.h"
 
-namespace fuzz {
+namespace calls {
 
 // Allocated in one slot, written to its end and released in another.
 template<class Allocate, class Release> void allocateAndRelease(Allocate allocate, Release release, Input& in)
@@ -49,4 +49,4 @@ template<> struct Shape<qvrsSplitScaled_16s32f_D2L> {
     }
 };
 
-} // namespace fuzz
+} // namespace calls

@@ -1,9 +1,9 @@
 // Calls of convolution, correlation, Hilbert transform, wavelets and fixed-point transform.
 #pragma once
 
-#include "fuzz/shape.h"
+#include "calls/shape.h"
 
-namespace fuzz {
+namespace calls {
 
 // A length that reaches both plain sums and spectra.
 inline int sumLength(Input& in)
@@ -30,7 +30,7 @@ template<> struct Shape<qvrsConv_32f> {
         const int n1 = sumLength(in), n2 = sumLength(in);
         const Spoil spoil(in, 5);
         const float *a = in.array<float>(n1), *b = in.oneIn(8) && n1 == n2 ? a : in.array<float>(n2);
-        float* y = in.array<float>(int64_t{n1} + n2 - 1);
+        float* y = in.output<float>(int64_t{n1} + n2 - 1);
         spoil.check(
             f(spoil.pointer(0, a), spoil.length(1, n1), spoil.pointer(2, b), spoil.length(3, n2), spoil.pointer(4, y)));
     }
@@ -55,7 +55,7 @@ template<> struct Shape<qvrsConvBiased_32f> {
         const float* biased =
             reinterpret_cast<const float*>(reinterpret_cast<uintptr_t>(b) + static_cast<uintptr_t>(int64_t{bias} * 4));
         spoil.check(
-            f(spoil.pointer(0, a), n1, spoil.pointer(1, biased), n2, spoil.pointer(2, in.array<float>(n)), n, bias));
+            f(spoil.pointer(0, a), n1, spoil.pointer(1, biased), n2, spoil.pointer(2, in.output<float>(n)), n, bias));
     }
 };
 
@@ -63,7 +63,7 @@ template<> struct Shape<qvrsConvCyclic8x8_32f> {
     template<class F> static void call(F f, Input& in)
     {
         const float *x = in.array<float>(8), *h = in.array<float>(8);
-        if (f(x, h, in.array<float>(8)) != qvrOk)
+        if (f(x, h, in.output<float>(8)) != qvrOk)
             __builtin_trap();
     }
 };
@@ -76,7 +76,7 @@ template<> struct Shape<qvrsCrossCorr_32f> {
         const Spoil spoil(in, 6);
         const float *a = in.array<float>(n1), *b = in.array<float>(n2);
         spoil.check(f(spoil.pointer(0, a), spoil.length(1, n1), spoil.pointer(2, b), spoil.length(3, n2),
-                      spoil.pointer(4, in.array<float>(n)), spoil.length(5, n), low));
+                      spoil.pointer(4, in.output<float>(n)), spoil.length(5, n), low));
     }
 };
 
@@ -87,7 +87,7 @@ template<> struct Shape<qvrsAutoCorr_32f> {
         const Spoil spoil(in, 4);
         const float* a = in.array<float>(n1);
         spoil.check(
-            f(spoil.pointer(0, a), spoil.length(1, n1), spoil.pointer(2, in.array<float>(n)), spoil.length(3, n)));
+            f(spoil.pointer(0, a), spoil.length(1, n1), spoil.pointer(2, in.output<float>(n)), spoil.length(3, n)));
     }
 };
 
@@ -102,7 +102,7 @@ template<class Init, class Run, class Free> void hilbert(Init init, Run run, Fre
     if (status != qvrOk)
         return;
     const float* x = in.array<float>(len);
-    if (run(x, in.array<qvr32fc>(len), state) != qvrOk || release(state) != qvrOk)
+    if (run(x, in.output<qvr32fc>(len), state) != qvrOk || release(state) != qvrOk)
         __builtin_trap();
 }
 template<> struct Shape<qvrsHilbertInitAlloc_32f32fc> {
@@ -216,4 +216,4 @@ template<> struct Shape<qvrsFFTFree_R_16s> {
     template<class F> static void call(F, Input& in) { fixedTransform(in); }
 };
 
-} // namespace fuzz
+} // namespace calls

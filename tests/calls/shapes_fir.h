@@ -1,9 +1,9 @@
 // Calls of the FIR functions.
 #pragma once
 
-#include "fuzz/shape.h"
+#include "calls/shape.h"
 
-namespace fuzz {
+namespace calls {
 
 // An honest state, its accessors, a few runs, and its release; or a call with one wrong argument.
 template<class State, class Tap, class Data, class Create, class Run, class Release, class Access>
@@ -24,7 +24,7 @@ void filterStream(Create create, Run run, Release release, Access access, Input&
     for (int turn = 0; turn < 3; turn++) {
         const int n = in.oneIn(4) ? in.range(1, 5000) : in.oneIn(2) ? in.range(taps, taps + 12) : in.range(1, 600);
         Data* src = in.array<Data>(n);
-        Data* dst = in.oneIn(3) ? src : in.array<Data>(n);
+        Data* dst = in.oneIn(3) ? src : in.output<Data>(n);
         if (run(src, dst, n, state) != qvrOk)
             __builtin_trap();
         access(state, taps);
@@ -156,7 +156,7 @@ template<class Tap, class Data, class Run> void changeRateOnce(Run run, Input& i
         return;
     }
     Data* src = in.array<Data>(inPlace && outputs > inputs ? outputs : inputs);
-    Data* dst = inPlace ? src : in.array<Data>(outputs);
+    Data* dst = inPlace ? src : in.output<Data>(outputs);
     const Tap* t = in.array<Tap>(taps);
     if (run(src, dst, n, t, taps, up, upPhase, down, downPhase, in.array<Data>((taps + up - 1) / up)) != qvrOk)
         __builtin_trap();
@@ -203,4 +203,4 @@ template<> struct Shape<qvrsFIRGenBandstop_64f> {
     template<class F> static void call(F f, Input& in) { designTaps(f, in, edge(in), edge(in)); }
 };
 
-} // namespace fuzz
+} // namespace calls

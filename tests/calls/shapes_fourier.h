@@ -1,9 +1,9 @@
 // Calls of the transforms.
 #pragma once
 
-#include "fuzz/shape.h"
+#include "calls/shape.h"
 
-namespace fuzz {
+namespace calls {
 
 // An honest object, a transform each way, and its release; a bad order or flag must come back as its status.
 template<class Spec, class T, class Create, class Release, class Run>
@@ -48,4 +48,4 @@ QVR_ROUND_TRIP(qvrsFFTFwd_RToCCS_, 64f, qvr64f)
 QVR_ROUND_TRIP(qvrsFFTInv_CCSToR_, 64f, qvr64f)
 #undef QVR_ROUND_TRIP
 
-} // namespace fuzz
+} // namespace calls

@@ -1,9 +1,9 @@
 // Calls of the image functions.
 #pragma once
 
-#include "fuzz/shape.h"
+#include "calls/shape.h"
 
-namespace fuzz {
+namespace calls {
 
 inline void demand(bool holds)
 {
@@ -60,7 +60,7 @@ template<class T> T* imageRows(Input& in, int64_t width, int64_t height, int gap
 {
     const int64_t row = width * static_cast<int64_t>(sizeof(T));
     step = static_cast<int>(row) + gap;
-    char* p = in.array<char>(int64_t{step} * (height - 1) + row);
+    char* p = in.bytes<T>(int64_t{step} * (height - 1) + row);
     if (in.oneIn(4)) {
         p += (height - 1) * step;
         step = -step;
@@ -77,7 +77,7 @@ template<class T, class F, class Query> void callResize(F f, Query query, Input&
     T* src = imageRows<T>(in, int64_t{c.size.width} * channels, c.size.height, in.range(0, 9), srcStep);
     T* dst = imageRows<T>(in, int64_t{c.to.x + c.to.width + 2} * channels, c.to.y + c.to.height + 2, in.range(0, 9),
                           dstStep);
-    qvr8u* buffer = in.array<qvr8u>(sized < 0 ? 16 : bytes);
+    qvr8u* buffer = in.output<qvr8u>(sized < 0 ? 16 : bytes);
     const qvrStatus status = f(src, c.size, srcStep, c.from, dst, dstStep, c.to, c.xFactor, c.yFactor, c.xShift,
                                c.yShift, c.interpolation, buffer);
     if (sized < 0)
@@ -260,4 +260,4 @@ template<> struct Shape<qvriJoinRow_TIFF_8u16u_C1> {
     }
 };
 
-} // namespace fuzz
+} // namespace calls

@@ -1,9 +1,9 @@
 // Calls of the vector functions whose arrays are not all of the first int behind the last pointer.
 #pragma once
 
-#include "fuzz/shape.h"
+#include "calls/shape.h"
 
-namespace fuzz {
+namespace calls {
 
 // Status and null pointers in one place: whatever is broken, the call must notice.
 inline void expect(bool right)
@@ -213,4 +213,4 @@ template<> struct Shape<qvrsCopyColumn_Indirect_16s_D2L> {
     }
 };
 
-} // namespace fuzz
+} // namespace calls

@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <random>
 
-#include "fuzz/shapes.h"
+#include "calls/shapes.h"
 #include "support/slot_list.h"
 
 namespace {
 
-using Call = void (*)(fuzz::Input&);
+using Call = void (*)(calls::Input&);
 
 struct Export {
     const char* name;
@@ -18,7 +18,7 @@ struct Export {
 };
 
 const Export kExports[] = {
-#define QVR_SHARED(name) {#name, [](fuzz::Input& in) { fuzz::Shape<fuzz::name>::call(&Morven_##name, in); }},
+#define QVR_SHARED(name) {#name, [](calls::Input& in) { calls::Shape<calls::name>::call(&Morven_##name, in); }},
 #define QVR_OWN(name) QVR_SHARED(name)
 #define QVR_PLAIN(name) QVR_SHARED(name)
 #include "frame/exports.def"
@@ -42,7 +42,7 @@ constexpr size_t kCalls = 10; // of a unit
 
 void callOne(const uint8_t* data, size_t size)
 {
-    fuzz::Input in(data, size);
+    calls::Input in(data, size);
     const auto& exports = chosenExports();
     const int which = in.range(0, static_cast<int>(exports.size()) - 1);
     int slot = in.range(0, 6);
