@@ -28,7 +28,7 @@ qvrStatus multiplyOnce(const Sources& s, float* dst)
 {
     const Index results = s.results();
     Transform t;
-    if (const qvrStatus status = makeTransform(orderFor(results, 2), t))
+    if (const qvrStatus status = makeTransform(orderFor(results, 2), 2, t))
         return status;
     const Index F = t.points;
     float* memory = allocateFloats(2 * F + t.workFloats);
@@ -58,8 +58,6 @@ struct Blocks {
     const Transform& t;
     Index step;
 
-    Index count() const { return (s.results() + step - 1) / step; }
-
     // Block b through one thread's buffer and work memory.
     qvrStatus run(Index b, float* x, uint8_t* work) const
     {
@@ -80,12 +78,16 @@ struct Blocks {
 qvrStatus multiplyBlocks(const Sources& s, float* dst)
 {
     Transform t;
-    if (const qvrStatus status = makeTransform(orderFor(2 * s.S, 1) + 1, t))
+    if (const qvrStatus status = makeTransform(orderFor(2 * s.S, 1) + 1, 2, t))
         return status;
-    const Index F = t.points;
-    const int threads = s.L > kSerialLonger ? qvrNumThreadsValue() : 1;
-    // The spectrum, then for each thread a block, its work memory, and at the end a status word.
-    float* memory = allocateFloats(F + (t.workFloats + F + 1) * threads);
+    const Index F = t.points, step = F - s.S + 1;
+    // The spectrum, then for each thread a block, its work memory, and at the end a status word: no more threads than
+    // have a block to do, nor than memory holds.
+    const Index perThread = t.workFloats + F + 1, fitting = (INT32_MAX / 4 - F) / perThread;
+    const Index blockCount = (s.results() + step - 1) / step;
+    const Index budget = s.L > kSerialLonger ? qvrNumThreadsValue() : 1;
+    const int threads = static_cast<int>(greatest(1, least(budget, least(blockCount, fitting))));
+    float* memory = allocateFloats(F + perThread * threads);
     if (memory == nullptr)
         return endTransform(t, nullptr, qvrErrNoMemory);
     float *const buffers = memory + F, *const works = buffers + F * threads;
@@ -95,17 +97,16 @@ qvrStatus multiplyBlocks(const Sources& s, float* dst)
     };
     copyPadded(s.shorter, s.S, memory, F);
     qvrStatus status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(memory, memory, t.spec, workOf(0));
-    const Blocks blocks = {s, dst, memory, t, F - s.S + 1};
-    const Index count = blocks.count();
+    const Blocks blocks = {s, dst, memory, t, step};
     if (status == qvrOk && s.L <= kSerialLonger) {
-        for (Index b = 0; b < count && status == qvrOk; b++)
+        for (Index b = 0; b < blockCount && status == qvrOk; b++)
             status = blocks.run(b, buffers, workOf(0));
     } else if (status == qvrOk) {
         for (int i = 0; i < threads; i++)
             statuses[i] = qvrOk;
         parallelTeam(threads, [&](int thread, int team) {
             int32_t worst = qvrOk;
-            for (Index b = thread; b < count; b += team) {
+            for (Index b = thread; b < blockCount; b += team) {
                 const qvrStatus own = blocks.run(b, buffers + thread * F, workOf(thread));
                 worst = own < worst ? own : worst;
             }

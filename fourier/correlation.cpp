@@ -48,7 +48,7 @@ void multiplyConjugate(const float* x, float* y, Index F)
 qvrStatus correlateOnce(const float* a, Index lenA, const float* b, Index lenB, Index first, float* dst, Index count)
 {
     Transform t;
-    if (const qvrStatus status = makeTransform(orderFor(lenA + lenB - 1, 1), t))
+    if (const qvrStatus status = makeTransform(orderFor(lenA + lenB - 1, 1), 2, t))
         return status;
     const Index F = t.points;
     float* memory = allocateFloats(2 * F + t.workFloats);
@@ -75,7 +75,7 @@ qvrStatus correlateOnce(const float* a, Index lenA, const float* b, Index lenB, 
 qvrStatus correlateBlocks(const float* a, Index lenA, const float* b, Index lenB, Index first, float* dst, Index count)
 {
     Transform t;
-    if (const qvrStatus status = makeTransform(orderFor(2 * lenA, 1) + 1, t))
+    if (const qvrStatus status = makeTransform(orderFor(2 * lenA, 1) + 1, 3, t))
         return status;
     const Index F = t.points, step = F - lenA + 1;
     float* memory = allocateFloats(3 * F + t.workFloats);
@@ -170,7 +170,7 @@ extern "C" qvrStatus SLOT(qvrsAutoCorr_32f)(const qvr32f* pSrc, int srcLen, qvr3
         plainSums(pSrc, srcLen, pSrc, srcLen, 0, pDst, count);
     } else {
         Transform t;
-        if (const qvrStatus status = makeTransform(orderFor(Index{2} * srcLen, 1), t))
+        if (const qvrStatus status = makeTransform(orderFor(Index{2} * srcLen, 1), 1, t))
             return status;
         const Index F = t.points;
         float* x = allocateFloats(F + t.workFloats);

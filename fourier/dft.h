@@ -67,6 +67,8 @@ extern "C" {
 using qvrsDFTSpec_R_32f = qvrsDFTSpec;
 using qvrsDFTSpec_C_32fc = qvrsDFTSpec;
 
+// What a length from 1 up that is no power of two fails by on every slot, before anything is made.
+QVR_HIDDEN qvrStatus SLOT(ownqvrsDFTJudge)(int len, bool real);
 // Like those of the real FFT. A flag's divisor is `len` or its root.
 QVR_HIDDEN qvrStatus SLOT(ownqvrsDFTInitAlloc_R_32f)(qvrsDFTSpec_R_32f** ppSpec, int len, int flag, int hint);
 QVR_HIDDEN qvrStatus SLOT(ownqvrsDFTInitAlloc_C_32fc)(qvrsDFTSpec_C_32fc** ppSpec, int len, int flag, int hint);

@@ -106,12 +106,23 @@ struct Counts {
     }
 };
 
-// The first stage gets the factors that fill vectors best, the others what saves passes.
-void planStages(qvrsDFTSpec& spec)
+Counts countsOf(const qvrsDFTSpec& spec)
 {
     Counts counts = {};
     for (int i = 0; i <= spec.lastFactorIndex; i++)
         counts.of[spec.factors[i].factor]++;
+    return counts;
+}
+
+// Results of a first stage that are kept.
+int columnsOf(const qvrsDFTSpec& spec, int first)
+{
+    return spec.odd ? (first + 1) / 2 : first;
+}
+
+// The first stage gets the factors that fill vectors of so many lanes best.
+int firstRadix(const qvrsDFTSpec& spec, const Counts& counts, int lanes)
+{
     int first = 0;
     double best = 0;
     for (int radix = 5; radix <= kFactorMost; radix++) {
@@ -120,7 +131,7 @@ void planStages(qvrsDFTSpec& spec)
             continue;
         if (spec.odd && radix % 2 == 0)
             continue;
-        const int columns = spec.odd ? (radix + 1) / 2 : radix, pitch = qvrAlignUp(columns, W);
+        const int columns = columnsOf(spec, radix), pitch = qvrAlignUp(columns, lanes);
         // A radix without a kernel costs about its own square.
         const double worth = static_cast<double>(columns) / pitch / (firstKernel(radix) ? 1 : 4);
         if (worth >= best) {
@@ -128,8 +139,22 @@ void planStages(qvrsDFTSpec& spec)
             first = radix;
         }
     }
+    return first;
+}
+
+// Bytes that a factored plan works in: four arrays of rows of whole vectors.
+int64_t factoredWork(const qvrsDFTSpec& spec, int first, int lanes)
+{
+    return spec.points / first * qvrAlignUp(columnsOf(spec, first), lanes) * int64_t{16} + 64;
+}
+
+// The other stages get what saves passes.
+void planStages(qvrsDFTSpec& spec)
+{
+    Counts counts = countsOf(spec);
+    const int first = firstRadix(spec, counts, W);
     counts.remove(first);
-    spec.columns = spec.odd ? (first + 1) / 2 : first;
+    spec.columns = columnsOf(spec, first);
     spec.pitch = qvrAlignUp(spec.columns, W);
     spec.stages[spec.stageCount++].radix = first;
     const auto stage = [&](int radix) {
@@ -197,12 +222,6 @@ bool makeStages(qvrsDFTSpec& spec, const float* roots)
         left = legs;
     }
     return true;
-}
-
-// Values in one of the four arrays that stages run between.
-int64_t planeSize(const qvrsDFTSpec& spec)
-{
-    return spec.points / spec.stages[0].radix * spec.pitch;
 }
 
 // ---- Forms ----------------------------------------------------------------------------------------------------------
@@ -275,14 +294,50 @@ bool makeRecombination(qvrsDFTSpec& spec)
     return true;
 }
 
+// The real object runs half of an even length.
+void setLength(qvrsDFTSpec& spec, int len, bool real)
+{
+    spec.len = len;
+    spec.odd = real && len % 2 != 0;
+    spec.points = real && len % 2 == 0 ? len / 2 : len;
+}
+
+bool isPower(int len)
+{
+    return (len & (len - 1)) == 0;
+}
+
+int directMost(const qvrsDFTSpec& spec)
+{
+    return spec.odd ? kDirectMostOddReal : kDirectMost;
+}
+
+// What a length that is no power of two fails by, found before anything is made. A factored one is refused on every
+// slot alike if its work memory would pass 31 bits on any, with four lanes or with eight.
+qvrStatus judge(int len, bool real)
+{
+    qvrsDFTSpec spec = {};
+    setLength(spec, len, real);
+    if (len > kLengthMost)
+        return qvrErrBadSize;
+    if (spec.points <= kStraightMost)
+        return qvrOk;
+    if (!factorise(spec))
+        return spec.points <= kChirpMost ? qvrOk : qvrErrBadSize;
+    const Counts counts = countsOf(spec);
+    const auto fits = [&](int lanes) {
+        return factoredWork(spec, firstRadix(spec, counts, lanes), lanes) <= INT32_MAX;
+    };
+    return fits(4) && fits(8) ? qvrOk : qvrErrNoMemory;
+}
+
 qvrStatus makePlan(qvrsDFTSpec& spec)
 {
     if (spec.points <= kStraightMost)
         return qvrOk;
-    const int directMost = spec.odd ? kDirectMostOddReal : kDirectMost;
-    const bool factored = factorise(spec), direct = !factored && spec.points <= directMost;
-    if (!factored && !direct)
-        return spec.points <= kChirpMost ? makeChirp(spec) : qvrErrBadSize;
+    const bool factored = factorise(spec);
+    if (!factored && spec.points > directMost(spec))
+        return makeChirp(spec);
     float* roots = makeRoots(spec.points);
     if (roots == nullptr)
         return qvrErrNoMemory;
@@ -292,7 +347,7 @@ qvrStatus makePlan(qvrsDFTSpec& spec)
         spec.isFactored = 1;
         planStages(spec);
         made = makeStages(spec, roots);
-        work = planeSize(spec) * 16 + 64;
+        work = factoredWork(spec, spec.stages[0].radix, W);
     } else {
         made = makeDirect(spec, roots);
         work = int64_t{8} * spec.points + 64;
@@ -372,17 +427,13 @@ qvrStatus initAlloc(qvrsDFTSpec** ppSpec, int len, int flag, int hint, bool real
         spec->normFactor = normalisation(len, flag);
         if (len <= kStraightMost) {
             // No tables.
-        } else if ((len & (len - 1)) == 0) {
+        } else if (isPower(len)) {
             status = makePower(*spec, real, flag);
-        } else if (len > kLengthMost) {
-            status = qvrErrBadSize;
         } else {
-            spec->odd = real && len % 2 != 0;
-            if (real && len % 2 == 0) {
-                spec->points = len / 2;
-                if (!makeRecombination(*spec))
-                    status = qvrErrNoMemory;
-            }
+            setLength(*spec, len, real);
+            status = judge(len, real);
+            if (status == qvrOk && real && len % 2 == 0 && !makeRecombination(*spec))
+                status = qvrErrNoMemory;
             if (status == qvrOk)
                 status = makePlan(*spec);
         }
@@ -418,6 +469,10 @@ qvrStatus bufferSize(const qvrsDFTSpec* spec, int32_t* pSize, int tag)
 
 extern "C" {
 
+qvrStatus SLOT(ownqvrsDFTJudge)(int len, bool real)
+{
+    return len <= kStraightMost || isPower(len) ? qvrOk : judge(len, real);
+}
 qvrStatus SLOT(ownqvrsDFTInitAlloc_R_32f)(qvrsDFTSpec_R_32f** ppSpec, int len, int flag, int hint)
 {
     return initAlloc(ppSpec, len, flag, hint, true);

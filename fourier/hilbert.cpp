@@ -21,6 +21,10 @@ extern "C" qvrStatus SLOT(qvrsHilbertInitAlloc_32f32fc)(qvrsHilbertState_32f32fc
         return qvrErrNullPointer;
     if (len < 1)
         return qvrErrBadSize;
+    if (const qvrStatus status = SLOT(ownqvrsDFTJudge)(len, false))
+        return status;
+    if (const qvrStatus status = SLOT(ownqvrsDFTJudge)(len, true))
+        return status;
     qvrsHilbertState_32f32fc* state = reinterpret_cast<qvrsHilbertState_32f32fc*>(
         allocate<uint8_t>(static_cast<int>(sizeof(qvrsHilbertState_32f32fc))));
     *state = {qvrTagHilbert, len, 0, hint, nullptr, nullptr};

@@ -22,9 +22,12 @@ inline int orderFor(int64_t n, int from)
     return order;
 }
 
-// An object whose inverse transform divides by the length.
-inline qvrStatus makeTransform(int order, Transform& t)
+// An object whose inverse transform divides by the length, for a call that keeps `arrays` arrays of that length.
+// Refused before anything is built where these would pass 31 bits of bytes, which is the same length on every slot.
+inline qvrStatus makeTransform(int order, int arrays, Transform& t)
 {
+    if (int64_t{4} * arrays << order > INT32_MAX)
+        return qvrErrNoMemory;
     t = {nullptr, int64_t{1} << order, 0};
     if (const qvrStatus status = SLOT(qvrsFFTInitAlloc_R_32f)(&t.spec, order, qvrFftDivInvByN, qvrHintNone))
         return status;

@@ -1,3 +1,4 @@
+#include "fourier/address_space.h"
 #include "fourier/sum_statuses.h"
 #include "fourier/sums.h"
 #include "support/allocation.h"
@@ -213,6 +214,47 @@ TEST(Conv, FailingMemory)
             EXPECT_GE(allocations, 2);
             EXPECT_NE(y, untouched);
         }
+    });
+}
+
+// Arrays that would pass 2^31 - 1 bytes are refused on every slot alike, before anything is built.
+TEST(Conv, RefusesWhatCannotFit)
+{
+    const AddressSpace space(INT32_MAX);
+    float* p = space.floats();
+    slots::each(qvrTable_qvrsConv_32f, [&](auto f, int) {
+        CountingAllocator allocator;
+        const int quarter = 1 << 26;
+        EXPECT_EQ(f(p, quarter + 1, p, quarter + 1, p), qvrErrNoMemory);
+        EXPECT_EQ(f(p, quarter, p, INT32_MAX / 8, p), qvrErrNoMemory);
+        EXPECT_EQ(f(p, INT32_MAX, p, INT32_MAX, p), qvrErrNoMemory);
+        EXPECT_EQ(f(p, INT32_MAX, p, (1 << 25) + 1, p), qvrErrNoMemory);
+        EXPECT_EQ(allocator.allocations(), 0);
+    });
+}
+
+// A buffer for each thread of the budget, but for no more than there are blocks, and than 2^31 - 1 bytes hold.
+TEST(Conv, MemoryFitsTheBudget)
+{
+    const AddressSpace space(700000000);
+    float* p = space.floats();
+    const int shorter = 1 << 21;
+    const double block = 4.0 * (1 << 23); // bytes
+    Budget set(64);
+    slots::each(qvrTable_qvrsConv_32f, [&](auto f, int) {
+        // The third allocation is that of the buffers, after the object and what makes it.
+        {
+            CountingAllocator allocator(2);
+            EXPECT_EQ(f(p, 700000000, p, shorter, p), qvrErrNoMemory);
+            EXPECT_EQ(allocator.allocations(), 3);
+            EXPECT_GT(static_cast<double>(allocator.lastSize()), 61 * block);
+            EXPECT_LT(allocator.lastSize(), size_t{1} << 31);
+            EXPECT_EQ(allocator.live(), 0u);
+        }
+        CountingAllocator allocator(2);
+        EXPECT_EQ(f(p, 3 * shorter, p, shorter, p), qvrErrNoMemory);
+        EXPECT_EQ(allocator.allocations(), 3);
+        EXPECT_LT(static_cast<double>(allocator.lastSize()), 3.5 * block);
     });
 }
 

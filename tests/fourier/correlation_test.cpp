@@ -1,3 +1,4 @@
+#include "fourier/address_space.h"
 #include "fourier/sum_statuses.h"
 #include "fourier/sums.h"
 #include "support/allocation.h"
@@ -177,6 +178,21 @@ TEST(CrossCorr, FailingMemory)
     });
 }
 
+// Arrays that would pass 2^31 - 1 bytes are refused on every slot alike, before anything is built.
+TEST(CrossCorr, RefusesWhatCannotFit)
+{
+    const AddressSpace space(INT32_MAX);
+    float* p = space.floats();
+    slots::each(qvrTable_qvrsCrossCorr_32f, [&](auto f, int) {
+        CountingAllocator allocator;
+        const int quarter = 1 << 26;
+        EXPECT_EQ(f(p, quarter + 1, p, quarter + 1, p, 1000, 0), qvrErrNoMemory);
+        EXPECT_EQ(f(p, INT32_MAX, p, INT32_MAX, p, INT32_MAX, INT32_MIN), qvrErrNoMemory);
+        EXPECT_EQ(f(p, (1 << 25) + 1, p, INT32_MAX, p, INT32_MAX, -(1 << 25)), qvrErrNoMemory);
+        EXPECT_EQ(allocator.allocations(), 0);
+    });
+}
+
 TEST(CrossCorr, Statuses)
 {
     checkSumStatuses(qvrTable_qvrsCrossCorr_32f);
@@ -234,6 +250,18 @@ TEST(AutoCorr, Memory)
         // Plain sums need none.
         CountingAllocator allocator;
         EXPECT_EQ(f(a.data(), 2000, y.data(), 500), qvrOk);
+        EXPECT_EQ(allocator.allocations(), 0);
+    });
+}
+
+TEST(AutoCorr, RefusesWhatCannotFit)
+{
+    const AddressSpace space(INT32_MAX);
+    float* p = space.floats();
+    slots::each(qvrTable_qvrsAutoCorr_32f, [&](auto f, int) {
+        CountingAllocator allocator;
+        for (int n : {(1 << 27) + 1, 1 << 28, INT32_MAX})
+            EXPECT_EQ(f(p, n, p, 2000), qvrErrNoMemory) << n;
         EXPECT_EQ(allocator.allocations(), 0);
     });
 }

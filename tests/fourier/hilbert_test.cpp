@@ -368,6 +368,22 @@ TEST(Hilbert, OneAndTwoSamplesAreCopied)
     });
 }
 
+// Refused on every slot alike, before anything is built: factored lengths whose work memory would pass 2^31 - 1 bytes
+// on some slot, and lengths from 2^26 up that do not factor.
+TEST(Hilbert, LengthsThatCannotFit)
+{
+    slots::each(qvrTable_qvrsHilbertInitAlloc_32f32fc, [&](auto init, int) {
+        CountingAllocator allocator;
+        qvrsHilbertState_32f32fc* state = nullptr;
+        EXPECT_EQ(init(&state, 121060821, 0), qvrErrNoMemory); // 3 * 7^9
+        EXPECT_EQ(init(&state, 97656250, 0), qvrErrNoMemory);  // 2 * 5^11
+        EXPECT_EQ(init(&state, 129140163, 0), qvrErrNoMemory); // 3^17
+        for (int n : {0x3ffffff + 8, 100000007, 0x7ffffff + 2})
+            EXPECT_EQ(init(&state, n, 0), qvrErrBadSize) << n;
+        EXPECT_EQ(allocator.allocations(), 0);
+    });
+}
+
 TEST(Hilbert, Statuses)
 {
     slots::each(qvrTable_qvrsHilbert_32f32fc, [&](auto f, int slot) {
