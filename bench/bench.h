@@ -15,12 +15,16 @@
 #include <vector>
 
 #include "frame/processor.h"
+#include "frame/slots.h"
 #include "morvenqvr.h"
 
 namespace bench {
 
 // The slots in table order.
-constexpr const char* kSlots[] = {"mx", "m7", "u8", "n8", "y8", "e9", "l9"};
+constexpr const char* kSlots[] = {
+#define QVR_SLOT(prefix, ...) #prefix,
+#include "frame/slots.def"
+};
 
 inline double now()
 {

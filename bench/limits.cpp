@@ -6,7 +6,7 @@
 #include <algorithm>
 
 extern "C" {
-extern QVR_HIDDEN decltype(&Morven_qvrsAdd_32f) const qvrTable_qvrsAdd_32f[7];
+extern QVR_HIDDEN decltype(&Morven_qvrsAdd_32f) const qvrTable_qvrsAdd_32f[qvrSlotCount];
 }
 
 namespace bench {

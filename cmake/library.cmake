@@ -1,5 +1,5 @@
 # The shared object, the archive of the same objects that tests link to reach hidden symbols, and installation.
-find_library(QVR_OMP_LIBRARY NAMES omp libomp.so.5 PATHS /usr/lib/llvm-19/lib REQUIRED)
+find_library(QVR_OMP_LIBRARY NAMES omp libomp.so.5 REQUIRED)
 
 set(QVR_OBJECTS $<TARGET_OBJECTS:slot_plain>)
 foreach(slot IN LISTS QVR_SLOTS)
@@ -25,8 +25,7 @@ target_link_libraries(morvenqvr PRIVATE ${QVR_OMP_LIBRARY} m)
 
 add_library(morvenqvr_static STATIC EXCLUDE_FROM_ALL ${QVR_OBJECTS})
 set_target_properties(morvenqvr_static PROPERTIES LINKER_LANGUAGE CXX)
-target_include_directories(morvenqvr_static PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
-target_link_libraries(morvenqvr_static PUBLIC ${QVR_OMP_LIBRARY} m)
+target_link_libraries(morvenqvr_static PUBLIC declarations ${QVR_OMP_LIBRARY} m)
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)

@@ -3,6 +3,7 @@
 // k = round(x * 128 / ln 2), r = x - k ln 2 / 128, e^x = 2^(k >> 7) 2^(j / 128) e^r, j = k mod 128, with 2^(j / 128)
 // from a table as hi + lo: (r^2 / 2 + (r + lo)) hi + hi.
 #include "elementary/exponential.h"
+#include "elementary/functions.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 // n = round(|x| / ln 2), r = |x| - n ln 2, and with P = 2^(n-1) + 2^(-n-1), M = 2^(n-1) - 2^(-n-1)
 //   sinh |x| = M cosh r + P sinh r,  cosh x = P cosh r + M sinh r,  tanh |x| = sinh |x| / cosh |x|.
 // For n = 0 the first is sinh r alone, which keeps the relative precision of small x.
+#include "elementary/functions.h"
 #include "elementary/kernel.h"
 
 namespace {

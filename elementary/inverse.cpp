@@ -5,6 +5,7 @@
 // atan x = atan b + t P(t^2). The breakpoints tan(k pi/7), k = 0 .. 3, make |t| at most tan(pi/14) = 0.2282; the
 // intervals meet at tan(pi/14), tan(3 pi/14), tan(5 pi/14). Of two arguments: x is |y| / |x| in all of this.
 #include "elementary/arctangent.h"
+#include "elementary/functions.h"
 #include "elementary/kernel.h"
 
 namespace {

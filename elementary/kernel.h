@@ -46,7 +46,7 @@ constexpr uint32_t kSmallestNormal = 0x00800000;
 template<class V> constexpr bool kIsDouble = sizeof(Elem<V>) == 8;
 
 // Floats in a block: enough independent vectors to hide latencies, few enough to stay in registers.
-template<Accuracy A> constexpr int kBlockOf = A == Accuracy::ha ? (kSlot == slotMx ? 4 : 8) : kAvx ? 16 : 8;
+template<Accuracy A> constexpr int kBlockOf = A == Accuracy::ha ? (kSlot == qvrSlot_mx ? 4 : 8) : kAvx ? 16 : 8;
 
 // Floats whose arithmetic fills a register.
 template<Accuracy A> constexpr int kRegisterOf = kVecBytes / (A == Accuracy::ha ? 8 : 4);
@@ -320,9 +320,10 @@ template<template<bool> class K> qvrStatus kernelC(const float* src, float value
 // Sine<Accuracy, bool>. Hidden, so that tests reach every class.
 #define QVR_KERNELS(name, Type, maker, Formula)                                                                        \
     namespace {                                                                                                        \
-    template<bool kNearest> using Formula##La = Formula<kSlot == slotMx ? Accuracy::ha : Accuracy::la, kNearest>;      \
+    template<bool kNearest> using Formula##La = Formula<kSlot == qvrSlot_mx ? Accuracy::ha : Accuracy::la, kNearest>;  \
     template<bool kNearest> using Formula##Ha = Formula<Accuracy::ha, kNearest>;                                       \
-    template<bool kNearest> using Formula##A11 = Formula<kSlot == slotMx ? Accuracy::ha : Accuracy::a11, kNearest>;    \
+    template<bool kNearest>                                                                                            \
+    using Formula##A11 = Formula<kSlot == qvrSlot_mx ? Accuracy::ha : Accuracy::a11, kNearest>;                        \
     }                                                                                                                  \
     extern "C" QVR_HIDDEN Type* const SLOT(name)[3];                                                                   \
     extern "C" Type* const SLOT(name)[3] = {maker<Formula##La>, maker<Formula##Ha>, maker<Formula##A11>};

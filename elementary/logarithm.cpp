@@ -4,6 +4,7 @@
 // ln x = e ln 2 + ln c + ln(1 + r). Decimal: the row holds a, log10(e) / c to a multiple of 1/256, w = a m - 111/256
 // exactly, and log10 x = e log10 2 + log10((111/256) / a) + w + w q(w).
 #include "elementary/exponential.h"
+#include "elementary/functions.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
 // Magnitudes of complex numbers.
+#include "elementary/functions.h"
 #include "frame/region.h"
 #include "frame/simd.h"
 #include "frame/status.h"
@@ -7,8 +8,8 @@ namespace {
 
 using Index = int64_t;
 
-constexpr bool kHasRegion = kSlot >= slotU8;
-constexpr bool kHasRegion64 = kSlot >= slotU8 && kSlot <= slotY8;
+constexpr bool kHasRegion = kSlot >= qvrSlot_u8;
+constexpr bool kHasRegion64 = kSlot >= qvrSlot_u8 && kSlot <= qvrSlot_y8;
 constexpr int kRegionFrom = 2048, kRegionFrom64 = 256;
 
 // ---- Float ----------------------------------------------------------------------------------------------------------

@@ -4,6 +4,7 @@
 // [sqrt(1/2), sqrt 2) as a polynomial and 2^f on [0, 1) as another. The product may be as large as 128, so the
 // logarithm has 9 bits more than the class promises.
 #include "elementary/exponential.h"
+#include "elementary/functions.h"
 
 namespace {
 

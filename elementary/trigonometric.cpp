@@ -6,6 +6,7 @@
 //
 // pi is subtracted in parts whose products with N are exact, so r keeps its relative precision; class a11 of sine and
 // cosine takes two parts only, so near the zeros of the function its error is absolute, about 2^-12.7.
+#include "elementary/functions.h"
 #include "elementary/kernel.h"
 
 namespace {

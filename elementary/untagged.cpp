@@ -5,6 +5,7 @@
 // off, so it gets the bits of the body.
 #include "elementary/arctangent.h"
 #include "elementary/exponential.h"
+#include "elementary/functions.h"
 #include "scalarmath/scalar.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "filters/fir_state_record.h"
 #include "frame/simd.h"
 #include "frame/status.h"
+#include "vector/shared.h"
 
 namespace {
 
@@ -31,7 +32,7 @@ template<class Tap> constexpr Index firDirectLimit(Index taps)
 
 // Runs up to this length go through the delay buffer too, where the limit is less: copying a few samples costs less
 // than the short stretches of outputs on both sides of a cut. On mx, where a sum depends on its window's address, none.
-constexpr Index kFirShortRun = kSlot == slotMx ? 0 : 256;
+constexpr Index kFirShortRun = kSlot == qvrSlot_mx ? 0 : 256;
 
 // Zeros behind the newest sample in a delay buffer: a full vector of outputs may be computed for fewer wanted.
 constexpr int kFirSlack = kVecBytes / 4;

@@ -11,6 +11,7 @@
 //
 // The other half mirrors it, with the sign changed in the high-pass of even n.
 #include "filters/fir.h"
+#include "filters/functions.h"
 #include "fourier/sines.h"
 #include "frame/memory.h"
 

@@ -171,7 +171,7 @@ template<class T> inline void outputsByLanes(const T* x, T* y, Index n, const T*
 
 template<class T> QVR_INLINE void outputsOf(const T* x, T* y, Index n, const T* t, Index taps, bool slack)
 {
-    if constexpr (kSlot == slotMx)
+    if constexpr (kSlot == qvrSlot_mx)
         outputsByLanes(x, y, n, t, taps);
     else
         outputs(x, y, n, t, taps, slack);

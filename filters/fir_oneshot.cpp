@@ -13,7 +13,9 @@
 // lanes of one accumulator, 8 i + 4 to 8 i + 7 into another; both are added, then lanes 2 and 3 to 0 and 1, then 1 to
 // 0, then the remaining terms one by one.
 #include "filters/fir.h"
+#include "filters/functions.h"
 #include "frame/memory.h"
+#include "vector/shared.h"
 
 namespace {
 

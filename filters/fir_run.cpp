@@ -1,5 +1,6 @@
 // Runs of the FIR states whose data have the type of the taps.
 #include "filters/fir_run.h"
+#include "filters/functions.h"
 
 extern "C" {
 

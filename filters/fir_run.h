@@ -8,6 +8,7 @@
 #include "filters/fir.h"
 #include "frame/memory.h"
 #include "frame/region.h"
+#include "vector/shared.h"
 
 namespace {
 

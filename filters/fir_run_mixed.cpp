@@ -1,5 +1,6 @@
 // Runs of the FIR states with 64f taps on 32f and 16s data.
 #include "filters/fir_run.h"
+#include "filters/functions.h"
 
 extern "C" {
 

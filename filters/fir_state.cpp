@@ -8,6 +8,7 @@
 // the number of taps.
 #include "filters/fir.h"
 #include "filters/fir_layout.h"
+#include "filters/functions.h"
 
 #include "fourier/spec.h"
 
@@ -24,7 +25,7 @@ struct TapCopies {
 };
 template<class Tap> TapCopies tapCopies(Index taps)
 {
-    if constexpr (kSlot == slotMx || kSlot == slotM7)
+    if constexpr (kSlot == qvrSlot_mx || kSlot == qvrSlot_m7)
         return {taps, 1, 0, 0};
     else if constexpr (sizeof(Tap) == 8)
         return {(taps + 2) / 2 * 2, 2, 0, 4};

@@ -11,7 +11,7 @@ namespace {
 constexpr int kIirChunk = 1024;
 
 // From m7 up a run of more than 4 L samples takes the block path.
-constexpr bool kHasIirBlocks = kSlot >= slotM7;
+constexpr bool kHasIirBlocks = kSlot >= qvrSlot_m7;
 
 } // namespace
 

@@ -7,6 +7,7 @@
 // All n zeros lie at z = -1 (low-pass) or z = 1 (high-pass). The gain is set at the opposite point of the circle.
 #include <math.h>
 
+#include "filters/functions.h"
 #include "frame/slot.h"
 
 namespace {

@@ -12,6 +12,7 @@
 // are, then each of the four takes in the ones before it: y1 += c0 y0; y2 += c0 y1 + c1 y0; y3 the like. The rows of
 // lookAheadRows would need no such chain, but expanded coefficients are rounded once more, which moves the poles: with
 // poles near the circle it makes a stable filter unstable.
+#include "filters/functions.h"
 #include "filters/iir.h"
 
 #include "frame/simd.h"

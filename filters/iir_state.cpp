@@ -7,6 +7,7 @@
 //   R2[k] = g0 R1[k] + g1 R0[k] + R0[k + 2]
 //   R3[k] = g0 R2[k] + g1 R1[k] + g2 R0[k] + R0[k + 3]        with g = c[0], c[1], c[2]
 // The table belongs to the state's layout. Runs do not sum by it: see iir_run.cpp.
+#include "filters/functions.h"
 #include "filters/iir.h"
 
 #include "frame/memory.h"

@@ -8,6 +8,7 @@
 // and none is a NaN, that is a formula for each place alone, with no search: with a the sample there and b its
 // neighbour above (entering >= leaving) or below (entering < leaving)
 //   a < leaving ? a : min(b, max(a, entering))          a > leaving ? a : max(b, min(a, entering))
+#include "filters/functions.h"
 #include "frame/memory.h"
 #include "frame/simd.h"
 #include "frame/status.h"

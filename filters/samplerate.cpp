@@ -1,5 +1,7 @@
 // Sample-rate change by integer factors: zero stuffing and dropping of samples.
+#include "filters/functions.h"
 #include "vector/loops.h"
+#include "vector/shared.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 // groups of eight: term k to partial sum k mod 8. The partial sums are joined in their order, and the terms behind the
 // last whole group follow one by one. Eight results stand in the lanes.
 #include "fourier/direct.h"
+#include "fourier/functions.h"
 #include "frame/status.h"
 
 namespace {

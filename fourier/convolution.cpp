@@ -3,6 +3,7 @@
 // Blocks (overlap-save): a transform of F points takes P = F - S + 1 new values of the longer source behind the S - 1
 // last ones of the block before; the cyclic product's results from index S - 1 on are those of the linear one.
 #include "fourier/direct.h"
+#include "fourier/functions.h"
 #include "fourier/spec.h"
 #include "fourier/transforms.h"
 #include "frame/region.h"

@@ -5,6 +5,7 @@
 // that of A gives P = F - lenA + 1 results from m on. Where A is the second source the results run backwards: result m
 // of (A, B) is result lenA + lenB - 2 - m of (B, A).
 #include "fourier/direct.h"
+#include "fourier/functions.h"
 #include "fourier/spectra.h"
 #include "fourier/transforms.h"
 #include "frame/status.h"

@@ -1,5 +1,6 @@
 // Objects of the transforms of any length: factors, stages, tables.
 #include "fourier/dft.h"
+#include "fourier/functions.h"
 #include "fourier/quarter.h"
 #include "frame/memory.h"
 #include "frame/status.h"

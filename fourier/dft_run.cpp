@@ -1,5 +1,6 @@
 // Execution of the transforms of any length. An inverse transform is the forward one of conjugated values, conjugated.
 #include "fourier/dft.h"
+#include "fourier/functions.h"
 #include "fourier/recombine.h"
 #include "frame/memory.h"
 #include "frame/status.h"

@@ -11,11 +11,13 @@
 // Complex transform, decimation in frequency. A radix-4 stage of length L takes a, b, c, d from L/4 apart and leaves
 // the results of even index first, then those of odd index: a + b + c + d, (a - b + c - d) w^2k, then k + 1 and k + 3.
 // So each half of a block holds what a radix-2 stage would have left there, and plain bit reversal sorts the end.
+#include "fourier/functions.h"
 #include "fourier/lanes.h"
 #include "fourier/quarter.h"
 #include "fourier/spec.h"
 #include "frame/memory.h"
 #include "frame/status.h"
+#include "vector/shared.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
 // Real FFT in single precision.
+#include "fourier/functions.h"
 #include "fourier/real.h"
 #include "fourier/spectra.h"
 

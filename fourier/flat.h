@@ -20,7 +20,7 @@ constexpr int nextRadix(int m, int s)
     bool eight = false;
     if constexpr (kAvx)
         eight = e == 3 || (e >= 5 && s >= 3 && m < 12) || (s == 4 && (m & 1) != 0);
-    else if constexpr (kSlot == slotM7)
+    else if constexpr (kSlot == qvrSlot_m7)
         eight = e == 3 || (e >= 5 && s >= 3) || (s == 2 && (m == 7 || m == 10 || m == 11 || m == 13 || m == 14));
     else
         eight = e % 3 == 0;

@@ -1,5 +1,6 @@
 // Hilbert transform: half of the spectrum doubled, the other half removed.
 #include "fourier/dft.h"
+#include "fourier/functions.h"
 #include "frame/memory.h"
 #include "frame/status.h"
 

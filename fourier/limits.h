@@ -26,8 +26,8 @@ constexpr int kNever = 99;
 
 template<class T> constexpr FftLimits kFftLimits = {};
 template<>
-constexpr FftLimits kFftLimits<float> = PerSlot<FftLimits>{
-    {
+constexpr FftLimits kFftLimits<float> =
+    PerSlot<FftLimits>{
         {28, 5, 6, 11, kNever, 19}, // mx
         {29, 4, 6, 17, kNever, 19}, // m7
         {29, 4, 6, 18, 14, 19},     // u8
@@ -35,10 +35,11 @@ constexpr FftLimits kFftLimits<float> = PerSlot<FftLimits>{
         {29, 4, 6, 18, 14, 21},     // y8
         {29, 4, 7, 19, kNever, 19}, // e9
         {29, 4, 7, 19, kNever, 19}, // l9
-    }}.here();
+    }
+        .here();
 template<>
-constexpr FftLimits kFftLimits<double> = PerSlot<FftLimits>{
-    {
+constexpr FftLimits kFftLimits<double> =
+    PerSlot<FftLimits>{
         {27, 5, 6, 11, kNever, 18}, // mx
         {28, 5, 6, 15, kNever, 18}, // m7
         {28, 5, 6, 17, 13, 17},     // u8
@@ -46,11 +47,12 @@ constexpr FftLimits kFftLimits<double> = PerSlot<FftLimits>{
         {28, 5, 6, 17, 13, 19},     // y8
         {28, 4, 7, 18, kNever, 17}, // e9
         {28, 4, 7, 18, kNever, 17}, // l9
-    }}.here();
+    }
+        .here();
 
 // The slot of the first generation: bits reversed in the whole array first, radix-4 kernel, radix-2 sweeps.
-constexpr bool kFirstGeneration = kSlot == slotMx;
-constexpr bool kThreadedBand = kSlot == slotU8 || kSlot == slotY8;
+constexpr bool kFirstGeneration = kSlot == qvrSlot_mx;
+constexpr bool kThreadedBand = kSlot == qvrSlot_u8 || kSlot == qvrSlot_y8;
 
 // log2 of rows (split) and of points to a tile, for complex orders kShapeFirst and up; the last entry holds for all
 // larger orders. A split order of 0 means one row.
@@ -61,8 +63,8 @@ struct ShapeRow {
 
 template<class T> constexpr ShapeRow kSplitOrder = {};
 template<>
-constexpr ShapeRow kSplitOrder<float> = PerSlot<ShapeRow>{
-    {
+constexpr ShapeRow kSplitOrder<float> =
+    PerSlot<ShapeRow>{
         // 13 14 15 16 17 18  19  20  21  22 23 24 25
         {{5, 6, 7, 8, 8, 8, 10, 10, 10, 10, 8, 8, 10}}, // mx
         {{0, 0, 0, 0, 4, 4, 4, 4, 6, 8, 8, 8, 8}},      // m7
@@ -71,10 +73,11 @@ constexpr ShapeRow kSplitOrder<float> = PerSlot<ShapeRow>{
         {{0, 0, 0, 0, 0, 4, 4, 8, 8, 8, 8, 8, 8}},      // y8
         {{0, 0, 0, 0, 0, 0, 4, 4, 4, 4, 8, 8, 8}},      // e9
         {{0, 0, 0, 0, 0, 0, 4, 4, 4, 4, 8, 8, 8}},      // l9
-    }}.here();
+    }
+        .here();
 template<>
-constexpr ShapeRow kSplitOrder<double> = PerSlot<ShapeRow>{
-    {
+constexpr ShapeRow kSplitOrder<double> =
+    PerSlot<ShapeRow>{
         // 13 14 15 16 17 18 19 20 21 22 23 24 25
         {{5, 6, 7, 7, 8, 9, 9, 9, 8, 8, 9, 9, 9}}, // mx
         {{0, 0, 4, 4, 4, 4, 6, 6, 8, 8, 8, 8, 8}}, // m7
@@ -83,12 +86,13 @@ constexpr ShapeRow kSplitOrder<double> = PerSlot<ShapeRow>{
         {{0, 0, 0, 0, 6, 6, 8, 8, 8, 8, 8, 8, 8}}, // y8
         {{0, 0, 0, 0, 0, 4, 4, 4, 4, 8, 8, 8, 8}}, // e9
         {{0, 0, 0, 0, 0, 4, 4, 4, 4, 8, 8, 8, 8}}, // l9
-    }}.here();
+    }
+        .here();
 
 template<class T> constexpr ShapeRow kTileOrder = {};
 template<>
-constexpr ShapeRow kTileOrder<float> = PerSlot<ShapeRow>{
-    {
+constexpr ShapeRow kTileOrder<float> =
+    PerSlot<ShapeRow>{
         // 13 14 15 16 17  18  19  20  21  22  23  24  25
         {{}},                                                // mx has no tiles
         {{0, 0, 0, 0, 9, 10, 10, 10, 13, 15, 15, 15, 15}},   // m7
@@ -97,10 +101,11 @@ constexpr ShapeRow kTileOrder<float> = PerSlot<ShapeRow>{
         {{0, 0, 0, 0, 0, 10, 10, 14, 14, 14, 14, 14, 14}},   // y8
         {{0, 0, 0, 0, 0, 0, 10, 10, 10, 10, 14, 14, 14}},    // e9
         {{0, 0, 0, 0, 0, 0, 10, 10, 10, 10, 14, 14, 14}},    // l9
-    }}.here();
+    }
+        .here();
 template<>
-constexpr ShapeRow kTileOrder<double> = PerSlot<ShapeRow>{
-    {
+constexpr ShapeRow kTileOrder<double> =
+    PerSlot<ShapeRow>{
         // 13 14 15  16  17  18  19  20  21  22  23  24  25
         {{}},                                                  // mx has no tiles
         {{0, 0, 8, 10, 10, 10, 13, 13, 14, 14, 14, 14, 14}},   // m7
@@ -109,7 +114,8 @@ constexpr ShapeRow kTileOrder<double> = PerSlot<ShapeRow>{
         {{0, 0, 0, 0, 10, 10, 13, 13, 13, 13, 13, 13, 13}},    // y8
         {{0, 0, 0, 0, 0, 9, 9, 9, 9, 13, 13, 13, 13}},         // e9
         {{0, 0, 0, 0, 0, 9, 9, 9, 9, 13, 13, 13, 13}},         // l9
-    }}.here();
+    }
+        .here();
 
 constexpr int shapeOf(const ShapeRow& row, int m)
 {

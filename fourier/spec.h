@@ -6,6 +6,7 @@
 #define QVR_FOURIER_SPEC_H
 
 #include "fourier/limits.h"
+#include "fourier/shared.h"
 
 namespace {
 

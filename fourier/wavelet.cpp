@@ -6,6 +6,7 @@
 // Inverse. With the newest value x[m]: even taps over x[m], x[m - 1], .. give the first result of the pair, odd taps
 // the second; with phase 1 the odd taps' result of the pair before comes first.
 #include "fourier/wavelet.h"
+#include "fourier/functions.h"
 
 namespace {
 

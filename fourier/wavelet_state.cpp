@@ -1,4 +1,5 @@
 // Wavelet states: creation, release, delay arrays.
+#include "fourier/functions.h"
 #include "fourier/wavelet.h"
 
 namespace {

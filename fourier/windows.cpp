@@ -6,6 +6,7 @@
 // No table and no cosine per element. Slot mx turns (cos kt, sin kt) by t and multiplies in double. The others run a
 // second-order recurrence in double, d[k + 2n] = 2 cos(nt) d[k + n] - d[k], round the weight to single and multiply
 // there. The middle element of an odd length is never touched.
+#include "fourier/functions.h"
 #include "fourier/lanes.h"
 #include "fourier/sines.h"
 #include "frame/status.h"
@@ -13,7 +14,7 @@
 namespace {
 
 constexpr double kTwoPi = 6.283185307179586;
-constexpr bool kRotation = kSlot == slotMx;
+constexpr bool kRotation = kSlot == qvrSlot_mx;
 constexpr float kBlackmanAlpha = -0.16f;
 
 using F = Vec<float, 4>;

@@ -4,7 +4,17 @@
 # <name> and jumps to the variant. Only rax and r11 change, which no call passes arguments in, so the variant sees
 # the caller's registers and stack as if called directly and returns straight to the caller.
 
-    .macro export_dispatched name, n8
+    .macro table_shared name
+#define QVR_SLOT(prefix, shared, ...) .quad shared##_\name;
+#include "frame/slots.def"
+    .endm
+
+    .macro table_own name
+#define QVR_SLOT(prefix, ...) .quad prefix##_\name;
+#include "frame/slots.def"
+    .endm
+
+    .macro export_dispatched name, kind
     .section .text.dispatch, "ax", @progbits
     .globl  Morven_\name
     .type   Morven_\name, @function
@@ -27,14 +37,14 @@ qvrDispatch_\name:
     .type   qvrTable_\name, @object
     .p2align 3
 qvrTable_\name:
-    .quad   mx_\name, m7_\name, u8_\name, \n8\()_\name, y8_\name, e9_\name, l9_\name
+    table_\kind \name
     .size   qvrTable_\name, . - qvrTable_\name
     .endm
 
     .hidden qvrCpuIndex
 
-#define QVR_SHARED(name) export_dispatched name, u8;
-#define QVR_OWN(name) export_dispatched name, n8;
+#define QVR_SHARED(name) export_dispatched name, shared;
+#define QVR_OWN(name) export_dispatched name, own;
 #include "frame/exports.def"
 
     .section .note.GNU-stack, "", @progbits

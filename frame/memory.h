@@ -4,6 +4,7 @@
 #define QVR_FRAME_MEMORY_H
 
 #include "frame/allocator.h"
+#include "frame/functions.h"
 #include "frame/slot.h"
 
 extern "C" {

@@ -3,6 +3,7 @@
 
 #include <cpuid.h>
 
+#include "frame/slots.h"
 #include "frame/threads.h"
 
 namespace {
@@ -108,24 +109,24 @@ bool systemServes(int32_t)
     return true;
 }
 
+struct SlotChoice {
+    uint64_t chosen, kept;
+};
+constexpr SlotChoice kChoices[] = {
+#define QVR_SLOT(prefix, shared, chosen, kept, ...) {chosen, kept},
+#include "frame/slots.def"
+};
+
+// The highest slot whose features are all there.
 void chooseByFeatures(uint64_t f)
 {
-    const auto has = [f](uint64_t mask) { return (f & mask) == mask; };
-    const bool avx = has(qvrFeatureAvx | qvrFeatureOsVectorState) && systemServes(70);
-    if (avx && has(qvrFeatureAvx2Group))
-        choose(6, f & 0x7EFFF);
-    else if (avx)
-        choose(5, f & 0x6FDF);
-    else if (has(qvrFeatureSse41))
-        choose(4, f & 0xCDF);
-    else if (has(qvrFeatureMovbe | qvrFeatureSsse3))
-        choose(3, f & 0x3F);
-    else if (!has(qvrFeatureMovbe) && has(qvrFeatureSsse3))
-        choose(2, f & 0x1F);
-    else if (has(qvrFeatureSse3))
-        choose(1, f & 0xF);
-    else
-        choose(0, f & 0x7);
+    for (int32_t i = qvrSlotCount - 1; i >= 0; i--) {
+        const uint64_t chosen = kChoices[i].chosen;
+        if ((f & chosen) == chosen && (!(chosen & qvrFeatureAvx) || systemServes(70))) {
+            choose(i, f & kChoices[i].kept);
+            return;
+        }
+    }
 }
 
 bool vendorMatches()

@@ -4,7 +4,7 @@
 
 #include <stdint.h>
 
-#include "morvenqvr.h"
+#include "frame/types.h"
 
 #ifdef __cplusplus
 extern "C" {

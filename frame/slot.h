@@ -9,10 +9,10 @@
 #include <stdint.h>
 
 #include "frame/processor.h"
-#include "morvenqvr.h"
+#include "frame/slots.h"
 
 #ifndef QVR_SLOT_PREFIX
-#error "slot code is compiled once per slot, with QVR_SLOT_PREFIX and QVR_SLOT_INDEX"
+#error "slot code is compiled once per slot, with QVR_SLOT_PREFIX and QVR_SLOT_SHARED_PREFIX"
 #endif
 
 #define QVR_PASTE2(prefix, name) prefix##_##name
@@ -21,39 +21,30 @@
 // The name of a function of this slot.
 #define SLOT(name) QVR_PASTE(QVR_SLOT_PREFIX, name)
 
-// The name under which this slot reaches a function whose n8 entry repeats the u8 one.
-#if QVR_SLOT_INDEX == 3
-#define SLOT_SHARED(name) QVR_PASTE(u8, name)
-#else
-#define SLOT_SHARED(name) SLOT(name)
-#endif
-
-// Every dispatched function gets the exported prototype, so that a body with other arguments does not compile.
-#define QVR_SHARED(name) extern "C" QVR_HIDDEN decltype(Morven_##name) SLOT_SHARED(name);
-#define QVR_OWN(name) extern "C" QVR_HIDDEN decltype(Morven_##name) SLOT(name);
-#include "frame/exports.def"
+// The name under which this slot reaches a function that it may share with another.
+#define SLOT_SHARED(name) QVR_PASTE(QVR_SLOT_SHARED_PREFIX, name)
 
 namespace {
 
-enum : int { slotMx, slotM7, slotU8, slotN8, slotY8, slotE9, slotL9 };
-
-constexpr int kSlot = QVR_SLOT_INDEX;
+constexpr int kSlot = QVR_PASTE(qvrSlot, QVR_SLOT_PREFIX);
 
 // The level as constants for `if constexpr`. Preprocessor tests on the level belong in simd.h alone.
-constexpr bool kSse3 = kSlot >= slotM7;
-constexpr bool kSsse3 = kSlot >= slotU8;
-constexpr bool kSse41 = kSlot >= slotY8;
-constexpr bool kAvx = kSlot >= slotE9;
-constexpr bool kAvx2 = kSlot >= slotL9;
-constexpr bool kFma = kSlot >= slotL9;
+constexpr bool kSse3 = kSlot >= qvrSlot_m7;
+constexpr bool kSsse3 = kSlot >= qvrSlot_u8;
+constexpr bool kSse41 = kSlot >= qvrSlot_y8;
+constexpr bool kAvx = kSlot >= qvrSlot_e9;
+constexpr bool kAvx2 = kSlot >= qvrSlot_l9;
+constexpr bool kFma = kSlot >= qvrSlot_l9;
 
 // Bytes in the slot's vector.
 constexpr int kVecBytes = kAvx ? 32 : 16;
 
 // A constant that a contract states per slot, as one readable row: PerSlot<int>{mx, m7, u8, n8, y8, e9, l9}.here().
+// Each slot has a field, so that a row with a value too few is an error (-Wmissing-field-initializers).
 template<class T> struct PerSlot {
-    T of[7];
-    constexpr T here() const { return of[kSlot]; }
+#define QVR_SLOT(prefix, ...) T prefix;
+#include "frame/slots.def"
+    constexpr T here() const { return QVR_SLOT_PREFIX; }
 };
 
 } // namespace

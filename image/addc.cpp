@@ -7,8 +7,10 @@
 // 16-bit lanes hold everything: sums of bytes as they are, and of 16-bit pixels by saturation (a left shift saturates
 // whatever the sum has) or in halves of 32 bits.
 #include "frame/region.h"
+#include "image/functions.h"
 #include "image/rows.h"
 #include "vector/halfwords.h"
+#include "vector/shared.h"
 
 namespace {
 
@@ -97,7 +99,7 @@ template<Case which> void addRowsThreaded(uint8_t c, uint8_t* p, Index step, qvr
 {
     const bool small = (which == Case::half || which == Case::down) && int64_t{size.width} + size.height < kThreadsFrom;
     const int budget = qvrNumThreadsValue();
-    if (kSlot == slotMx || small || budget < 2)
+    if (kSlot == qvrSlot_mx || small || budget < 2)
         return addRows<which>(c, p, step, size, 0, size.height, s);
     parallelTeam(budget, [&](int t, int team) {
         const Index rows = size.height / team, more = size.height % team;

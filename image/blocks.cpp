@@ -2,6 +2,7 @@
 //
 // A row of blocks goes in strips of columns: the extremes of each column first, then those of each block from the
 // strip. Blocks of 16 by 16 keep their columns in registers.
+#include "image/functions.h"
 #include "image/rows.h"
 
 namespace {

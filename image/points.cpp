@@ -1,4 +1,5 @@
 // Fill, copy under a mask, widening of bytes, rows of byte pairs.
+#include "image/functions.h"
 #include "image/rows.h"
 #include "vector/fill.h"
 #include "vector/halfwords.h"

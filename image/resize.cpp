@@ -1,6 +1,7 @@
 // The four general resize forms: checks, plan, bands over threads, edges.
 #include "frame/region.h"
 #include "frame/status.h"
+#include "image/functions.h"
 #include "image/kernels.h"
 
 namespace {

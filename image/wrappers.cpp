@@ -1,4 +1,6 @@
 // Resizing without a shift and with a work buffer of its own.
+#include "frame/public.h"
+#include "image/public.h"
 #include "vector/plain.h"
 
 namespace {

@@ -1,4 +1,5 @@
 // Element-wise arithmetic on one or two arrays.
+#include "vector/functions.h"
 #include "vector/loops.h"
 
 extern "C" {

@@ -1,5 +1,6 @@
 // Columns gathered from one two-dimensional array into another, row after row.
 #include "vector/plain.h"
+#include "vector/public.h"
 
 extern "C" {
 

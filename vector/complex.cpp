@@ -1,4 +1,5 @@
 // Complex products.
+#include "vector/functions.h"
 #include "vector/loops.h"
 
 namespace {

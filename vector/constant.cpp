@@ -1,4 +1,5 @@
 // Element-wise arithmetic with a constant, and the shortcuts that change what NaN and infinity give.
+#include "vector/functions.h"
 #include "vector/loops.h"
 
 extern "C" {

@@ -1,5 +1,7 @@
 // Conversions between element types.
+#include "vector/functions.h"
 #include "vector/loops.h"
+#include "vector/shared.h"
 
 namespace {
 

@@ -2,8 +2,10 @@
 #include <string.h>
 
 #include "vector/fill.h"
+#include "vector/functions.h"
 #include "vector/halfwords.h"
 #include "vector/loops.h"
+#include "vector/shared.h"
 
 namespace {
 
@@ -81,7 +83,7 @@ template<class T> QVR_INLINE qvrStatus copy(const T* pSrc, T* pDst, int len)
     char* to = reinterpret_cast<char*>(pDst);
     if constexpr (kAvx) {
         copyWide(pSrc, pDst, len);
-    } else if constexpr (kSlot == slotMx) {
+    } else if constexpr (kSlot == qvrSlot_mx) {
         if (bytes > kBlockCopyAbove)
             memmove(to, from, static_cast<size_t>(bytes));
         else

@@ -3,11 +3,12 @@
 // Elements that must not reach the instruction (zero divisors, roots of negatives) are replaced by harmless ones
 // before it, so no exception flag is raised on their account, and by their substitute after it.
 #include "frame/region.h"
+#include "vector/functions.h"
 #include "vector/loops.h"
 
 namespace {
 
-constexpr bool kHasRegion = kSlot >= slotU8;
+constexpr bool kHasRegion = kSlot >= qvrSlot_u8;
 constexpr int kRegionFrom = 4096;
 
 constexpr uint32_t kNan = 0xFFC00000;

@@ -3,6 +3,7 @@
 // The contract is that of the loop `if (x beats best) best = x` from element 0 on. Equal floats have equal bits except
 // zeros: when the extreme is a zero, the first zero is fetched for its sign.
 #include "vector/fold.h"
+#include "vector/functions.h"
 
 namespace {
 

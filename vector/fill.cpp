@@ -1,5 +1,7 @@
 #include "vector/fill.h"
+#include "vector/functions.h"
 #include "vector/halfwords.h"
+#include "vector/shared.h"
 
 namespace {
 

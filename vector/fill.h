@@ -83,7 +83,7 @@ QVR_INLINE void fillPlain(char* p, int64_t bytes, FillLine line)
 template<FillKind kind> QVR_INLINE void fillBytes(void* dst, int64_t bytes, int elementSize, FillLine line)
 {
     char* p = static_cast<char*>(dst);
-    if (kSlot != slotMx && bytes > streamLimit<kind>() && reinterpret_cast<uintptr_t>(p) % elementSize == 0 &&
+    if (kSlot != qvrSlot_mx && bytes > streamLimit<kind>() && reinterpret_cast<uintptr_t>(p) % elementSize == 0 &&
         exceedsCache(bytes))
         fillStreaming(p, bytes, line);
     else

@@ -5,6 +5,7 @@
 // value up to an odd one is then not mistaken at every start inside a run of that value, which is what makes the plain
 // search slow. A constant sequence is probed at its ends.
 #include "vector/fold.h"
+#include "vector/functions.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 // Signed lanes from SSSE3 on take the sum halved to odd (the floor of its half, with the bit below or-ed into the
 // lowest one), which still tells ties from all else, and the product that rounds. Multiplied by 2^k, the sum may
 // saturate first: what does not fit 16 bits before does not after.
+#include "vector/functions.h"
 #include "vector/halfwords.h"
 #include "vector/loops.h"
 

@@ -2,6 +2,7 @@
 //
 // A constant that makes the result trivial is looked at first; what it leads to, a fill or a copy, makes the checks. A
 // negative shift is judged last.
+#include "vector/functions.h"
 #include "vector/halfwords.h"
 #include "vector/loops.h"
 

@@ -1,4 +1,5 @@
 // (x - vSub) * (1 / vDiv), with the reciprocal rounded once.
+#include "vector/functions.h"
 #include "vector/loops.h"
 
 namespace {

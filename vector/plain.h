@@ -2,7 +2,6 @@
 #ifndef QVR_VECTOR_PLAIN_H
 #define QVR_VECTOR_PLAIN_H
 
-#include "morvenqvr.h"
 #include "vector/element.h"
 
 #define QVR_EXPORTED __attribute__((visibility("default")))

@@ -1,5 +1,6 @@
 // Rounding to integers kept as floats.
 #include "frame/mxcsr.h"
+#include "vector/functions.h"
 #include "vector/loops.h"
 
 namespace {

@@ -5,6 +5,7 @@
 // for a caller who asked for that) has one ascending order, however it is come by: it takes the way without branches on
 // values below, and none at all if it is ascending or descending already.
 #include "vector/fold.h"
+#include "vector/functions.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 // Channels are taken in groups of four, whose samples of one frame are one 8-byte load; eight frames make a block
 // that three rounds of interleaving turn into four runs of eight samples. One and two channels have loops of their
 // own. Frames go in tiles, so that a tile's lines are still in the first cache when the next group needs them.
+#include "vector/functions.h"
 #include "vector/loops.h"
 
 namespace {

@@ -3,6 +3,7 @@
 // Floats are accumulated in double. Integers are summed exactly: 16-bit ones in 32-bit lanes over blocks that cannot
 // overflow, 32-bit ones as a sum modulo 2^32 beside the sum of their high halves, which together hold the exact sum.
 #include "vector/fold.h"
+#include "vector/functions.h"
 
 namespace {
 
@@ -47,7 +48,7 @@ template<bool Squares, class T> QVR_INLINE Moments<double> groupedMoments(const 
 
 template<bool Squares, class T> QVR_INLINE Moments<double> moments(const T* src, Index n)
 {
-    if constexpr (kSlot == slotMx) {
+    if constexpr (kSlot == qvrSlot_mx) {
         return groupedMoments<Squares>(src, n);
     } else {
         // Two registers to a step: with four accumulators of each, eight additions are under way.

@@ -6,6 +6,7 @@
 // zero the sign that integers do not have, so in that mode every update is made one by one too.
 #include "frame/mxcsr.h"
 #include "vector/fold.h"
+#include "vector/functions.h"
 
 namespace {
 

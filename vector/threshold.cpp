@@ -1,5 +1,6 @@
 // Limits on floats. Out of place, an element stays only if it is proved to lie on the right side, so a NaN, or a level
 // that is one, brings the replacement; in place, an element goes only if it is proved to lie beyond.
+#include "vector/functions.h"
 #include "vector/loops.h"
 
 extern "C" {

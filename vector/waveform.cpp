@@ -1,5 +1,6 @@
 // Measures of waveforms that have one body for all processors.
 #include "vector/plain.h"
+#include "vector/public.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
 #include "vector/fill.h"
+#include "vector/functions.h"
 
 extern "C" qvrStatus SLOT(qvrsZero_32f)(qvr32f* pDst, int len)
 {

@@ -1,6 +1,7 @@
 // Crossings of zero, by three definitions, as counts over neighbouring pairs. A pair behind the end is two zeros, which
 // no definition counts.
 #include "vector/fold.h"
+#include "vector/functions.h"
 
 namespace {
 

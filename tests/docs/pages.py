@@ -15,7 +15,7 @@ settings = (root / "docs/Doxyfile").read_text() + f"\nOUTPUT_DIRECTORY = {work}\
 subprocess.run(["doxygen", "-"], input=settings, text=True, check=True, cwd=root)
 faults += (work / "warnings.txt").read_text().splitlines()
 
-exports = set(re.findall(r"^QVR_\w+\((\w+)\)", (root / "frame/exports.def").read_text(), re.M))
+exports = set(re.findall(r"^QVR_\w+\((\w+)\)", "".join(path.read_text() for path in root.glob("*/exports.def")), re.M))
 sys.path.insert(0, str(root / "docs"))
 from reference import examples, levels, referenceView, ruleOf  # noqa: E402
 

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "elementary/kernels.h"
+#include "elementary/slot_tables.h"
 #include "support/values.h"
 
 #ifdef QVR_HAVE_PEERS
@@ -151,7 +152,7 @@ void addKernels(Contenders& all, const std::function<Run(int slot, int c)>& kern
 {
     for (int c : {a11, la, ha})
         for (int slot = 0; slot < slots::kCount; slot++)
-            if (slots::canRun(slot) && (slot > 0 || c == ha))
+            if (slots::canRun(slot) && (slot > slots::mx || c == ha))
                 addContender(all, slot, slot ? kClassNames[c] : "all", kernel(slot, c));
 }
 

@@ -1,5 +1,6 @@
 #include <cerrno>
 
+#include "elementary/slot_tables.h"
 #include "support/elementwise.h"
 
 namespace {

@@ -4,7 +4,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "morvenqvr.h"
+#include "elementary/slot_tables.h"
+#include "frame/types.h"
 #include "support/slot_list.h"
 
 enum Class { la, ha, a11, kClasses };

@@ -1,3 +1,4 @@
+#include "elementary/slot_tables.h"
 #include "support/budget.h"
 #include "support/elementwise.h"
 #include "support/regions.h"
@@ -202,7 +203,8 @@ TEST(Magnitude, Regions)
         SCOPED_TRACE(slots::kNames[slot]);
         for (int budget : {1, 2, 5}) {
             const Budget b(budget);
-            const int shared = budget > 1 && slot >= 2, shared64 = budget > 1 && slot >= 2 && slot <= 4;
+            const int shared = budget > 1 && slot >= slots::u8,
+                      shared64 = budget > 1 && slot >= slots::u8 && slot <= slots::y8;
             const auto f = qvrTable_qvrsMagnitude_32fc[slot];
             const auto f64 = qvrTable_qvrsMagnitude_64fc[slot];
             const auto f16 = qvrTable_qvrsMagnitude_16sc_Sfs[slot];

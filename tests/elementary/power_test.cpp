@@ -1,11 +1,12 @@
 #include "elementary/kernels.h"
+#include "elementary/slot_tables.h"
 #include "support/elementwise.h"
 
 namespace {
 
 Class reached(int slot, int c)
 {
-    return slot == 0 ? ha : static_cast<Class>(c);
+    return slot == slots::mx ? ha : static_cast<Class>(c);
 }
 
 bool goodPower(float got, float x, float y, Class c)
@@ -297,7 +298,7 @@ TEST(Power, StatusOrder)
                         EXPECT_TRUE(dst.untouched());
                         return s;
                     },
-                    slot >= 5);
+                    slot >= slots::e9);
             checkPointersThenLengthOrder(
                 2,
                 [&](int null, int len) {
@@ -306,7 +307,7 @@ TEST(Power, StatusOrder)
                     EXPECT_TRUE(dst.untouched());
                     return s;
                 },
-                slot >= 5);
+                slot >= slots::e9);
         }
         float a[9], b[9], v[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9}, w[9] = {.5f, 1, 2, 3, 1, 2, 3, 1, 2};
         qvrTable_qvrsPow_32f_A11[slot](v, w, a, 9), powKernels[slot][a11](v, w, b, 9);

@@ -1,4 +1,5 @@
 #include "elementary/kernels.h"
+#include "elementary/slot_tables.h"
 #include "elementary/tables.h"
 #include "support/elementwise.h"
 
@@ -9,7 +10,7 @@ const float kNan = floatOf(0xFFC00000), kLnNan = floatOf(0x7FFC0000);
 // Slot mx has the kernel of class ha in all three places.
 Class reached(int slot, int c)
 {
-    return slot == 0 ? ha : static_cast<Class>(c);
+    return slot == slots::mx ? ha : static_cast<Class>(c);
 }
 
 // What the tag promises.
@@ -301,7 +302,7 @@ TEST(Tagged, LastWarningStandsAndHookHearsAll)
         x[3] = -1;
         x[4] = 0;
         x[35] = -5;
-        const std::string tag = slot == 0 ? "sLn_HA" : "sLn_A11";
+        const std::string tag = slot == slots::mx ? "sLn_HA" : "sLn_A11";
         reports.clear();
         EXPECT_EQ(lnKernels[slot][a11](x.data(), y.data(), 37), 19);
         EXPECT_EQ(reports, (std::vector<Report>{{19, 3, tag}, {18, 4, tag}, {19, 35, tag}}));
@@ -351,7 +352,7 @@ TEST(Tagged, StatusOrder)
                     EXPECT_TRUE(dst.untouched());
                     return s;
                 },
-                slot >= 5);
+                slot >= slots::e9);
         });
 }
 

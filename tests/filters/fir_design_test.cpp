@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "filters/slot_tables.h"
 #include "support/allocation.h"
 #include "support/guarded.h"
 #include "support/slots.h"

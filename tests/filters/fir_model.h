@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "filters/fir_state_record.h"
+#include "filters/slot_tables.h"
 #include "support/guarded.h"
 #include "support/slots.h"
 #include "support/values.h"
@@ -56,7 +57,7 @@ struct Form64f {
     {
         return qvrTable_qvrsFIR_64f[slot](src, dst, n, s);
     }
-    static constexpr int planFrom(int slot) { return slot <= 1 ? 32 : 64; }
+    static constexpr int planFrom(int slot) { return slot <= slots::m7 ? 32 : 64; }
 };
 struct Form64f_32f {
     using Tap = double;
@@ -72,7 +73,7 @@ struct Form64f_32f {
     {
         return qvrTable_qvrsFIR64f_32f[slot](src, dst, n, s);
     }
-    static constexpr int planFrom(int slot) { return slot <= 1 ? 32 : 64; }
+    static constexpr int planFrom(int slot) { return slot <= slots::m7 ? 32 : 64; }
 };
 struct Form64f_16s {
     using Tap = double;
@@ -88,7 +89,7 @@ struct Form64f_16s {
     {
         return qvrTable_qvrsFIR64f_16s_Sfs[slot](src, dst, n, s, scale);
     }
-    static constexpr int planFrom(int slot) { return slot <= 1 ? 32 : 64; }
+    static constexpr int planFrom(int slot) { return slot <= slots::m7 ? 32 : 64; }
 };
 
 template<class Form> struct Release {

@@ -2,6 +2,7 @@
 #include <functional>
 
 #include "filters/fir_model.h"
+#include "filters/slot_tables.h"
 #include "frame/threads.h"
 #include "support/allocation.h"
 #include "support/regions.h"

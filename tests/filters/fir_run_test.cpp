@@ -1,4 +1,5 @@
 #include "filters/fir_model.h"
+#include "filters/slot_tables.h"
 #include "support/status_order.h"
 
 using namespace fir;
@@ -202,7 +203,7 @@ TYPED_TEST(FirRun, PathByTapsAndSamples)
 {
     using Form = TypeParam;
     eachSlot<Form>([&](int slot) {
-        const int plan = Form::planFrom(slot), chunk = slot >= 5 ? 4224 : 4096;
+        const int plan = Form::planFrom(slot), chunk = slot >= slots::e9 ? 4224 : 4096;
         EXPECT_FALSE(transforms<Form>(slot, plan - 1, 3000, 2000, false));
         EXPECT_TRUE(transforms<Form>(slot, plan, 3000, 2000, false));
         EXPECT_FALSE(transforms<Form>(slot, 100, 511, 300, false));
@@ -256,7 +257,7 @@ TYPED_TEST(FirRun, DirectSumsDoNotDependOnTheCut)
     using Form = TypeParam;
     using Data = typename Form::Data;
     eachSlot<Form>([&](int slot) {
-        if (slot == 0)
+        if (slot == slots::mx)
             return;
         for (int L : {3, 17, 31}) {
             const auto taps = randomValues<typename Form::Tap>(L, 3, -1, 1);

@@ -1,6 +1,7 @@
 #include <set>
 
 #include "filters/fir_model.h"
+#include "filters/slot_tables.h"
 #include "frame/threads.h"
 #include "support/allocation.h"
 #include "support/status_order.h"
@@ -21,7 +22,7 @@ template<class Form> void expectLayout(int slot, int L)
     const auto delay = randomValues<typename Form::Data>(L, 5, -100, 100);
     auto state = create<Form>(slot, taps, delay.data());
     const auto reversed = [&](int k) { return k >= 0 && k < L ? taps[L - 1 - k] : Tap(0); };
-    const bool narrow = slot <= 1, wide = slot >= 5;
+    const bool narrow = slot <= slots::m7, wide = slot >= slots::e9;
     EXPECT_EQ(state->tag, Form::tag);
     EXPECT_EQ(state->tapsLen, L);
     EXPECT_EQ(state->delayLen, L);
@@ -117,7 +118,8 @@ TYPED_TEST(FirState, CreationStatuses)
         const int before = allocator.allocations();
         for (int L : {INT32_MAX, INT32_MAX / 2, 1 << 29, (1 << 28) - 1}) {
             typename Form::State* state = nullptr;
-            const bool noPlan = sizeof(Tap) == 4 && L >= (slot == 0 ? 1 << 27 : 1 << 28); // no transform so long
+            const bool noPlan =
+                sizeof(Tap) == 4 && L >= (slot == slots::mx ? 1 << 27 : 1 << 28); // no transform so long
             EXPECT_EQ(Form::creators[slot](&state, taps.data(), L, nullptr),
                       noPlan ? qvrErrNullPointer : qvrErrNoMemory);
             EXPECT_EQ(state, nullptr);

@@ -1,5 +1,6 @@
 // Runs that fork: when they do, and that they give what one thread gives.
 #include "filters/fir_model.h"
+#include "filters/slot_tables.h"
 #include "frame/threads.h"
 #include "support/budget.h"
 #include "support/regions.h"
@@ -34,14 +35,14 @@ TYPED_TEST(FirThreads, ForksFromTheThresholdOn)
         GTEST_SKIP() << "regions are not counted";
     eachSlot<Form>([&](int slot) {
         // The single-precision direct run stays on one thread on the wide slots.
-        const int one = std::is_same_v<Form, Form32f> && slot >= 5 ? 0 : 1;
+        const int one = std::is_same_v<Form, Form32f> && slot >= slots::e9 ? 0 : 1;
         EXPECT_EQ(forksOf<Form>(slot, 2, 20, 1600, false), 0);
         EXPECT_EQ(forksOf<Form>(slot, 2, 20, 1601, false), one);
         EXPECT_EQ(forksOf<Form>(slot, 3, 20, 1601, false), one);
         EXPECT_EQ(forksOf<Form>(slot, 1, 20, 5000, false), 0);
         EXPECT_EQ(forksOf<Form>(slot, 2, 20, 1601, true), one);
         // A block of the mixed forms, and a chunk in place, is a run of its own.
-        const int block = slot >= 5 ? 2112 : 2048;
+        const int block = slot >= slots::e9 ? 2112 : 2048;
         EXPECT_EQ(forksOf<Form>(slot, 2, 20, 2 * block + 1601, false), Form::mixed ? 3 : one);
         EXPECT_EQ(forksOf<Form>(slot, 2, 20, 2 * block + 1600, true), Form::mixed ? 2 : one);
         // The transform path: a second block and 1601 samples.

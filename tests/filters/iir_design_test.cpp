@@ -1,6 +1,7 @@
 #include <cmath>
 #include <complex>
 
+#include "filters/slot_tables.h"
 #include "support/guarded.h"
 #include "support/slots.h"
 #include "support/values.h"

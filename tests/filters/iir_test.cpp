@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "filters/iir_state_record.h"
+#include "filters/slot_tables.h"
 #include "support/allocation.h"
 #include "support/guarded.h"
 #include "support/slots.h"
@@ -324,7 +325,7 @@ TEST(Iir, StoredForm)
         for (int k = 0; k < 3; k++)
             EXPECT_EQ(s->delayStore[k], delay[k]);
         EXPECT_EQ(s->delayStore[3], 0);
-        if (slot == 0)
+        if (slot == slots::mx)
             return;
         for (int k = 0; k < 4; k++)
             EXPECT_TRUE(s->pairTaps[2 * k] == want[k] && s->pairTaps[2 * k + 1] == want[k]);

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "filters/slot_tables.h"
 #include "support/allocation.h"
 #include "support/environment.h"
 #include "support/guarded.h"

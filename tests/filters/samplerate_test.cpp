@@ -1,3 +1,4 @@
+#include "filters/slot_tables.h"
 #include "support/guarded.h"
 #include "support/slots.h"
 #include "support/status_order.h"

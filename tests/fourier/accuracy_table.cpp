@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "fourier/fft_slots.h"
+#include "fourier/slot_tables.h"
 #include "fourier/spectrum.h"
 
 namespace {

@@ -1,4 +1,5 @@
 #include "fourier/address_space.h"
+#include "fourier/slot_tables.h"
 #include "fourier/sum_statuses.h"
 #include "fourier/sums.h"
 #include "support/allocation.h"

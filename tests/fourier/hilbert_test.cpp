@@ -2,6 +2,7 @@
 
 #include <complex>
 
+#include "fourier/slot_tables.h"
 #include "support/allocation.h"
 #include "support/guarded.h"
 #include "support/slots.h"

@@ -2,6 +2,7 @@
 #include <immintrin.h>
 
 #include "fourier/fft_slots.h"
+#include "fourier/slot_tables.h"
 #include "frame/threads.h"
 #include "support/allocation.h"
 
@@ -61,7 +62,7 @@ template<class T> struct Fields {
 };
 template<class T> Fields<T> fieldsOf(int slot, const void* spec)
 {
-    return {static_cast<const char*>(spec), slot == 2 || slot == 4};
+    return {static_cast<const char*>(spec), slot == slots::u8 || slot == slots::y8};
 }
 
 TYPED_TEST(Spec, CreationStatusesInOrder)
@@ -151,7 +152,7 @@ template<class T> int wantedWork(int slot, int order)
     const int kb = 1024, e = sizeof(T) / 4;
     if (order <= kReal<T>[slot] || order <= kComplex[slot])
         return 0;
-    if (slot == 0) {
+    if (slot == slots::mx) {
         if (m <= 12)
             return 0;
         const int columns32[] = {5, 6, 7, 8, 8, 8, 10, 10}, columns64[] = {5, 6, 7, 7, 8, 9, 9, 9};
@@ -338,10 +339,10 @@ TYPED_TEST(Spec, BitReversalTables)
             const Fields<T> f = fieldsOf<T>(slot, object.get());
             const int32_t* table = f.bitRev();
             const int lowest = sizeof(T) == 4 ? 14 : 13;
-            const bool band = (slot == 2 || slot == 4) && order >= lowest && order <= lowest + 4;
+            const bool band = (slot == slots::u8 || slot == slots::y8) && order >= lowest && order <= lowest + 4;
             int m = band ? order - 4 : order - 1;
             SCOPED_TRACE(order);
-            if (slot == 0) {
+            if (slot == slots::mx) {
                 // Every pair and palindrome of the middle bits once, each list in its order.
                 std::vector<int32_t> pairs, palindromes;
                 for (int i = 0; i < 1 << (m - 2); i++) {

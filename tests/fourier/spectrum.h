@@ -3,6 +3,8 @@
 
 #include <fftw3.h>
 
+#include "fourier/slot_tables.h"
+
 #include <cmath>
 #include <complex>
 #include <vector>

@@ -1,6 +1,7 @@
 // The statuses in order of a sum of two sources into `n` results from a place of the caller's.
 #pragma once
 
+#include "fourier/slot_tables.h"
 #include "support/slots.h"
 #include "support/status_order.h"
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "fourier/slot_tables.h"
 #include "support/slot_list.h"
 
 namespace sums {

@@ -1,6 +1,7 @@
 #include <thread>
 
 #include "fourier/fft_slots.h"
+#include "fourier/slot_tables.h"
 #include "fourier/spectrum.h"
 #include "support/allocation.h"
 #include "support/budget.h"
@@ -405,7 +406,7 @@ TYPED_TEST(Transform, NoRegionOutsideTheBand)
     const int lowest = sizeof(T) == 4 ? 14 : 13;
     eachSlot([&](int slot) {
         for (int order : {lowest - 1, lowest, lowest + 4, lowest + 5}) {
-            const bool band = (slot == 2 || slot == 4) && order >= lowest && order <= lowest + 4;
+            const bool band = (slot == slots::u8 || slot == slots::y8) && order >= lowest && order <= lowest + 4;
             Object<T> object(slot, order, qvrFftNoDiv);
             std::vector<T> x((size_t{1} << order) + 2, T(1));
             const int before = regions::forks();

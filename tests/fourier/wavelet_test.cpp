@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "fourier/slot_tables.h"
 #include "support/allocation.h"
 #include "support/guarded.h"
 #include "support/slots.h"

@@ -1,5 +1,6 @@
 #include <functional>
 
+#include "fourier/slot_tables.h"
 #include "support/guarded.h"
 #include "support/slots.h"
 #include "support/values.h"
@@ -125,7 +126,7 @@ TEST(Windows, Hann)
 {
     slots::each(qvrTable_qvrsWinHann_32f_I, [&](auto f, int slot) {
         for (int len : lengths())
-            if (slot == 0)
+            if (slot == slots::mx)
                 expectWeights(f, len, rotated(len, [](double c) { return 0.5 * (1 - c); }), timesDouble, len == 3);
             else
                 expectWeights(f, len, recurred(len, kHann), timesSingle, len == 3);
@@ -136,7 +137,7 @@ TEST(Windows, Hamming)
 {
     slots::each(qvrTable_qvrsWinHamming_32f_I, [&](auto f, int slot) {
         for (int len : lengths())
-            if (slot == 0)
+            if (slot == slots::mx)
                 expectWeights(f, len, rotated(len, [](double c) { return 0.54 - 0.46 * c; }), timesDouble, false);
             else
                 expectWeights(f, len, recurred(len, kHamming), timesSingle, false);
@@ -152,7 +153,7 @@ TEST(Windows, Blackman)
 {
     slots::each(qvrTable_qvrsWinBlackmanStd_32f_I, [&](auto f, int slot) {
         for (int len : lengths())
-            if (slot == 0)
+            if (slot == slots::mx)
                 expectWeights(f, len,
                               rotated(len,
                                       [](double c) {
@@ -177,11 +178,11 @@ TEST(Windows, BartlettByRepeatedAddition)
             for (int k = 1; k < len / 2; k++) {
                 v += step;
                 v32 += step32;
-                w.push_back(slot == 0 ? v : v32);
+                w.push_back(slot == slots::mx ? v : v32);
             }
-            if (slot == 0)
+            if (slot == slots::mx)
                 expectWeights(f, len, w, timesDouble, true);
-            else if (len - 1 < (slot >= 5 ? 18 : 10))
+            else if (len - 1 < (slot >= slots::e9 ? 18 : 10))
                 expectWeights(f, len, w, timesSingle, true);
         }
     });
@@ -265,7 +266,7 @@ TEST(Windows, HammingOfShorts)
                     const int k = std::min(i, len - 1 - i);
                     if (2 * i == len - 1)
                         ASSERT_EQ(y[i], x[i]);
-                    else if (slot == 0)
+                    else if (slot == slots::mx)
                         ASSERT_EQ(y[i], static_cast<qvr16s>(x[i] * w[k])) << len << " index " << i;
                     else if (k == 0)
                         ASSERT_EQ(y[i], static_cast<qvr16s>(static_cast<float>(x[i]) * (0.54f - 0.46f)));

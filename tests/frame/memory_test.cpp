@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "frame/allocator.h"
+#include "frame/slot_tables.h"
 #include "support/allocation.h"
 #include "support/slots.h"
 
@@ -11,7 +12,9 @@
     extern "C" void* slot##_qvrsMalloc_64(int);                                                                        \
     extern "C" void* slot##_qvrsMalloc_128(int);
 DECLARE_FORMS(mx)
-DECLARE_FORMS(m7) DECLARE_FORMS(u8) DECLARE_FORMS(y8) DECLARE_FORMS(e9) DECLARE_FORMS(l9)
+DECLARE_FORMS(m7)
+DECLARE_FORMS(u8)
+DECLARE_FORMS(y8) DECLARE_FORMS(e9) DECLARE_FORMS(l9)
 
     namespace
 {

@@ -1,5 +1,6 @@
 // Point operations against their contracts.
 #include "frame/threads.h"
+#include "image/slot_tables.h"
 #include "support/budget.h"
 #include "support/cache.h"
 #include "support/guarded.h"
@@ -198,7 +199,7 @@ TEST(AddC, RegionsOfBytes)
                     ASSERT_EQ(f(c, image.data(), w, {w, h}, s), qvrOk);
                     for (size_t i = 0; i < image.size(); i++)
                         ASSERT_EQ(image[i], addModel(old[i], c, s));
-                    const bool region = slot != 0 && budget > 1 && (s < 1 || w + h >= 256);
+                    const bool region = slot != slots::mx && budget > 1 && (s < 1 || w + h >= 256);
                     if (regions::counted()) {
                         EXPECT_EQ(regions::forks() - forks, region) << s << " " << w << "x" << h;
                         if (region)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "image/resize_model.h"
+#include "image/slot_tables.h"
 #include "support/guarded.h"
 #include "support/slots.h"
 #include "support/values.h"
@@ -92,7 +93,8 @@ template<class T> bool acceptable(T got, const Value& v, bool exact)
         const double boundary = (double(got) + double(want)) / 2;
         return std::abs(got - want) == 1 && std::abs(v.value - boundary) < 1e-3;
     } else {
-        // Roundings of sums, and in double those of the weights, which the model forms in the same way but for their order.
+        // Roundings of sums, and in double those of the weights, which the model forms in the same way but for their
+        // order.
         const double bound = std::is_same_v<T, double> ? 1024 * 0x1p-53 : 64 * 0x1p-24;
         return std::abs(double(got) - v.value) <= bound * v.magnitude;
     }

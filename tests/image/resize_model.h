@@ -7,7 +7,8 @@
 #include <type_traits>
 #include <vector>
 
-#include "morvenqvr.h"
+#include "frame/types.h"
+#include "image/slot_tables.h"
 
 namespace resize_model {
 

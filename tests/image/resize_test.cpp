@@ -1,5 +1,6 @@
 // Every method against the model: geometries, borders, regions, placement of images and work buffers.
 #include "image/resize_check.h"
+#include "image/slot_tables.h"
 #include "support/environment.h"
 
 namespace {

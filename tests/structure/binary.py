@@ -1,4 +1,5 @@
 """Reading of object files, shared objects and the list of exports through the LLVM binary tools."""
+import pathlib
 import re
 import subprocess
 import sys
@@ -35,13 +36,23 @@ def symbols(path, dynamic=False):
 
 
 def exports(path):
-    """{name without prefix: SHARED, OWN or PLAIN} from the list of exports."""
-    with open(path) as file:
-        rows = re.findall(r"^QVR_(SHARED|OWN|PLAIN)\((\w+)\)", file.read(), re.M)
+    """{name without prefix: SHARED, OWN or PLAIN} from the list of exports and those of the families that it includes."""
+    path = pathlib.Path(path)
+    text = path.read_text()
+    rows = []
+    for part in [text] + [(path.parent.parent / name).read_text() for name in re.findall(r'^#include "(.*)"', text, re.M)]:
+        rows += re.findall(r"^QVR_(SHARED|OWN|PLAIN)\((\w+)\)", part, re.M)
     kinds = {name: kind for kind, name in rows}
     if len(kinds) != len(rows):
         raise RuntimeError(f"{path} names a function twice")
     return kinds
+
+
+def slots():
+    """{prefix: (shared, compiler flags)} from the list of slots."""
+    text = (pathlib.Path(__file__).parents[2] / "frame/slots.def").read_text()
+    rows = re.findall(r'^QVR_SLOT\((\w+), (\w+), \w+, \w+, "(.*?)", ".*?"\)$', text, re.M)
+    return {prefix: (shared, flags.split()) for prefix, shared, flags in rows}
 
 
 def instructions(path):

@@ -5,16 +5,20 @@ processors without BMI1 run its encoding as BSF, and compilers emit it where bot
 """
 import re
 
-# What each slot's code may use beyond the baseline. Every processor with AVX has SSE4.2 and POPCNT.
-ALLOWED = {
-    "mx": set(),
-    "m7": {"sse3"},
-    "u8": {"sse3", "ssse3"},
-    "n8": {"sse3", "ssse3", "movbe"},
-    "y8": {"sse3", "ssse3", "sse4.1"},
-    "e9": {"sse3", "ssse3", "sse4.1", "sse4.2", "popcnt", "avx"},
-    "l9": {"sse3", "ssse3", "sse4.1", "sse4.2", "popcnt", "avx", "avx2", "fma", "bmi1", "bmi2"},
-}
+import binary
+
+# What a compiler's flag lets code use, each with what it implies: every processor with AVX has SSE4.2 and POPCNT.
+IMPLIED = {"sse3": (), "ssse3": ("sse3",), "sse4.1": ("ssse3",), "sse4.2": ("sse4.1",), "popcnt": (), "movbe": (),
+           "avx": ("sse4.2", "popcnt"), "avx2": ("avx",), "fma": ("avx",), "bmi": (), "bmi2": ()}
+
+
+def offered(extension):
+    return {extension}.union(*(offered(implied) for implied in IMPLIED[extension]))
+
+
+# What each slot's code may use beyond the baseline.
+ALLOWED = {slot: {"bmi1" if e == "bmi" else e for flag in flags for e in offered(flag.removeprefix("-m"))}
+           for slot, (_, flags) in binary.slots().items()}
 
 
 def pattern(words):

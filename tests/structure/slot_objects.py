@@ -1,6 +1,6 @@
 """Purity of a slot's object files: slot_objects.py SLOT SLOT-DIRECTORY PLAIN-DIRECTORY
 
-SLOT is one of mx m7 u8 n8 y8 e9 l9, or plain for the objects that are compiled once, for the baseline. What one slot's
+SLOT is a prefix, or plain for the objects that are compiled once, for the baseline. What one slot's
 object defines and another's uses would run instructions that the chosen processor may lack, so every global is
 named after its slot and nothing is weak; what a slot's object does not define comes from a short list.
 """
@@ -39,7 +39,7 @@ def frame_names(plain_objects):
 def check_symbols(slot, paths, frame):
     failures = []
     own = (slot + "_",)
-    reachable = own + (("u8_",) if slot == "n8" else ())
+    reachable = own + (binary.slots()[slot][0] + "_",)
     for path in paths:
         for s in binary.symbols(path):
             where = f"{pathlib.Path(path).name}: {s.name}"

@@ -1,4 +1,4 @@
-// The seven slots, their tables, and which of them this processor runs.
+// The slots and which of them this processor runs.
 #pragma once
 
 #include <cstdint>
@@ -6,19 +6,32 @@
 #include <cstring>
 
 #include "frame/processor.h"
-#include "morvenqvr.h"
-
-#define QVR_SHARED(name) extern "C" decltype(&Morven_##name) const qvrTable_##name[7];
-#define QVR_OWN(name) QVR_SHARED(name)
-#include "frame/exports.def"
+#include "frame/slots.h"
 
 namespace slots {
 
-inline constexpr int kCount = 7;
-inline constexpr const char* kNames[kCount] = {"mx", "m7", "u8", "n8", "y8", "e9", "l9"};
+// Slots by name, as in `slot == mx` and `slot >= e9`.
+enum {
+#define QVR_SLOT(prefix, ...) prefix = qvrSlot_##prefix,
+#include "frame/slots.def"
+};
+inline constexpr int kCount = qvrSlotCount;
+inline constexpr const char* kNames[kCount] = {
+#define QVR_SLOT(prefix, ...) #prefix,
+#include "frame/slots.def"
+};
 
-// What the code of a slot may assume of the processor.
-inline constexpr uint64_t kNeeds[kCount] = {0x7, 0xF, 0x1F, 0x3F, 0x5F, 0x35F, 0x835F};
+// The features that choose a slot, so that it runs.
+inline constexpr uint64_t kNeeds[kCount] = {
+#define QVR_SLOT(prefix, shared, chosen, ...) chosen,
+#include "frame/slots.def"
+};
+
+// The slot whose function stands in for a shared one.
+inline constexpr int kShared[kCount] = {
+#define QVR_SLOT(prefix, shared, ...) shared,
+#include "frame/slots.def"
+};
 
 // The slot that a simulated processor is there for, or null on a real one.
 inline const char* simulatedSlot()

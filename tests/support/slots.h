@@ -11,7 +11,7 @@ namespace slots {
 template<class F, class Body> void each(F const (&table)[kCount], Body&& body)
 {
     for (int slot = 0; slot < kCount; slot++) {
-        if (!canRun(slot) || (slot == 3 && table[3] == table[2] && canRun(2)))
+        if (!canRun(slot) || (kShared[slot] != slot && table[slot] == table[kShared[slot]] && canRun(kShared[slot])))
             continue;
         SCOPED_TRACE(std::string("slot ") + kNames[slot]);
         body(table[slot], slot);

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "morvenqvr.h"
+#include "frame/types.h"
 
 // `break_it` spoils one argument of a valid call; `status` is what the call must then return.
 template<class Args> struct Fault {

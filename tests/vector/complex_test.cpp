@@ -1,4 +1,5 @@
 #include "support/elementwise.h"
+#include "vector/slot_tables.h"
 
 namespace {
 

@@ -1,6 +1,7 @@
 #include "support/budget.h"
 #include "support/elementwise.h"
 #include "support/regions.h"
+#include "vector/slot_tables.h"
 
 #include <thread>
 #include <xmmintrin.h>
@@ -186,7 +187,7 @@ TEST(Divide, RegionFromTheThresholdOn)
     std::vector<F> d(8192);
     const auto check = [&](const auto& table, auto&& call) {
         slots::each(table, [&](auto f, int slot) {
-            const bool hasRegion = slot >= 2;
+            const bool hasRegion = slot >= slots::u8;
             for (int budget : {1, 2, 7}) {
                 Budget b(budget);
                 expectFork(false, [&] { call(f, 4095); });

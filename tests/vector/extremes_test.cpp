@@ -1,4 +1,5 @@
 #include "support/arrays.h"
+#include "vector/slot_tables.h"
 
 namespace {
 

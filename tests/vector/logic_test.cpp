@@ -1,5 +1,6 @@
 #include "support/cache.h"
 #include "support/elementwise.h"
+#include "vector/slot_tables.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "support/elementwise.h"
 #include "support/guarded.h"
+#include "vector/slot_tables.h"
 
 #include <algorithm>
 

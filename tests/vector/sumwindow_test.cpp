@@ -1,4 +1,5 @@
 #include "support/arrays.h"
+#include "vector/slot_tables.h"
 
 #include <xmmintrin.h>
 
@@ -9,7 +10,7 @@ using T = int16_t;
 // Lanes of the slot's vector of singles.
 int lanesOf(int slot)
 {
-    return slot >= 5 ? 8 : 4;
+    return slot >= slots::e9 ? 8 : 4;
 }
 
 // The first window: eight accumulators of a vector each over groups of eight vectors, folded pairwise, lanes by halves.

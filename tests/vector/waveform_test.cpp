@@ -1,5 +1,6 @@
 #include "support/arrays.h"
 #include "support/status_order.h"
+#include "vector/slot_tables.h"
 
 namespace {
 
