@@ -3,6 +3,7 @@
 #include <cmath>
 #include <memory>
 
+#include "filters/slot_tables.h"
 #include "filters/iir_state_record.h"
 #include "support/slots.h"
 #include "support/values.h"
