@@ -4,7 +4,8 @@
 // at a fixed stride with one set, in mode 3 windows by a table. The pattern repeats after 4 U outputs and 4 D samples.
 //
 // A run that the delay buffer does not hold computes its prologue there, keeps the newest history, and goes on in the
-// source. The last period and what is left over go one output at a time, stopping at the newest sample.
+// source. The last period and what is left over go one output at a time, stopping at the newest sample, and so does a
+// group whose windows pass it: nothing stands behind the newest sample in a delay buffer, as in a source.
 #include "filters/fir_run.h"
 
 namespace {
@@ -121,7 +122,7 @@ template<class Form> struct MultiRate {
                 if (mode == 1)
                     p += table[g];
                 const Places r = places(base, g, p);
-                if (o < whole) {
+                if (o < whole && r.at[kGroup - 1] + M <= end) {
                     storeGroup(group(w, r, g), dst + o, factor);
                 } else {
                     for (Index j = 0; j < kGroup && o + j < total; j++)
@@ -150,7 +151,6 @@ void multiRateRun(typename Form::State* state, const typename Form::Data* src, t
     const Index taken = small ? inputs : C;
     for (Index i = 0; i < taken; i++)
         w[V + i] = static_cast<History>(elementOf(src, i));
-    zeroElements(w + V + taken, rate.M);
     if (small) {
         const Index whole = outputs / period * period;
         rate.outputs(w, 0, whole, outputs - whole, V + inputs, dst);
@@ -169,7 +169,7 @@ void multiRateRun(typename Form::State* state, const typename Form::Data* src, t
     whole -= whole >= 1 ? period : 0;
     const Index advance = rate.periodAdvance(), base = prologue / period * advance - V;
     dst += prologue;
-    const int threads = firThreads(state);
+    const int threads = qvrNumThreadsValue();
     if (iterations >= kFirForkFrom && threads >= 2 && whole > 0) {
         Index done = 0;
         parallelTeam(threads, [&, whole](int t, int team) {

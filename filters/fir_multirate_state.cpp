@@ -72,7 +72,7 @@ qvrStatus createMultiRate(typename Form::State** statePtr, const typename Form::
     const Index tapsAt = layout.take<Tap>(L);
     const Index phasesAt = layout.take<Tap>(M > INT32_MAX / blocks ? Index{INT32_MAX} : blocks * M * kGroup);
     const Index tableAt = layout.take<int32_t>(entries + 1);
-    const Index delayAt = layout.take<History>(K + room + M);
+    const Index delayAt = layout.take<History>(K + room);
     const Index scratchAt = layout.take<Tap>(scratch);
     if (layout.used > INT32_MAX)
         return qvrErrNoMemory;
@@ -98,7 +98,6 @@ qvrStatus createMultiRate(typename Form::State** statePtr, const typename Form::
     state->delayLen = static_cast<int32_t>(K);
     state->scratch = reinterpret_cast<Tap*>(block + scratchAt);
     state->owned = 1;
-    state->threads = INT32_MAX;
 
     for (Index k = 0; k < L; k++)
         state->tapsStore[k] = elementOf(taps, L - 1 - k);

@@ -76,7 +76,8 @@ inline void directRun(typename Form::State* state, const typename Form::Data* sr
         x = src + first + 1 - L;
         results = dst + first;
     }
-    const int threads = firThreads(state);
+    // In the mixed forms each thread has a slice of scratch.
+    const int threads = Form::mixed ? firThreads(state) : qvrNumThreadsValue();
     if (!Form::forks || c < kFirForkFrom || threads < 2) {
         firOutputs(x, results, rest, t, L);
         deliver(results, dst + first, rest, scale);

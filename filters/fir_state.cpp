@@ -1,8 +1,8 @@
 // Creation, accessors and release of single-rate FIR states.
 //
 // One allocation holds everything but the plan of the 32f form: header, taps and their copies, delay buffer, a status
-// word, a work area and a transform block for each thread, spectrum of the taps, scratch areas, and in the 64f forms
-// the plan.
+// word, a work area and a transform block for each thread of the budget (for fewer, if 2^31 - 1 bytes do not hold
+// them), spectrum of the taps, scratch areas, and in the 64f forms the plan.
 //
 // From the tap thresholds below a state has a transform plan: order p + 1 with p >= 2 the least that makes 2^p exceed
 // the number of taps.
@@ -16,9 +16,9 @@ namespace {
 
 template<class Tap> constexpr int kPlanFrom = sizeof(Tap) == 4 ? 64 : PerSlot<int>{32, 32, 64, 64, 64, 64, 64}.here();
 
-// Copies of the reversed taps that a slot keeps: `rows` rows of `stride` elements, row r from reversed tap r on; on the
-// wide slots in single precision one row and a table whose element 8 m + j is reversed tap m - j. Elements without a
-// tap are zero. And each tap in natural order `repeats` times in a row.
+// Copies of the reversed taps that a slot keeps: `rows` rows of `stride` elements, in row r from its element r on; on
+// the wide slots in single precision one row and a table whose element 8 m + j is reversed tap m - j. Elements without
+// a tap are zero. And each tap in natural order `repeats` times in a row.
 struct TapCopies {
     Index stride;
     int rows, tableLanes, repeats;
@@ -40,7 +40,7 @@ template<class Tap> void storeTaps(const Tap* taps, Index n, const TapCopies& co
     const auto reversed = [=](Index k) { return k >= 0 && k < n ? elementOf(taps, n - 1 - k) : Tap{0}; };
     for (int row = 0; row < copies.rows; row++)
         for (Index k = 0; k < copies.stride; k++)
-            *tapsStore++ = reversed(row + k);
+            *tapsStore++ = reversed(k - row);
     for (Index m = 0; m < copies.stride && copies.tableLanes != 0; m++)
         for (int j = 0; j < copies.tableLanes; j++)
             *tapsStore++ = reversed(m - j);
@@ -105,7 +105,7 @@ qvrStatus create(typename Form::State** statePtr, const typename Form::Tap* taps
         return qvrErrNullPointer;
     if (tapsLen < 1)
         return qvrErrBadTapsLen;
-    const Index threads = qvrNumThreadsValue(), L = tapsLen;
+    const Index L = tapsLen;
 
     bool planned = L >= kPlanFrom<Tap>;
     int order = 3;
@@ -124,55 +124,69 @@ qvrStatus create(typename Form::State** statePtr, const typename Form::Tap* taps
     const TapCopies copies = tapCopies<Tap>(L);
     const Index limit = firDirectLimit<Tap>(L);
     const Index used = L + firBuffered(limit) + kFirSlack, delay = 3 * L > used ? 3 * L : used;
-    const Index scratch = kFirScratch + (sizeof(Tap) == 8 ? 2 : 4) * threads;
+    constexpr Index scratchPerThread = sizeof(Tap) == 8 ? 2 : 4;
 
-    FirLayout layout = {sizeof(State)};
-    const Index tapsAt = layout.take<Tap>((copies.rows + copies.tableLanes) * copies.stride);
-    const Index laneAt = layout.take<Tap>(copies.repeats * L);
-    const Index delayAt = layout.take<Tap>(delay);
-    const Index statusAt = layout.take<int32_t>(threads);
-    const Index spectrumAt = layout.take<Tap>(N);
-    const Index workAt = layout.take<uint8_t>(threads * workSize);
-    const Index blocksAt = layout.take<Tap>(threads * N);
-    const Index scratchAt = layout.take<Tap>(scratch);
-    const Index narrowAt = layout.take<Data>(sizeof(Tap) == 8 ? kFirScratch : 0);
-    const Index widenedAt = layout.take<Tap>(Form::mixed ? kFirMixedBlock : 0);
-    if (layout.used > INT32_MAX)
+    struct Regions {
+        Index taps, lanes, delay, statuses, spectrum, work, blocks, scratch, narrow, widened, plan, end;
+    };
+    const auto regionsFor = [&](Index threads) {
+        FirLayout layout = {sizeof(State)};
+        Regions r;
+        r.taps = layout.take<Tap>((copies.rows + copies.tableLanes) * copies.stride);
+        r.lanes = layout.take<Tap>(copies.repeats * L);
+        r.delay = layout.take<Tap>(delay);
+        r.statuses = layout.take<int32_t>(threads);
+        r.spectrum = layout.take<Tap>(N);
+        r.work = layout.take<uint8_t>(threads * workSize);
+        r.blocks = layout.take<Tap>(threads * N);
+        r.scratch = layout.take<Tap>(kFirScratch + scratchPerThread * threads);
+        r.narrow = layout.take<Data>(sizeof(Tap) == 8 ? kFirScratch : 0);
+        r.widened = layout.take<Tap>(Form::mixed ? kFirMixedBlock : 0);
+        r.plan = layout.take<uint8_t>(sizeof(Tap) == 8 && planned ? planSize : 0);
+        r.end = layout.used;
+        return r;
+    };
+    // As many threads as the budget has and memory holds: runs need no more than one.
+    Regions at = regionsFor(1);
+    if (at.end > INT32_MAX)
         return qvrErrNoMemory;
-    const Index planAt = layout.take<uint8_t>(sizeof(Tap) == 8 && planned ? planSize : 0);
-    if (layout.used > INT32_MAX)
+    const Index perThread = qvrAlignUp<Index>(N * sizeof(Tap) + workSize + 64, 64);
+    const Index fitting = 1 + (INT32_MAX - at.end) / perThread, budget = qvrNumThreadsValue();
+    const Index threads = budget < fitting ? budget : fitting;
+    at = regionsFor(threads);
+    if (at.end > INT32_MAX)
         return qvrErrNoMemory;
 
     decltype(State::fftPlan) plan = nullptr;
     if constexpr (sizeof(Tap) == 4)
         if (planned && SLOT(qvrsFFTInitAlloc_R_32f)(&plan, order, qvrFftDivInvByN, qvrHintNone) != qvrOk)
             return qvrErrNullPointer;
-    char* block = allocate<char>(static_cast<int>(layout.used));
+    char* block = allocate<char>(static_cast<int>(at.end));
     if (block == nullptr) {
         if (plan != nullptr)
             Transform<Form>::free(plan);
         return qvrErrNoMemory;
     }
     State* state = reinterpret_cast<State*>(block);
-    const auto region = [=](Index at, bool there) { return reinterpret_cast<Tap*>(there ? block + at : nullptr); };
+    const auto region = [=](Index from, bool there) { return reinterpret_cast<Tap*>(there ? block + from : nullptr); };
     *state = {};
     *statePtr = state;
     state->tag = tag;
-    state->tapsStore = region(tapsAt, true);
-    state->delayStore = region(delayAt, true);
+    state->tapsStore = region(at.taps, true);
+    state->delayStore = region(at.delay, true);
     state->tapsLen = state->delayLen = tapsLen;
     state->directLimit = static_cast<int32_t>(limit);
     state->fftLen = planned ? static_cast<int32_t>(N) : -1;
-    state->laneTaps = region(laneAt, copies.repeats != 0);
-    state->tapSpectrum = region(spectrumAt, planned);
-    state->fftBlocks = region(blocksAt, planned);
-    state->fftWork = reinterpret_cast<uint8_t*>(region(workAt, workSize > 0));
+    state->laneTaps = region(at.lanes, copies.repeats != 0);
+    state->tapSpectrum = region(at.spectrum, planned);
+    state->fftBlocks = region(at.blocks, planned);
+    state->fftWork = reinterpret_cast<uint8_t*>(region(at.work, workSize > 0));
     state->fftWorkSize = workSize;
-    state->scratch = region(scratchAt, true);
-    state->threadStatus = reinterpret_cast<int32_t*>(region(statusAt, true));
+    state->scratch = region(at.scratch, true);
+    state->threadStatus = reinterpret_cast<int32_t*>(region(at.statuses, true));
     state->owned = 1;
-    state->narrowScratch = reinterpret_cast<Data*>(region(narrowAt, sizeof(Tap) == 8));
-    state->widened = region(widenedAt, Form::mixed);
+    state->narrowScratch = reinterpret_cast<Data*>(region(at.narrow, sizeof(Tap) == 8));
+    state->widened = region(at.widened, Form::mixed);
     state->threads = static_cast<int32_t>(threads);
 
     storeTaps(taps, L, copies, state->tapsStore, state->laneTaps);
@@ -185,7 +199,7 @@ qvrStatus create(typename Form::State** statePtr, const typename Form::Tap* taps
         // What initialisation needs by the way, a quarter wave, fits the first transform block.
         static_assert(alignof(FftSpec<double>) <= 64);
         SLOT(ownqvrsFFTInit_R_64f)(&plan, order, qvrFftDivInvByN, qvrHintNone,
-                                   reinterpret_cast<uint8_t*>(block + planAt),
+                                   reinterpret_cast<uint8_t*>(block + at.plan),
                                    reinterpret_cast<uint8_t*>(state->fftBlocks));
     }
     state->fftPlan = plan;

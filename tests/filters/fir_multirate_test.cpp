@@ -405,14 +405,40 @@ State<Form> makeMultiRate(int slot, const std::vector<typename Form::Tap>& taps,
     return State<Form>(s, Release<Form>{slot});
 }
 
+// A state as another creator makes it: the stated fields alone, and a delay buffer of the history and the stated room,
+// both before an unreadable page.
+template<class Form> struct HandMade {
+    using History = std::conditional_t<sizeof(typename Form::Data) == 4, float, double>;
+    typename Form::State* p;
+    Guarded* delay;
+
+    explicit HandMade(const typename Form::State& made)
+    {
+        const size_t fields = reinterpret_cast<const char*>(&made.widened) - reinterpret_cast<const char*>(&made);
+        const size_t elements = made.delayLen + made.directLimit;
+        p = pooledGuarded(3, fields + 64).template atEnd<typename Form::State>(fields);
+        memcpy(static_cast<void*>(p), &made, fields);
+        delay = &pooledGuarded(4, elements * sizeof(History) + 64);
+        History* d = delay->template atEnd<History>(elements * sizeof(History));
+        memcpy(d, made.delayStore, made.delayLen * sizeof(History));
+        p->delayStore = reinterpret_cast<typename Form::Tap*>(d);
+        p->owned = 0;
+    }
+};
+
 // A stream in several runs, out of place or in place, against the grid.
 template<class Form>
-void checkEngine(int slot, const Rate& r, int mode, int L, const std::vector<int>& runs, bool inPlace, int scale)
+void checkEngine(int slot, const Rate& r, int mode, int L, const std::vector<int>& runs, bool inPlace, int scale,
+                 bool handMade = false)
 {
     using Data = typename Form::Data;
     const auto taps = exactValues<typename Form::Tap>(L, L, 9, 0.25);
     const auto first = exactValues<Data>(delayLength(L, r.up), 2);
-    auto state = makeMultiRate<Form>(slot, taps, r, mode, first.data());
+    const auto made = makeMultiRate<Form>(slot, taps, r, mode, first.data());
+    typename Form::State* state = made.get();
+    const HandMade<Form> own(*made);
+    if (handMade)
+        state = own.p;
     auto model = first;
     const std::vector<double> doubles(taps.begin(), taps.end());
     for (int n : runs) {
@@ -424,7 +450,7 @@ void checkEngine(int slot, const Rate& r, int mode, int L, const std::vector<int
         Data* src = in.atEnd<Data>(inPlace ? std::max(inBytes, outBytes) : inBytes, n % 3);
         Data* dst = inPlace ? src : out.atFront<Data>(outBytes, n % 5);
         memcpy(static_cast<void*>(src), x.data(), inBytes);
-        ASSERT_EQ(Form::run(slot, src, dst, n, state.get(), scale), qvrOk);
+        ASSERT_EQ(Form::run(slot, src, dst, n, state, scale), qvrOk);
         std::vector<Data> got(want.size());
         memcpy(got.data(), static_cast<void*>(dst), outBytes);
         for (size_t o = 0; o < got.size(); o++)
@@ -433,6 +459,7 @@ void checkEngine(int slot, const Rate& r, int mode, int L, const std::vector<int
                 << L << " taps, " << n << " iterations, output " << o;
         EXPECT_TRUE(in.intact());
         EXPECT_TRUE(inPlace || out.intact());
+        EXPECT_TRUE(own.delay->intact());
         ASSERT_EQ(state->delayIndex, 0);
     }
 }
@@ -457,6 +484,24 @@ TYPED_TEST(FirEngine, AgreeWithTheGrid)
                         if (this->HasFatalFailure())
                             return;
                     }
+            }
+    });
+}
+
+// Nothing is read behind the stated fields, nothing read or written behind the stated delay buffer.
+TYPED_TEST(FirEngine, StatesMadeByHand)
+{
+    using Form = TypeParam;
+    eachSlot<Form>([&](int slot) {
+        for (const Rate& r : kRates)
+            for (int mode : {1, 2, 3}) {
+                if ((mode == 2 && r.up != 1) || r.up * r.down > 1000)
+                    continue;
+                for (int L : {1, 7, 30, 2 * r.up + 1}) {
+                    checkEngine<Form>(slot, r, mode, L, {1, 3, 7, 1, 40, 4, 1700}, L % 2, 0, true);
+                    if (this->HasFatalFailure())
+                        return;
+                }
             }
     });
 }

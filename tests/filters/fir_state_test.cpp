@@ -4,6 +4,7 @@
 #include "filters/slot_tables.h"
 #include "frame/threads.h"
 #include "support/allocation.h"
+#include "support/budget.h"
 #include "support/status_order.h"
 
 using namespace fir;
@@ -42,7 +43,7 @@ template<class Form> void expectLayout(int slot, int L)
         const int S = narrow ? L : sizeof(Tap) == 4 ? (L + 6) / 4 * 4 : (L + 2) / 2 * 2;
         for (int row = 0; row < (narrow ? 1 : sizeof(Tap) == 4 ? 4 : 2); row++)
             for (int k = 0; k < S; k++)
-                ASSERT_EQ(state->tapsStore[row * S + k], reversed(row + k));
+                ASSERT_EQ(state->tapsStore[row * S + k], reversed(k - row));
     }
     const int repeats = narrow ? 0 : sizeof(Tap) == 4 && wide ? 8 : 4;
     EXPECT_EQ(state->laneTaps == nullptr, narrow);
@@ -125,6 +126,29 @@ TYPED_TEST(FirState, CreationStatuses)
             EXPECT_EQ(state, nullptr);
         }
         EXPECT_EQ(allocator.allocations(), before);
+    });
+}
+
+// Regions for each thread of the budget, but for no more than 2^31 - 1 bytes hold.
+TYPED_TEST(FirState, MemoryFitsTheBudget)
+{
+    using Form = TypeParam;
+    using Tap = typename Form::Tap;
+    const int L = sizeof(Tap) == 4 ? 1 << 21 : 1 << 20;
+    const double block = static_cast<double>(sizeof(Tap)) * 4 * L;
+    const std::vector<Tap> taps(L, Tap(1));
+    eachSlot<Form>([&](int slot) {
+        for (int budget : {2, 64, 1000}) {
+            Budget set(budget);
+            // Behind the plan and what makes it, where these have memory of their own.
+            CountingAllocator allocator(sizeof(Tap) == 4 ? 2 : 0);
+            typename Form::State* state = nullptr;
+            EXPECT_EQ(Form::creators[slot](&state, taps.data(), L, nullptr), qvrErrNoMemory);
+            EXPECT_EQ(allocator.allocations(), sizeof(Tap) == 4 ? 3 : 1);
+            EXPECT_LT(allocator.lastSize(), size_t{1} << 31);
+            EXPECT_GT(static_cast<double>(allocator.lastSize()), (budget == 2 ? 2 : 50) * block);
+            EXPECT_EQ(allocator.live(), 0u);
+        }
     });
 }
 
