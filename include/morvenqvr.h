@@ -792,7 +792,8 @@ typedef struct qvrsFFTSpec_R_64f qvrsFFTSpec_R_64f; /**< prepared real transform
  * Creates the specification object of a length.
  *
  * Checks in order: ppSpec null (qvrErrNullPointer), order outside 0..30 (qvrErrFFTOrder), flag (qvrErrFFTFlag), order
- * above the largest (qvrErrFFTOrder): 28 or 29 in 32f and 27 or 28 in 64f, by processor.
+ * above the largest (qvrErrFFTOrder): 29 in 32f and 28 in 64f, but 28 and 27 in the SSE2 build, and 27 in 64f in that
+ * for SSSE3 with MOVBE.
  * @param ppSpec receives the object; untouched after an error. Release it with Morven_qvrsFFTFree_R_32f.
  * @param order log2 of the length
  * @param flag qvrFftDivFwdByN, qvrFftDivInvByN, qvrFftDivBySqrtN or qvrFftNoDiv
@@ -914,8 +915,8 @@ qvrStatus Morven_qvrsFFTFree_R_16s(qvrsFFTSpec_R_16s* pSpec);
  * signal: positive frequencies are doubled, negative ones removed, the mean and (of an even length) the frequency of
  * half the sampling rate kept. Lengths 1 and 2 give the input with imaginary part 0.
  *
- * Any length works. Lengths whose prime factors are small are fastest; one with a prime factor above 75 costs three to
- * six times as much.
+ * Any length below 2^26 works. Lengths whose prime factors are small are fastest; one with a prime factor above 75 costs
+ * three to six times as much.
  *
  * A state is not changed by transforms: one state serves several threads at once.
  * @{
@@ -929,8 +930,10 @@ typedef struct qvrsHilbertState_32f32fc qvrsHilbertState_32f32fc; /**< prepared 
  * @param len samples in a block, at least 1
  * @param hint any value
  * @return in order: qvrErrNullPointer, qvrErrBadSize for a length below 1. Then qvrErrFFTOrder for a power of two of
- *     2^29 and more (2^28 in the SSE2 build), qvrErrBadSize for other lengths above 2^27 - 1, qvrErrNoMemory if the
- *     tables could not be had. Failure to get the few bytes of the state itself is not caught.
+ *     2^29 and more (2^28 in the SSE2 build), qvrErrBadSize for other lengths above 2^27 - 1 and for those from 2^26 on
+ *     with a prime factor above 75, qvrErrNoMemory at once for lengths of small factors whose work memory would pass
+ *     2^31 - 1 bytes, such as 2 * 5^11, and if the tables could not be had. Failure to get the few bytes of the state
+ *     itself is not caught.
  */
 qvrStatus Morven_qvrsHilbertInitAlloc_32f32fc(qvrsHilbertState_32f32fc** ppState, int len, int hint);
 
@@ -968,13 +971,15 @@ qvrStatus Morven_qvrsHilbertFree_32f32fc(qvrsHilbertState_32f32fc* pState);
  * With S the shorter and L the longer length and D = len1 + len2 - 1 results, plain sums are taken if D < 512 or S < 64
  * (150 and 32 in the SSE2 build); each then adds its terms to 0 in the order of the shorter source. Else, from L = 3 S
  * on, the longer source goes through in blocks, which for L above 4096 run on all threads that the OpenMP runtime
- * allowed when the library was loaded; the result does not depend on their number.
+ * allowed when the library was loaded, as far as there are blocks and memory for them; the result does not depend on
+ * their number.
  * @param pSrc1 first signal
  * @param len1 its length, at least 1
  * @param pSrc2 second signal
  * @param len2 its length, at least 1
  * @param pDst len1 + len2 - 1 values
- * @return qvrErrFFTOrder if the transform that the lengths ask for is longer than the largest
+ * @return qvrErrNoMemory at once where spectra would take more than 2^31 - 1 bytes: from L = 3 S on if S is above 2^25,
+ *     below that if D is above 2^27
  */
 qvrStatus Morven_qvrsConv_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2, int len2, qvr32f* pDst);
 
@@ -983,7 +988,9 @@ qvrStatus Morven_qvrsConv_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2
  * plain sums.
  *
  * pSrc2 points `bias` elements into a buffer of len2 elements, so that pSrc2[-bias] is its first one; terms whose
- * element lies outside of that buffer are left out. A bias below 0 means a buffer that begins behind pSrc2.
+ * element lies outside of that buffer are left out. A bias below 0 means a buffer that begins behind pSrc2. Where no
+ * term is left out, and where len1 = len2 = dstLen with a bias of 0, the terms of a result go in groups of eight into
+ * eight partial sums, but for a few small shapes.
  * @param pSrc1 taps
  * @param len1 number of taps, at least 1
  * @param pSrc2 element `bias` of the buffer
@@ -1014,7 +1021,9 @@ qvrStatus Morven_qvrsConvCyclic8x8_32f(const qvr32f* pX, const qvr32f* pH, qvr32
  * @param pDst dstLen values
  * @param dstLen number of lags, at least 1
  * @param lowLag first lag, any value
- * @return qvrErrFFTOrder if the transform that the lengths ask for is longer than the largest
+ * @return qvrErrNoMemory at once where spectra would take more than 2^31 - 1 bytes: with one length at least three times
+ *     the other and the first lag near the overlap's begin if the shorter is above 2^25, otherwise if len1 + len2 - 1 is
+ *     above 2^27
  */
 qvrStatus Morven_qvrsCrossCorr_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2, int len2, qvr32f* pDst,
                                    int dstLen, int lowLag);
@@ -1027,7 +1036,7 @@ qvrStatus Morven_qvrsCrossCorr_32f(const qvr32f* pSrc1, int len1, const qvr32f* 
  * @param srcLen its length, at least 1
  * @param pDst dstLen values
  * @param dstLen number of lags, at least 1
- * @return qvrErrFFTOrder if the transform that the lengths ask for is longer than the largest
+ * @return qvrErrNoMemory at once, where plain sums are not taken, for srcLen above 2^27
  */
 qvrStatus Morven_qvrsAutoCorr_32f(const qvr32f* pSrc, int srcLen, qvr32f* pDst, int dstLen);
 
@@ -1200,8 +1209,9 @@ qvrStatus Morven_qvrsIIRInitAlloc_64f(qvrsIIRState_64f** statePtr, const qvr64f*
 /**
  * Filters numIters samples.
  *
- * Runs of more than 4 * order samples use a block form on processors with SSE3, which agrees with the sample-by-sample
- * form up to rounding. Instability is not detected.
+ * Runs of more than 4 * order samples use a block form on processors with SSE3, in chunks of up to 1024 samples. It
+ * agrees with the sample-by-sample form up to rounding, and its error stays within a few times that form's, poles close
+ * to the circle or not. Instability is not detected.
  * @param src samples
  * @param dst results; may be src
  * @param numIters samples, at least 1
@@ -1252,7 +1262,8 @@ qvrStatus Morven_qvrsIIRGenHighpass_64f(int order, qvr64f* taps, int filterType,
  *
  * Threads. From 1601 samples on a run may use as many threads as the OpenMP runtime allowed when the library was loaded:
  * on the transform path always, on the direct path but for the 32f form on processors with AVX. A state is made for the
- * number of threads at its creation.
+ * number of threads at its creation, or for as many as 2^31 - 1 bytes hold. On processors without SSE3 the last bits of
+ * direct results depend on the number of threads.
  * @{
  */
 
@@ -1279,7 +1290,7 @@ typedef struct qvrsFIRState64f_16s qvrsFIRState64f_16s;
 qvrStatus Morven_qvrsFIRInitAlloc_32f(qvrsFIRState_32f** statePtr, const qvr32f* taps, int tapsLen,
                                       const qvr32f* dlyLine);
 
-/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_32f; a plan that no transform is long enough for is left out. */
+/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_32f; qvrErrNullPointer stands for null arguments alone. */
 qvrStatus Morven_qvrsFIRInitAlloc_64f(qvrsFIRState_64f** statePtr, const qvr64f* taps, int tapsLen,
                                       const qvr64f* dlyLine);
 
@@ -1386,7 +1397,10 @@ qvrStatus Morven_qvrsFIRMR32f_Direct_16s_Sfs(const qvr16s* src, qvr16s* dst, int
                                              int tapsLen, int upFactor, int upPhase, int downFactor, int downPhase,
                                              qvr16s* dlyLine, int scaleFactor);
 
-/** Multi-rate FIR of 32f samples with 64f taps. Sums are 64f; beyond the range of a float they become the largest one. */
+/**
+ * Multi-rate FIR of 32f samples with 64f taps. Sums are 64f, with products fused on processors with AVX2 and FMA; beyond
+ * the range of a float they become the largest one.
+ */
 qvrStatus Morven_qvrsFIRMR64f_Direct_32f(const qvr32f* src, qvr32f* dst, int numIters, const qvr64f* taps, int tapsLen,
                                          int upFactor, int upPhase, int downFactor, int downPhase, qvr32f* dlyLine);
 

@@ -605,4 +605,37 @@ TEST(FirMx, LaneSums64f)
     checkLaneSums<Form64f>();
 }
 
+// The path of a run: a spectrum of the taps that is no number shows wherever it was used.
+template<class Form> class FirPath : public testing::Test {};
+using PathForms = testing::Types<Form32f, Form64f, Form64f_32f>;
+TYPED_TEST_SUITE(FirPath, PathForms);
+
+TYPED_TEST(FirPath, Thresholds)
+{
+    using Form = TypeParam;
+    using Data = typename Form::Data;
+    eachSlot<Form>([&](int slot) {
+        const int L = 100, chunk = slot >= 5 ? 4224 : 4096;
+        // How many of n samples went through the transform.
+        const auto transformed = [&](int n, bool inPlace) {
+            auto state = create<Form>(slot, std::vector<typename Form::Tap>(L, 1));
+            for (int k = 0; k < state->fftLen; k++)
+                state->tapSpectrum[k] = NAN;
+            std::vector<Data> x(n, 1), y(n);
+            Data* to = inPlace ? x.data() : y.data();
+            EXPECT_EQ(Form::run(slot, x.data(), to, n, state.get()), qvrOk);
+            return std::count_if(to, to + n, [](Data v) { return !(v == v) || std::fabs(v) > 1e30; });
+        };
+        EXPECT_EQ(transformed(511, false), 0);
+        EXPECT_EQ(transformed(512, false), 512);
+        EXPECT_EQ(transformed(9000, false), 9000);
+        const bool mixed = sizeof(Data) < sizeof(typename Form::Tap);
+        EXPECT_EQ(transformed(511, true), 0);
+        EXPECT_EQ(transformed(512, true), mixed ? 512 : 0);
+        EXPECT_EQ(transformed(chunk + 511, true), mixed ? chunk + 511 : 0);
+        EXPECT_EQ(transformed(chunk + 512, true), mixed ? chunk + 512 : chunk);
+        EXPECT_EQ(transformed(2 * chunk + 512, true), mixed ? 2 * chunk + 512 : 2 * chunk);
+    });
+}
+
 } // namespace

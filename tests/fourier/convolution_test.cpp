@@ -218,6 +218,40 @@ TEST(Conv, FailingMemory)
     });
 }
 
+// Plain sums need no memory; a product of spectra two arrays, and blocks a spectrum and a buffer that follow the
+// shorter source.
+TEST(Conv, Paths)
+{
+    slots::each(qvrTable_qvrsConv_32f, [&](auto f, int slot) {
+        Budget set(1);
+        const size_t results = slot == kMx ? 150 : 512, shorter = slot == kMx ? 32 : 64;
+        const auto memory = [&](size_t n1, size_t n2) -> size_t {
+            const Signal a(n1, 1.0f), b(n2, 1.0f);
+            Signal y(n1 + n2 - 1);
+            CountingAllocator allocator;
+            EXPECT_EQ(f(a.data(), static_cast<int>(n1), b.data(), static_cast<int>(n2), y.data()), qvrOk);
+            return allocator.allocations() == 0 ? 0 : allocator.lastSize() / 4;
+        };
+        for (const bool swap : {false, true}) {
+            const auto path = [&](size_t n1, size_t n2) { return swap ? memory(n2, n1) : memory(n1, n2); };
+            EXPECT_EQ(path(results - shorter, shorter), 0u);
+            EXPECT_GT(path(results + 1 - shorter, shorter), 0u);
+            EXPECT_EQ(path(5000, shorter - 1), 0u);
+            EXPECT_GT(path(5000, shorter), 0u);
+            EXPECT_EQ(path(9000, shorter - 1), 0u);
+            EXPECT_GE(path(20000, 7000), 2 * 32768u); // one product
+            EXPECT_LT(path(60000, 64), 4096u);        // blocks of 256 points for any length
+        }
+        // Blocks from three times the shorter source on: these fork.
+        if (regions::counted())
+            for (size_t n1 : {5999, 6000}) {
+                const int before = regions::forks();
+                memory(n1, 2000);
+                EXPECT_EQ(regions::forks() - before, n1 == 6000 ? 1 : 0);
+            }
+    });
+}
+
 // Arrays that would pass 2^31 - 1 bytes are refused on every slot alike, before anything is built.
 TEST(Conv, RefusesWhatCannotFit)
 {

@@ -179,6 +179,53 @@ TEST(CrossCorr, FailingMemory)
     });
 }
 
+// Plain sums need no memory.
+template<class Call> bool takesMemory(const Call& call)
+{
+    CountingAllocator allocator;
+    EXPECT_EQ(call(), qvrOk);
+    return allocator.allocations() > 0;
+}
+
+TEST(CrossCorr, Paths)
+{
+    slots::each(qvrTable_qvrsCrossCorr_32f, [&](auto f, int) {
+        const auto transforms = [&](size_t len1, size_t len2, int low, size_t count) {
+            const Signal a(len1, 1.0f), b(len2, 1.0f);
+            Signal y(count);
+            return takesMemory([&] {
+                return f(a.data(), static_cast<int>(len1), b.data(), static_cast<int>(len2), y.data(),
+                         static_cast<int>(count), low);
+            });
+        };
+        EXPECT_FALSE(transforms(1000, 1000, 0, 383));
+        EXPECT_TRUE(transforms(1000, 1000, 0, 384));
+        EXPECT_FALSE(transforms(500, 1000, -499, 767));
+        EXPECT_TRUE(transforms(500, 1000, -499, 768));
+        EXPECT_FALSE(transforms(1000, 500, -999, 767));
+        EXPECT_TRUE(transforms(1000, 500, -999, 768));
+        // Lags outside of the overlap do not count.
+        EXPECT_FALSE(transforms(400, 400, 20, 5000));
+        EXPECT_TRUE(transforms(400, 400, -5000, 6000));
+    });
+}
+
+TEST(AutoCorr, Paths)
+{
+    slots::each(qvrTable_qvrsAutoCorr_32f, [&](auto f, int slot) {
+        const size_t from = slot == 0 ? 600 : slot == 6 ? 1200 : 856;
+        const auto transforms = [&](size_t len, size_t count) {
+            const Signal a(len, 1.0f);
+            Signal y(count);
+            return takesMemory([&] { return f(a.data(), static_cast<int>(len), y.data(), static_cast<int>(count)); });
+        };
+        EXPECT_FALSE(transforms(5000, from - 1));
+        EXPECT_TRUE(transforms(5000, from));
+        EXPECT_FALSE(transforms(from - 1, 5000));
+        EXPECT_TRUE(transforms(from, 5000));
+    });
+}
+
 // Arrays that would pass 2^31 - 1 bytes are refused on every slot alike, before anything is built.
 TEST(CrossCorr, RefusesWhatCannotFit)
 {
