@@ -23,8 +23,15 @@ if(NOT QVR_SANITIZE)
 endif()
 target_link_libraries(morvenqvr PRIVATE ${QVR_OMP_LIBRARY} m)
 
+# A bit for each slot that is built without the sanitizer, for tests.
+set(left_out 0)
+foreach(slot IN LISTS QVR_LEFT_OUT)
+    list(FIND QVR_SLOTS ${slot} index)
+    math(EXPR left_out "${left_out} | 1 << ${index}")
+endforeach()
 add_library(morvenqvr_static STATIC EXCLUDE_FROM_ALL ${QVR_OBJECTS})
 set_target_properties(morvenqvr_static PROPERTIES LINKER_LANGUAGE CXX)
+target_compile_definitions(morvenqvr_static PUBLIC QVR_LEFT_OUT=${left_out})
 target_link_libraries(morvenqvr_static PUBLIC declarations ${QVR_OMP_LIBRARY} m)
 
 include(GNUInstallDirs)
