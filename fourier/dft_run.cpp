@@ -1,7 +1,7 @@
 // Execution of the transforms of any length. An inverse transform is the forward one of conjugated values, conjugated.
 #include "fourier/dft.h"
 #include "fourier/functions.h"
-#include "fourier/recombine.h"
+#include "fourier/kernel_table.h"
 #include "frame/memory.h"
 #include "frame/status.h"
 
@@ -256,31 +256,21 @@ qvrStatus complexForm(const qvrsDFTSpec& spec, const float* src, float* dst, flo
     return qvrOk;
 }
 
-// The spectrum of half the length in dst to that of the real values, in place.
+// The spectrum of half the length, times kBeforeRecombination, in dst to that of the real values, in place.
 void recombineAny(float* dst, Index half, const float* table)
 {
     const Cx<S> first = loadPoint(dst, 0);
-    Index k = 1;
-    for (; 2 * k + 2 * W <= half + 1; k += W) {
-        const Index j = half - k - W + 1;
-        Cx<F> a = loadPairs<F>(dst + 2 * k);
-        Cx<F> b = splitReversed(Pairs<F>{load<F>(dst + 2 * j), load<F>(dst + 2 * j + W)});
-        forwardFolded(a, b, loadPairs<F>(table + 2 * k));
-        storePairs(dst + 2 * k, a);
-        const Pairs<F> back = joinReversed(b);
-        store(dst + 2 * j, back.v0);
-        store(dst + 2 * j + W, back.v1);
+    const Index count = (half - 1) / 2;
+    float *const a = dst + 2, *const b = dst + 2 * (half - count);
+    RecombineCall<float> call = {a, b, a, b, 1, count, table, 0};
+    fftKernels<float>().recombine[0][0](call);
+    const S back = {1 / kBeforeRecombination<float>};
+    if (half % 2 == 0) {
+        put(dst, half, get(dst, half) * back[0]);
+        put(dst, half + 1, -get(dst, half + 1) * back[0]);
     }
-    for (; 2 * k < half; k++) {
-        Cx<S> a = loadPoint(dst, k), b = loadPoint(dst, half - k);
-        forwardFolded(a, b, loadPoint(table, k));
-        storePoint(dst, k, a);
-        storePoint(dst, half - k, b);
-    }
-    if (half % 2 == 0)
-        put(dst, half + 1, -get(dst, half + 1));
-    storePoint(dst, 0, {first.re + first.im, S{}});
-    storePoint(dst, half, {first.re - first.im, S{}});
+    storePoint(dst, 0, {(first.re + first.im) * back, S{}});
+    storePoint(dst, half, {(first.re - first.im) * back, S{}});
 }
 
 // Work memory of one call, the caller's or our own.
@@ -347,9 +337,10 @@ qvrStatus SLOT(ownqvrsDFTFwd_RToCCS_32f)(const float* pSrc, float* pDst, const q
         if (spec.len <= kStraightMost) {
             SLOT(ownqvrsDFTStraight_R)(pSrc, pDst, spec.len, out.factor);
         } else if (spec.odd == 0) {
-            if (const qvrStatus status = complexForm(spec, pSrc, pDst, work, out))
+            if (const qvrStatus status =
+                    complexForm(spec, pSrc, pDst, work, {kBeforeRecombination<float> * out.factor, out.sign}))
                 return status;
-            recombineAny(pDst, spec.points, spec.pRecombFwd);
+            recombineAny(pDst, spec.points, spec.pRecombInv);
         } else if (spec.isFactored != 0) {
             mixedRadixReal(spec, pSrc, pDst, work, out);
         } else if (spec.pDirectTable != nullptr) {

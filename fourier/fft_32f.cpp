@@ -13,10 +13,7 @@ extern "C" qvrStatus SLOT(ownqvrsFFTComplex_32f)(const float* pSrc, float* pDst,
     Work<float> work;
     if (const qvrStatus status = takeWork<float>(*pSpec, pBuffer, work))
         return status;
-    if (inverse)
-        complexTransform<true>(*pSpec, pSrc, pDst, work.p, scale);
-    else
-        complexTransform<false>(*pSpec, pSrc, pDst, work.p, scale);
+    complexTransform(makeRun<float>(*pSpec, inverse, scale ? pSpec->normFactor : 1.0f, work.p, false), pSrc, pDst);
     giveWork(work);
     return qvrOk;
 }

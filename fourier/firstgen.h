@@ -5,80 +5,17 @@
 #ifndef QVR_FOURIER_FIRSTGEN_H
 #define QVR_FOURIER_FIRSTGEN_H
 
-#include "fourier/flat.h"
-#include "fourier/limits.h"
+#include "fourier/recombine.h"
 #include "fourier/reverse.h"
+#include "fourier/tables.h"
 
 namespace {
 
-constexpr int kKernelOrder = 10;   // the radix-4 kernel's longest transform
 constexpr int kSweepBlock = 14;    // points swept together
 constexpr Index kSweepChunk = 128; // butterflies whose twiddles stay in cache while all blocks pass
 
 template<class T> using PairVec = Vec<T, static_cast<int>(16 / sizeof(T))>;
 template<class T> constexpr int kPoints = static_cast<int>(8 / sizeof(T));
-
-// ---- Tables ---------------------------------------------------------------------------------------------------------
-
-// Swaps (4i, 4 rev i) for i < rev i over m - 2 bits, ended by 0; behind it, filled from the end, 4i of the palindromes
-// i > 0 with the last entry 0.
-inline void fillSwapTable(int32_t* table, int m)
-{
-    const Index quarter = (Index{1} << m) / 4;
-    Index front = 0, back = quarter - 1;
-    for (Index i = 0; i < quarter; i++) {
-        const Index r = reverseIndex(i, m - 2);
-        if (i < r) {
-            table[front++] = static_cast<int32_t>(4 * i);
-            table[front++] = static_cast<int32_t>(4 * r);
-        } else if (i == r && i > 0) {
-            table[back--] = static_cast<int32_t>(4 * i);
-        }
-    }
-    table[front] = 0;
-    table[quarter] = 0;
-}
-
-// Entries k = 0 .. 2^m / 4 of cos t, -sin t, cos 2t, -sin 2t, cos 3t, -sin 3t, t = 2 pi k / 2^m.
-constexpr Index kernelTableSize(int m)
-{
-    return 6 * ((Index{1} << m) / 4 + 1);
-}
-template<class T> inline void fillKernelTable(T* out, const Quarter<T>& quarter, int m)
-{
-    for (Index k = 0; k <= (Index{1} << m) / 4; k++)
-        for (int j = 1; j <= 3; j++) {
-            const Twiddle<T> w = quarter.at(j * k, m);
-            *out++ = w.re;
-            *out++ = w.im;
-        }
-}
-
-// cos t, -sin t of the quarter circle.
-constexpr Index sweepTableSize(int m)
-{
-    return 2 * ((Index{1} << m) / 4);
-}
-template<class T> inline void fillSweepTable(T* out, const Quarter<T>& quarter, int m)
-{
-    for (Index k = 0; k < (Index{1} << m) / 4; k++) {
-        const Twiddle<T> w = quarter.at(k, m);
-        *out++ = w.re;
-        *out++ = w.im;
-    }
-}
-
-// For each four columns j and each row c: the twiddles of 2 pi (j .. j + 3) rev(c) / 2^m.
-template<class T> inline void fillMidTable(T* out, const Quarter<T>& quarter, int m, int f)
-{
-    for (Index j = 0; j < Index{1} << (m - f); j += 4)
-        for (Index c = 0; c < Index{1} << f; c++)
-            for (int i = 0; i < 4; i++) {
-                const Twiddle<T> w = quarter.at((j + i) * reverseIndex(c, f), m);
-                *out++ = w.re;
-                *out++ = w.im;
-            }
-}
 
 // ---- Bit reversal ---------------------------------------------------------------------------------------------------
 
@@ -130,27 +67,6 @@ template<class T> inline void reverseInto(const T* src, T* dst, int m, const int
 
 // ---- Arithmetic on pairs --------------------------------------------------------------------------------------------
 
-template<class V> QVR_INLINE V evenDup(V v)
-{
-    if constexpr (sizeof(Elem<V>) == 4)
-        return shuffleBlocks<0, 0, 2, 2>(v);
-    else
-        return shuffleBlocks<0, 0>(v);
-}
-template<class V> QVR_INLINE V oddDup(V v)
-{
-    if constexpr (sizeof(Elem<V>) == 4)
-        return shuffleBlocks<1, 1, 3, 3>(v);
-    else
-        return shuffleBlocks<1, 1>(v);
-}
-template<class V> QVR_INLINE V exchanged(V v)
-{
-    if constexpr (sizeof(Elem<V>) == 4)
-        return shuffleBlocks<1, 0, 3, 2>(v);
-    else
-        return shuffleBlocks<1, 0>(v);
-}
 // x w, or x conj(w).
 template<bool Inverse, class V> QVR_INLINE V times(V x, V w)
 {
@@ -273,11 +189,6 @@ template<bool Inverse, class T> inline void sweep(T* data, int from, int to, con
 
 // ---- Whole transforms -----------------------------------------------------------------------------------------------
 
-template<class T> struct FirstGenTables {
-    const T *kernel, *sweep;
-    const T *const *column, *const *mid;
-};
-
 template<class T> inline void scalePoints(T* data, Index points, T factor)
 {
     using V = Full<T>;
@@ -286,39 +197,32 @@ template<class T> inline void scalePoints(T* data, Index points, T factor)
         store(data + i, load<V>(data + i) * f);
 }
 
-// The order of the kernel table that a row of order r (or an unsplit transform) has.
-constexpr int kernelTableOrder(int r)
-{
-    return r < kKernelOrder ? r : kKernelOrder;
-}
-
-template<bool Inverse, class T>
-inline void kernelScaled(T* data, int m, const T* table, int tableOrder, bool scale, T factor)
+template<bool Inverse, class T> inline void kernelScaled(T* data, int m, const T* table, int tableOrder, T factor)
 {
     radix4Kernel<Inverse>(data, m, table, tableOrder);
-    if (scale)
+    if (factor != T(1))
         scalePoints(data, Index{1} << m, factor);
 }
 
 template<bool Inverse, class T>
-inline void firstGenStages(T* data, int m, FirstGenTables<T> tables, int level, T* work, bool scale, T factor)
+inline void firstGenStages(T* data, int m, FirstGenTables<T> tables, int level, T* work, T factor)
 {
     using V = PairVec<T>;
     constexpr int P = kPoints<T>;
     const int f = splitOrder<T>(m), r = m - f;
     if (m <= kKernelOrder)
-        return kernelScaled<Inverse>(data, m, tables.kernel, kernelTableOrder(m), scale, factor);
+        return kernelScaled<Inverse>(data, m, tables.kernel, kernelTableOrder(m), factor);
     if (f == 0) {
         const Index points = Index{1} << m, kernel = Index{1} << kKernelOrder;
         static_assert(kShapeFirst - 1 <= kSweepBlock); // unsplit orders fit one block
         for (Index b = points - kernel; b >= 0; b -= kernel)
-            kernelScaled<Inverse>(data + 2 * b, kKernelOrder, tables.kernel, kKernelOrder, scale, factor);
+            kernelScaled<Inverse>(data + 2 * b, kKernelOrder, tables.kernel, kKernelOrder, factor);
         sweep<Inverse>(data, kKernelOrder, m, tables.sweep, m);
         return;
     }
     const Index rows = Index{1} << f, length = Index{1} << r;
     for (Index c = 0; c < rows; c++)
-        firstGenStages<Inverse>(data + 2 * c * length, r, tables, level + 1, work, scale, factor);
+        firstGenStages<Inverse>(data + 2 * c * length, r, tables, level + 1, work, factor);
     const T* mid = tables.mid[level];
     for (Index j = 0; j < length; j += 4) {
         for (Index c = 0; c < rows; c++)
@@ -339,15 +243,13 @@ inline void firstGenStages(T* data, int m, FirstGenTables<T> tables, int level, 
     }
 }
 
-template<bool Inverse, class T>
-inline void firstGenTransform(const T* src, T* dst, int m, const int32_t* swaps, FirstGenTables<T> tables, T* work,
-                              bool scale, T factor)
+template<bool Inverse, class T> void firstGenTransform(const FirstGenCall<T>& call)
 {
-    if (src == dst)
-        reverseInPlace(dst, m, swaps);
+    if (call.src == call.dst)
+        reverseInPlace(call.dst, call.m, call.swaps);
     else
-        reverseInto(src, dst, m, swaps);
-    firstGenStages<Inverse>(dst, m, tables, 0, work, scale, factor);
+        reverseInto(call.src, call.dst, call.m, call.swaps);
+    firstGenStages<Inverse>(call.dst, call.m, call.tables, 0, call.work, call.factor);
 }
 
 } // namespace

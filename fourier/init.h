@@ -2,15 +2,16 @@
 #ifndef QVR_FOURIER_INIT_H
 #define QVR_FOURIER_INIT_H
 
-#include "fourier/firstgen.h"
-#include "fourier/recombine.h"
 #include "fourier/spec.h"
-#include "fourier/split.h"
-#include "fourier/threaded.h"
+#include "fourier/tables.h"
 #include "frame/memory.h"
 #include "frame/status.h"
+#include "frame/threads.h"
 
 namespace {
+
+// The threaded band runs on at most this many threads.
+constexpr int kBandThreads = 2;
 
 constexpr int kFftOrderEnd = 31; // no slot and no precision takes this order or more
 constexpr Index kLine = 64;
@@ -34,6 +35,21 @@ struct BlockWalk {
     bool fills() const { return base != nullptr; }
 };
 
+// Bytes of work memory of a flat transform.
+template<class T> constexpr Index flatWork(int m)
+{
+    return ((Index{2} * sizeof(T) << m) + 63) & ~Index{63};
+}
+template<class T> constexpr Index splitWork(int m)
+{
+    constexpr Index point = 2 * sizeof(T);
+    const int r = m - splitOrder<T>(m);
+    Index need = rowSplits<T>(r) ? splitWork<T>(r) : flatWork<T>(r);
+    const Index tile = splitOrder<T>(m) > 0 ? point << tileOrder<T>(m) : 0;
+    need = need > tile ? need : tile;
+    const Index reversal = m >= kTiledFrom ? 2 * kTilePoints * point : 0;
+    return need > reversal ? need : reversal;
+}
 template<class T> constexpr Index workBytes(int order)
 {
     const int m = order - 1;
@@ -90,22 +106,29 @@ template<class T> inline void secondGenTables(FftSpec<T>& spec, BlockWalk& walk,
 {
     const int m = order - 1;
     const FftClass c = classOf<T>(order);
-    int rows = m;
-    if (c == FftClass::threaded)
-        rows = m - 3;
-    else if (c == FftClass::split)
-        for (rows -= splitOrder<T>(m); rowSplits<T>(rows);)
-            rows -= splitOrder<T>(rows);
-    spec.pTwiddle = placeTable<T>(walk, stageTableSize<T>(rows), [&](T* p) { fillStageTable(p, quarter, rows); });
+    spec.plan = makePlan<T>(m, c);
+    const FftPlan& plan = spec.plan;
+    // The tables of sweeps first .. end - 1 as one item.
+    const auto place = [&](int first, int end) {
+        Index size = 0;
+        for (int i = first; i < end; i++)
+            size += sweepTableSize<T>(plan.sweep[i]);
+        T* const table = walk.take<T>(size);
+        T* out = table;
+        for (int i = first; walk.fills() && i < end; i++) {
+            spec.pSweepTables[i] = out;
+            fillSweep(out, quarter, plan.sweep[i]);
+            out += sweepTableSize<T>(plan.sweep[i]);
+        }
+        return table;
+    };
+    const FftLevel& row = plan.level[plan.row];
+    spec.pTwiddle = place(0, row.sweep + row.sweeps);
     if (c == FftClass::threaded)
         spec.pSweepTwiddle = placeTable<T>(walk, topTableSize(m), [&](T* p) { fillTopTable(p, quarter, m); });
-    if (c != FftClass::split)
-        return;
-    for (int level = 0, r = m; splitOrder<T>(r) != 0 && (level == 0 || rowSplits<T>(r)); level++) {
-        spec.pLevelMidTwiddle[level] =
-            placeTable<T>(walk, tileTableSize<T>(r), [&](T* p) { fillTileTable(p, quarter, r); });
-        r -= splitOrder<T>(r);
-    }
+    for (int i = plan.levels - 1; i > plan.row; i--)
+        spec.pLevelMidTwiddle[plan.levels - 1 - i] =
+            place(plan.level[i].sweep, plan.level[i].sweep + plan.level[i].sweeps);
 }
 
 inline int32_t* placeBitRev(BlockWalk& walk, int m)

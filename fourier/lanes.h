@@ -156,6 +156,23 @@ template<class V> QVR_INLINE V shiftOutPoint(V before, V v)
     return bitcast<V>(shiftedLanes<lanes<W> - step>(bitcast<W>(before), bitcast<W>(v)));
 }
 
+// Re and im of each pair exchanged.
+template<class V> QVR_INLINE V exchanged(V v)
+{
+    if constexpr (sizeof(Elem<V>) == 4)
+        return shuffleBlocks<1, 0, 3, 2>(v);
+    else
+        return shuffleBlocks<1, 0>(v);
+}
+template<class V, int... I> QVR_INLINE V alternatingLanes(Elem<V> even, Elem<V> odd, Indices<I...>)
+{
+    return V{((I & 1) != 0 ? odd : even)...};
+}
+template<class V> QVR_INLINE V alternating(Elem<V> even, Elem<V> odd)
+{
+    return alternatingLanes<V>(even, odd, Iota<lanes<V>>{});
+}
+
 // Square transposition: rows to columns, r[i] lane j to r[j] lane i.
 template<class V> QVR_INLINE void transposeBlocks(V* r)
 {
@@ -183,6 +200,19 @@ template<class V> QVR_INLINE void transpose(V* r)
             r[i] = concat(lo(a), lo(b));
             r[i + block] = concat(hi(a), hi(b));
         }
+}
+
+// Points to a vector, and vectors of points as whole pieces: rows to columns.
+template<class T> constexpr int kVecPoints = kLanes<T> / 2;
+template<class T> QVR_INLINE void transposePoints(Full<double>* r)
+{
+    if constexpr (sizeof(T) == 4) {
+        transpose(r);
+    } else if constexpr (kVecPoints<T> == 2) {
+        const Full<double> a = r[0], b = r[1];
+        r[0] = concat(lo(a), lo(b));
+        r[1] = concat(hi(a), hi(b));
+    }
 }
 
 } // namespace

@@ -133,6 +133,14 @@ template<class T> constexpr int tileOrder(int m)
     return shapeOf(kTileOrder<T>, m);
 }
 
+// Rows of this order and below never split again.
+constexpr int kFlatRowOrder = 16;
+
+template<class T> constexpr bool rowSplits(int rowOrder)
+{
+    return rowOrder > kFlatRowOrder && splitOrder<T>(rowOrder) != 0;
+}
+
 // How the complex transform of a real order runs.
 enum class FftClass { real, complex, flat, threaded, split };
 

@@ -12,7 +12,7 @@
 #ifndef QVR_FOURIER_PASSES_H
 #define QVR_FOURIER_PASSES_H
 
-#include "fourier/lanes.h"
+#include "fourier/kernel_table.h"
 #include "fourier/quarter.h"
 
 namespace {
@@ -101,6 +101,83 @@ template<class C> QVR_INLINE void dft16(C* x)
     }
 }
 
+// ---- Butterflies on pairs -------------------------------------------------------------------------------------------
+
+// a - i b, or a + i b for the inverse.
+template<bool Inverse, class V> QVR_INLINE V pairsTurned(V a, V b)
+{
+    using T = Elem<V>;
+    if constexpr (kFma)
+        return fma(exchanged(b), Inverse ? alternating<V>(T(-1), T(1)) : alternating<V>(T(1), T(-1)), a);
+    else
+        return subAdd(a, Inverse ? exchanged(b) : -exchanged(b));
+}
+template<bool Inverse, class V> QVR_INLINE void pairsDft4(V& a, V& b, V& c, V& d)
+{
+    const V s0 = a + c, d0 = a - c, s1 = b + d, d1 = b - d;
+    a = s0 + s1;
+    b = pairsTurned<Inverse>(d0, d1);
+    c = s0 - s1;
+    d = pairsTurned<!Inverse>(d0, d1);
+}
+// x exp(-2 pi i K / 16), or with + i.
+template<bool Inverse, int K, class V> QVR_INLINE V pairsRotated(V x)
+{
+    using T = Elem<V>;
+    constexpr T re = kCircle<T, 16>.re[K], im = Inverse ? -kCircle<T, 16>.im[K] : kCircle<T, 16>.im[K];
+    return fma(x, splat<V>(re), exchanged(x) * alternating<V>(-im, im));
+}
+// Of eight or sixteen points.
+template<int R, bool Inverse, class V> QVR_INLINE void pairsDft(V* x)
+{
+    if constexpr (R == 8) {
+        pairsDft4<Inverse>(x[0], x[2], x[4], x[6]);
+        pairsDft4<Inverse>(x[1], x[3], x[5], x[7]);
+        const V o1 = pairsRotated<Inverse, 2>(x[3]), o3 = pairsRotated<Inverse, 6>(x[7]);
+        const V e0 = x[0], e1 = x[2], e2 = x[4], e3 = x[6], o0 = x[1], o2 = x[5];
+        x[0] = e0 + o0;
+        x[4] = e0 - o0;
+        x[1] = e1 + o1;
+        x[5] = e1 - o1;
+        x[2] = pairsTurned<Inverse>(e2, o2);
+        x[6] = pairsTurned<!Inverse>(e2, o2);
+        x[3] = e3 + o3;
+        x[7] = e3 - o3;
+        return;
+    } else {
+#pragma clang loop unroll(full)
+        for (int j = 0; j < 4; j++)
+            pairsDft4<Inverse>(x[j], x[j + 4], x[j + 8], x[j + 12]);
+        x[5] = pairsRotated<Inverse, 1>(x[5]);
+        x[6] = pairsRotated<Inverse, 2>(x[6]);
+        x[7] = pairsRotated<Inverse, 3>(x[7]);
+        x[9] = pairsRotated<Inverse, 2>(x[9]);
+        x[11] = pairsRotated<Inverse, 6>(x[11]);
+        x[13] = pairsRotated<Inverse, 3>(x[13]);
+        x[14] = pairsRotated<Inverse, 6>(x[14]);
+        x[15] = pairsRotated<Inverse, 9>(x[15]);
+        pairsDft4<Inverse>(x[0], x[1], x[2], x[3]);
+        pairsDft4<Inverse>(x[4], x[5], x[6], x[7]);
+        // The third leg of this one still lacks its factor -i.
+        const V s0 = pairsTurned<Inverse>(x[8], x[10]), d0 = pairsTurned<!Inverse>(x[8], x[10]);
+        const V s1 = x[9] + x[11], d1 = x[9] - x[11];
+        x[8] = s0 + s1;
+        x[9] = pairsTurned<Inverse>(d0, d1);
+        x[10] = s0 - s1;
+        x[11] = pairsTurned<!Inverse>(d0, d1);
+        pairsDft4<Inverse>(x[12], x[13], x[14], x[15]);
+        // Results stand as 4 by 4, to be read by columns.
+#pragma clang loop unroll(full)
+        for (int q = 0; q < 4; q++)
+#pragma clang loop unroll(full)
+            for (int d = q + 1; d < 4; d++) {
+                const V t = x[4 * q + d];
+                x[4 * q + d] = x[4 * d + q];
+                x[4 * d + q] = t;
+            }
+    }
+}
+
 template<int R, class C> QVR_INLINE void dft(C* x)
 {
     if constexpr (R == 2) {
@@ -150,6 +227,13 @@ template<class C> QVR_INLINE void turnedStep(C& a, C& b, C w)
 
 // ---- Twiddle records ------------------------------------------------------------------------------------------------
 
+// Whether a stage is done in steps. Where operations are fused, radix 4 loses nothing by it, and its table is smaller;
+// radix 8 has more operations than that saves, and they are all multiplications.
+constexpr bool inSteps(int radixOrder, int form)
+{
+    return form == formSteps || (kFma && radixOrder == 2);
+}
+
 // The multiples j of a record's angle, in the order of the record; the last of a radix-8 record in steps carries the
 // extra eighth turn.
 template<int R, bool Steps> constexpr int kRecordTwiddles = Steps ? (R == 4 ? 2 : 4) : R - 1;
@@ -163,56 +247,7 @@ constexpr int recordMultiple(int R, bool steps, int i)
 // Elements of the record of one vector of butterflies.
 template<class T, int R, bool Steps> constexpr Index kRecord = 2 * kLanes<T> * kRecordTwiddles<R, Steps>;
 
-// Twiddles of a stage of length R q = 2^order for the butterflies first .. first + count - 1.
-template<class T, int R, bool Steps>
-inline T* fillRecords(T* out, const Quarter<T>& quarter, int order, Index first, Index count)
-{
-    constexpr int W = kLanes<T>;
-    for (Index k = first; k < first + count; k += W)
-        for (int i = 0; i < kRecordTwiddles<R, Steps>; i++, out += 2 * W)
-            for (int l = 0; l < W; l++) {
-                Index angle = (k + laneIndex<Full<T>>(l)) * recordMultiple(R, Steps, i);
-                if (Steps && R == 8 && i == 3)
-                    angle += (Index{1} << order) / 8;
-                const Twiddle<T> w = quarter.at(angle, order);
-                out[l] = w.re;
-                out[W + l] = w.im;
-            }
-    return out;
-}
-
 // ---- Stages ---------------------------------------------------------------------------------------------------------
-
-// Where a stage reads and writes: groups, or pairs of the caller's array (swapped for the inverse, and scaled).
-template<bool Aligned> struct Groups {
-    static constexpr bool aligned = Aligned;
-    template<class V> QVR_INLINE Cx<V> get(const Elem<V>* p) const { return loadGroup<V, Aligned>(p); }
-    template<class V> QVR_INLINE void put(Elem<V>* p, Cx<V> z) const { storeGroup<Aligned>(p, z); }
-};
-using AreaGroups = Groups<!kAvx>; // in memory aligned to the vector
-using AnyGroups = Groups<false>;
-template<bool Swap> struct PairsIn {
-    template<class V> QVR_INLINE Cx<V> get(const Elem<V>* p) const { return swapIf<Swap>(loadPairs<V>(p)); }
-};
-template<bool Aligned, class T> struct ScaledGroups {
-    T factor;
-    template<class V> QVR_INLINE void put(Elem<V>* p, Cx<V> z) const
-    {
-        const V f = splat<V>(factor);
-        storeGroup<Aligned>(p, Cx<V>{z.re * f, z.im * f});
-    }
-};
-template<bool Swap> struct PairsOut {
-    template<class V> QVR_INLINE void put(Elem<V>* p, Cx<V> z) const { storePairs(p, swapIf<Swap>(z)); }
-};
-template<bool Swap, class T> struct ScaledPairsOut {
-    T factor;
-    template<class V> QVR_INLINE void put(Elem<V>* p, Cx<V> z) const
-    {
-        const V f = splat<V>(factor);
-        storePairs(p, swapIf<Swap>(Cx<V>{z.re * f, z.im * f}));
-    }
-};
 
 template<int R, bool Steps, class V> QVR_INLINE void butterfly(Cx<V>* x, const Elem<V>* tw)
 {
@@ -256,38 +291,46 @@ template<int R, bool Steps, class V> QVR_INLINE void butterfly(Cx<V>* x, const E
     }
 }
 
-// One block of a stage: `count` butterflies, legs inLeg and outLeg elements apart.
-template<int R, bool Steps, class T, class In, class Out>
-QVR_INLINE void stageBlock(const T* in, Index inLeg, T* out, Index outLeg, Index count, const T* tw, In from, Out to)
+// Groups to groups, or to pairs (swapped for the inverse) times a factor.
+enum class Finish { groups, pairs, swappedPairs };
+
+template<Finish F, class V> QVR_INLINE void finish(Elem<V>* p, Cx<V> z, V factor)
+{
+    if constexpr (F == Finish::groups)
+        storeGroup<false>(p, z);
+    else
+        storePairs(p, swapIf < F == Finish::swappedPairs > (Cx<V>{z.re * factor, z.im * factor}));
+}
+
+template<int R, bool Steps, Finish F, class T> void runStage(const StageCall<T>& args)
 {
     using V = Full<T>;
     constexpr int W = kLanes<T>;
-    for (Index k = 0; k < count; k += W) {
-        Cx<V> x[R];
+    const StageCall<T> call = args;
+    const V factor = splat<V>(call.factor);
+    const T* twiddles = call.twiddles;
+    const Index records = call.columns / W * kRecord<T, R, Steps>;
+    for (Index row = 0; row < call.rows; row++, twiddles += records)
+        for (Index block = 0; block < call.blocks; block++) {
+            const T *in = call.in + row * call.inRow + block * call.inBlock, *tw = twiddles;
+            T* out = call.out + row * call.outRow + block * call.outBlock;
+            for (Index k = 0; k < call.columns; k += W, in += 2 * W, out += 2 * W, tw += kRecord<T, R, Steps>) {
+                Cx<V> x[R];
 #pragma clang loop unroll(full)
-        for (int c = 0; c < R; c++)
-            x[c] = from.template get<V>(in + 2 * k + c * inLeg);
-        butterfly<R, Steps>(x, tw);
-        tw += kRecord<T, R, Steps>;
+                for (int c = 0; c < R; c++)
+                    x[c] = loadGroup<V, false>(in + c * call.inLeg);
+                butterfly<R, Steps>(x, tw);
 #pragma clang loop unroll(full)
-        for (int c = 0; c < R; c++)
-            to.template put<V>(out + 2 * k + c * outLeg, x[c]);
-    }
-}
-
-// All blocks of a stage in place, on `points` points.
-template<int R, bool Steps, class T, class G>
-QVR_INLINE void stage(T* area, Index points, Index q, const T* tw, G groups)
-{
-    for (Index b = 0; b < points; b += R * q)
-        stageBlock<R, Steps>(area + 2 * b, 2 * q, area + 2 * b, 2 * q, q, tw, groups, groups);
+                for (int c = 0; c < R; c++)
+                    finish<F>(out + c * call.outLeg, x[c], factor);
+            }
+        }
 }
 
 // ---- First pass -----------------------------------------------------------------------------------------------------
 
 // Results of one index fill whole groups.
-template<class T> constexpr int kFirstRadix = kLanes<T> > 4 ? 16 : 4;
-template<class T> constexpr int kFirstOrder = kLanes<T> > 4 ? 4 : 2;
+constexpr int kFirstRadix = kAvx ? 16 : 8, kFirstOrder = kAvx ? 4 : 3;
 
 constexpr int reversedBits(int value, int bits)
 {
@@ -297,100 +340,116 @@ constexpr int reversedBits(int value, int bits)
     return r;
 }
 
-// Stores x[0 .. R - 1] of each of W indices as consecutive points; index laneIndex(l) goes to place(laneIndex(l)).
-template<class T, class Place> QVR_INLINE void scatterTransposed(const Cx<Full<T>>* x, const Place& place)
-{
-    using V = Full<T>;
-    constexpr int W = kLanes<T>, R = kFirstRadix<T>;
-#pragma clang loop unroll(full)
-    for (int g = 0; g < R; g += W) {
-        V re[W], im[W];
-#pragma clang loop unroll(full)
-        for (int j = 0; j < W; j++) {
-            re[j] = x[g + laneIndex<V>(j)].re;
-            im[j] = x[g + laneIndex<V>(j)].im;
-        }
-        transpose(re);
-        transpose(im);
-#pragma clang loop unroll(full)
-        for (int l = 0; l < W; l++)
-            storeGroup(place(laneIndex<V>(l)) + 2 * g, Cx<V>{re[l], im[l]});
-    }
-}
-
 // The places of the results jump through the whole array, which no hardware prefetcher follows: from this order on they
 // are fetched this many vectors of indices ahead.
 constexpr int kPrefetchFrom = 15;
 constexpr Index kPrefetchAhead = 2;
 
-// src in natural order, legs M/R apart; reversed(i) is the reversal of a leg index over its log2(M/R) bits.
-template<bool Swap, bool Aligned, class T, class Reversed>
-inline void firstPass(const T* src, T* area, int m, const Reversed& reversed)
+// i over `bits` bits backwards, for i = 0, 1, ...
+struct ReversedCounter {
+    uint64_t top, value;
+
+    ReversedCounter(int bits, Index from)
+        : top(uint64_t{1} << bits >> 1),
+          value(from == 0 ? 0 : __builtin_bitreverse64(static_cast<uint64_t>(from)) >> (64 - bits))
+    {
+    }
+    // A carry that runs down from the top: the highest bit that is clear gets set, those above it are cleared.
+    QVR_INLINE void step()
+    {
+        const uint64_t clear = ~value & (2 * top - 1), bit = uint64_t{1} << (63 - __builtin_clzll(clear | 1));
+        value = (value & (bit - 1)) | bit;
+    }
+};
+
+// The lines of the R results of each of 2^laneBits indices, the places of which stand laneStep elements apart.
+template<int LaneBits, class T> QVR_INLINE void fetchPlaces(const T* base, Index laneStep)
 {
-    using V = Full<T>;
-    constexpr int W = kLanes<T>, R = kFirstRadix<T>;
-    constexpr int laneBits = W == 8 ? 3 : W == 4 ? 2 : 1;
-    const Index legs = (Index{1} << m) / R;    // indices
-    const Index laneStep = 2 * R * (legs / W); // elements between the places of neighbouring reversed lanes
-    const Index ahead = m >= kPrefetchFrom ? kPrefetchAhead * W : 0;
-    for (Index i = 0; i < legs; i += W) {
-        Cx<V> x[R];
 #pragma clang loop unroll(full)
-        for (int c = 0; c < R; c++)
-            x[c] = swapIf<Swap>(loadPairs<V, Aligned>(src + 2 * (i + c * legs)));
-        if (ahead != 0) {
-            const T* later = area + 2 * R * reversed((i + ahead) & (legs - 1));
+    for (int l = 0; l < 1 << LaneBits; l++)
 #pragma clang loop unroll(full)
-            for (int l = 0; l < W; l++)
-#pragma clang loop unroll(full)
-                for (int line = 0; line < static_cast<int>(2 * R * sizeof(T)); line += 64)
-                    __builtin_prefetch(reinterpret_cast<const char*>(later + l * laneStep) + line, 1);
+        for (int line = 0; line < static_cast<int>(2 * kFirstRadix * sizeof(T)); line += 64)
+            __builtin_prefetch(reinterpret_cast<const char*>(base + l * laneStep) + line, 1);
+}
+
+// src in natural order. Neighbouring indices have their places 2^bits radices apart. body(src, base, laneStep) does
+// those of one vector.
+template<int LaneBits, class T, class Body> QVR_INLINE void eachFirst(const FirstCall<T>& args, const Body& body)
+{
+    const FirstCall<T> call = args;
+    constexpr Index R = kFirstRadix, step = Index{1} << LaneBits;
+    const int bits = call.m - kFirstOrder - LaneBits;
+    const Index laneStep = 2 * R << bits; // elements
+    ReversedCounter place(bits, call.from / step), later = place;
+    const bool fetches = call.m >= kPrefetchFrom;
+    for (Index i = 0; fetches && i < kPrefetchAhead * kLanes<T>; i += step)
+        later.step();
+    const T* src = call.src;
+    for (Index i = 0; i < call.count; i += step, src += 2 * step) {
+        if (fetches) {
+            fetchPlaces<LaneBits>(call.area + 2 * R * later.value, laneStep);
+            later.step();
         }
-        dft<R>(x);
-        T* base = area + 2 * R * reversed(i);
-        scatterTransposed<T>(x, [&](int l) { return base + reversedBits(l, laneBits) * laneStep; });
+        body(src, call.area + 2 * R * place.value, laneStep);
+        place.step();
     }
 }
 
-// The same on input already reversed, in place.
-template<bool Swap, class T, class G> QVR_INLINE void firstPassReversed(T* data, Index points, G groups)
+// Stores x[0 .. R - 1] of each of W / 2 indices, pairs of index l in place l, as groups; swapped for the inverse.
+template<bool Swap, class T, class Place> QVR_INLINE void scatterPairs(const Full<T>* x, const Place& place)
 {
     using V = Full<T>;
-    constexpr int W = kLanes<T>, R = kFirstRadix<T>, orderR = kFirstOrder<T>;
-    for (Index b = 0; b < points; b += W * R) {
-        T* p = data + 2 * b;
-        Cx<V> x[R];
+    constexpr int W = kLanes<T>;
 #pragma clang loop unroll(full)
-        for (int g = 0; g < R; g += W) {
-            V re[W], im[W];
+    for (int g = 0; g < kFirstRadix; g += W) {
+        V r[W];
 #pragma clang loop unroll(full)
-            for (int l = 0; l < W; l++) {
-                const Cx<V> z = swapIf<Swap>(loadPairs<V>(p + 2 * (l * R + g)));
-                re[l] = z.re;
-                im[l] = z.im;
-            }
-            transpose(re);
-            transpose(im);
+        for (int j = 0; j < W; j++)
+            r[j] = x[g + laneIndex<V>(j)];
+        transpose(r);
 #pragma clang loop unroll(full)
-            for (int j = 0; j < W; j++)
-                x[reversedBits(g + laneIndex<V>(j), orderR)] = {re[j], im[j]};
+        for (int l = 0; l < W / 2; l++)
+            storeGroup<false>(place(l) + 2 * g, swapIf<Swap>(Cx<V>{r[2 * l], r[2 * l + 1]}));
+    }
+}
+
+// On pairs: sixteen legs fit the sixteen registers, and the transposition parts re from im. The inverse has its turns
+// the other way, and re and im exchanged in the groups.
+template<bool Swap, class T> void runFirst(const FirstCall<T>& call)
+{
+    using V = Full<T>;
+    constexpr int W = kLanes<T>, R = kFirstRadix, laneBits = W == 8 ? 2 : W == 4 ? 1 : 0;
+    const Index leg = 2 * call.leg;
+    eachFirst<laneBits>(call, [&](const T* src, T* base, Index laneStep) {
+        V x[R];
+#pragma clang loop unroll(full)
+        for (int c = 0; c < R; c++)
+            x[c] = load<V>(src + c * leg);
+        pairsDft<R, Swap>(x);
+        scatterPairs<Swap, T>(x, [&](int l) { return base + reversedBits(l, laneBits) * laneStep; });
+    });
+}
+
+// The same on points already reversed, in place.
+template<bool Swap, class T> void runFirstReversed(T* data, Index points)
+{
+    using V = Full<T>;
+    constexpr int P = kVecPoints<T>, R = kFirstRadix;
+    for (T* p = data; p < data + 2 * points; p += 2 * P * R) {
+        V x[R];
+#pragma clang loop unroll(full)
+        for (int g = 0; g < R; g += P) {
+            Full<double> r[P];
+#pragma clang loop unroll(full)
+            for (int l = 0; l < P; l++)
+                r[l] = load<Full<double>>(p + 2 * (l * R + g));
+            transposePoints<T>(r);
+#pragma clang loop unroll(full)
+            for (int j = 0; j < P; j++)
+                x[reversedBits(g + j, kFirstOrder)] = bitcast<V>(r[j]);
         }
-        dft<R>(x);
-        // Block l of W stands in lane l here, so lane and place agree.
-#pragma clang loop unroll(full)
-        for (int g = 0; g < R; g += W) {
-            V re[W], im[W];
-#pragma clang loop unroll(full)
-            for (int j = 0; j < W; j++) {
-                re[j] = x[g + laneIndex<V>(j)].re;
-                im[j] = x[g + laneIndex<V>(j)].im;
-            }
-            transpose(re);
-            transpose(im);
-#pragma clang loop unroll(full)
-            for (int l = 0; l < W; l++)
-                groups.put(p + 2 * (l * R + g), Cx<V>{re[l], im[l]});
-        }
+        pairsDft<R, Swap>(x);
+        scatterPairs<Swap, T>(x, [&](int l) { return p + 2 * l * R; });
     }
 }
 

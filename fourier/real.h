@@ -3,7 +3,8 @@
 #define QVR_FOURIER_REAL_H
 
 #include "fourier/init.h"
-#include "fourier/kernels.h"
+#include "fourier/real_kernels.h"
+#include "fourier/run.h"
 
 namespace {
 
@@ -13,40 +14,6 @@ template<class T> inline qvrStatus checkTransform(const SpecType<T>* pSpec, cons
     if (const qvrStatus status = checkState(pSpec, kFftTag<T>))
         return status;
     return anyNull(pSrc, pDst) ? qvrErrNullPointer : qvrOk;
-}
-
-// The complex transform of M points: any class but the real kernels. One copy of it serves all callers.
-template<bool Inverse, class T>
-__attribute__((noinline)) void complexTransform(const SpecType<T>& spec, const T* src, T* dst, T* work, bool scale)
-{
-    const int m = spec.order - 1;
-    const T factor = spec.normFactor;
-    const FftClass c = classOf<T>(spec.order);
-    if (c == FftClass::complex) {
-        if (scale)
-            complexKernelOf<T, Inverse>(m, src, dst, ScaledPairsOut<Inverse, T>{factor});
-        else
-            complexKernelOf<T, Inverse>(m, src, dst, PairsOut<Inverse>{});
-        return;
-    }
-    if constexpr (kFirstGeneration) {
-        const FirstGenTables<T> tables = {spec.pTwiddle, spec.pSweepTwiddle, spec.pLevelColumnTwiddle,
-                                          spec.pLevelMidTwiddle};
-        firstGenTransform<Inverse>(src, dst, m, spec.pBitRev, tables, work, scale, factor);
-    } else if (c == FftClass::flat) {
-        if (scale)
-            flatTransform<Inverse>(src, dst, m, spec.pTwiddle, TableReversal<T>{spec.pBitRev}, work, AreaGroups{},
-                                   ScaledPairsOut<Inverse, T>{factor});
-        else
-            flatTransform<Inverse>(src, dst, m, spec.pTwiddle, TableReversal<T>{spec.pBitRev}, work, AreaGroups{},
-                                   PairsOut<Inverse>{});
-    } else if (c == FftClass::threaded) {
-        if constexpr (kThreadedBand)
-            bandTransform<Inverse>(src, dst, m, spec.pTwiddle, spec.pSweepTwiddle, spec.pBitRev, work, scale, factor,
-                                   spec.threadLimit.value);
-    } else {
-        splitTransform<Inverse>(src, dst, m, SplitTables<T>{spec.pTwiddle, spec.pLevelMidTwiddle}, work, scale, factor);
-    }
 }
 
 // Work memory of one call: the caller's buffer from its next 64-byte boundary, or our own.
@@ -83,19 +50,16 @@ template<class T> inline qvrStatus forwardPacked(const T* pSrc, T* pDst, const S
     if (const qvrStatus status = checkTransform<T>(pSpec, pSrc, pDst))
         return status;
     const SpecType<T>& spec = *pSpec;
-    const bool scale = spec.doFwdScale != 0;
+    // The recombination wants Z halved.
     if (classOf<T>(spec.order) == FftClass::real) {
-        realForwardOf<T>(spec.order, pSrc, pDst, spec.normFactor, scale);
+        realForwardOf<T>(spec.order, pSrc, pDst, spec.normFactor, spec.doFwdScale != 0);
         return qvrOk;
     }
+    const T factor = kBeforeRecombination<T> * (spec.doFwdScale != 0 ? spec.normFactor : T(1));
     Work<T> work;
     if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
         return status;
-    complexTransform<false>(spec, pSrc, pDst, work.p, scale);
-    recombineBy<false>(spec.order >= kFftLimits<T>.twoLevel, pDst, pDst, spec.order - 1, spec.pFwdRecomb);
-    const T re = get(pDst, 0), im = get(pDst, 1);
-    put(pDst, 0, re + im);
-    put(pDst, 1, re - im);
+    forwardTransform(makeRun<T>(spec, false, factor, work.p, true), pSrc, pDst);
     giveWork(work);
     return qvrOk;
 }
@@ -130,19 +94,15 @@ template<class T> inline qvrStatus forwardTailPacked(const T* pSrc, T* pDst, con
 template<class T>
 inline qvrStatus inverseFrom(const T* pSrc, T* pDst, Index lastAt, const SpecType<T>& spec, uint8_t* pBuffer)
 {
-    const bool scale = spec.doInvScale != 0;
     if (classOf<T>(spec.order) == FftClass::real) {
-        realInverseOf<T>(spec.order, pSrc, lastAt, pDst, spec.normFactor, scale);
+        realInverseOf<T>(spec.order, pSrc, lastAt, pDst, spec.normFactor, spec.doInvScale != 0);
         return qvrOk;
     }
+    const T factor = spec.doInvScale != 0 ? spec.normFactor : T(1);
     Work<T> work;
     if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
         return status;
-    const T first = get(pSrc, 0), last = get(pSrc, lastAt);
-    recombineBy<true>(spec.order >= kFftLimits<T>.twoLevel, pSrc, pDst, spec.order - 1, spec.pInvRecomb);
-    put(pDst, 0, first + last);
-    put(pDst, 1, first - last);
-    complexTransform<true>(spec, pDst, pDst, work.p, scale);
+    inverseTransform(makeRun<T>(spec, true, factor, work.p, true), pSrc, pDst, get(pSrc, lastAt));
     giveWork(work);
     return qvrOk;
 }

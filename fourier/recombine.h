@@ -1,143 +1,272 @@
-// Recombination: the spectrum Z of z[n] = x[2n] + i x[2n+1] to the packed spectrum X of x, and back, in place.
+// Recombination: the spectrum Z of z[n] = x[2n] + i x[2n+1] to the spectrum X of x, and back.
 //
-// With k and j = M - k, a and b the values there, and e = exp(-2 pi i k / N): X[k] = (a + conj b)/2 - i e (a - conj
-// b)/2, X[j] the same with roles exchanged. One sweep from both ends to the middle, a group of each at a time.
+// With j = M - k, a and b the values at k and j, and e = exp(-2 pi i k / N): X[k] = (a + conj b)/2 - i e (a - conj
+// b)/2, X[j] the same with roles exchanged. The last stage has halved Z, so no step leaves the size of the bins. The
+// inverse makes 2 Z[k] = a + conj b + i conj(e) (a - conj b) of the bins. Bin 0 is its own partner forward, and its
+// imaginary part comes to nothing; back, its partner is X[M], and neither has an imaginary part.
 //
-// Tables. Forward: (0.5 cos t, 0.5 - 0.5 sin t) for k below N/4; inverse: (cos t, -sin t). In two levels both hold 1024
-// fine pairs (cos t, -sin t) and then the coarse ones of k = 0, 1024, ...; the twiddle is their product.
+// Tables hold e = (cos t, -sin t), t = 2 pi k / N, for k below N/4. In two levels they hold 1024 fine entries and then
+// the coarse ones of k = 0, 1024, ...; e is their product.
+//
+// With fused operations a vector holds pairs: (p, q) = a - conj b and (s, d) = a + conj b are one operation each, and
+// the signs of the rest alternate by lane. Without, alternating signs would cost more than parting re and im.
 #ifndef QVR_FOURIER_RECOMBINE_H
 #define QVR_FOURIER_RECOMBINE_H
 
-#include "fourier/lanes.h"
-#include "fourier/quarter.h"
+#include "fourier/kernel_table.h"
 
 namespace {
 
 constexpr int kFineOrder = 10;
 constexpr Index kFine = Index{1} << kFineOrder;
 
-// Elements of one table of real order n.
-constexpr Index recombinationSize(int order, bool twoLevel)
-{
-    const Index n = Index{1} << order;
-    return twoLevel ? 2 * (kFine + n / 4096 + 1) : 2 * (n / 4);
-}
-template<class T> inline void fillRecombination(T* fwd, T* inv, const Quarter<T>& quarter, int order, bool twoLevel)
-{
-    const Index n = Index{1} << order;
-    const auto put = [&](T* table, Index at, Index k) {
-        const Twiddle<T> w = quarter.at(k, order);
-        table[2 * at] = w.re;
-        table[2 * at + 1] = w.im;
-    };
-    if (twoLevel) {
-        for (Index k = 0; k < kFine; k++)
-            put(fwd, k, k);
-        for (Index k = 0; k <= n / 4; k += kFine)
-            put(fwd, kFine + k / kFine, k);
-        __builtin_memcpy(inv, fwd, static_cast<size_t>(2 * (kFine + n / 4 / kFine + 1)) * sizeof(T));
-        return;
-    }
-    // All in the first quadrant.
-    const Index step = Index{1} << (quarter.base - order);
-    for (Index k = 0; k < n / 4; k++) {
-        const T sine = quarter.s[k * step], cosine = quarter.s[(n / 4 - k) * step];
-        fwd[2 * k] = T(0.5) * cosine;
-        fwd[2 * k + 1] = T(0.5) - T(0.5) * sine;
-        inv[2 * k] = cosine;
-        inv[2 * k + 1] = -sine;
-    }
-}
+// ---- Re and im apart ------------------------------------------------------------------------------------------------
 
-// (a, b) := (X[k], X[j]) with the folded table entry (c, s).
-template<class C> QVR_INLINE void forwardFolded(C& a, C& b, C w)
+template<bool Inverse, class C> QVR_INLINE void recombinePair(C& a, C& b, C w)
 {
-    const auto p = a.re - b.re, q = a.im + b.im;
-    const auto t = fma(w.re, q, w.im * p), u = fma(q, w.im, -(p * w.re));
-    const C x = {b.re + t, u - b.im};
-    b = {a.re - t, u - a.im};
-    a = x;
-}
-// The same with the plain twiddle.
-template<class C> QVR_INLINE void forwardPlain(C& a, C& b, C w)
-{
-    const auto half = splat<decltype(a.re)>(Elem<decltype(a.re)>(0.5));
-    const auto p = (a.re - b.re) * half, q = (a.im + b.im) * half, s = (a.re + b.re) * half, d = (a.im - b.im) * half;
-    const auto t = fma(w.im, p, w.re * q), u = fma(w.im, q, -(p * w.re));
-    a = {t + s, u + d};
+    using V = decltype(a.re);
+    if constexpr (!Inverse && kBeforeRecombination<Elem<V>> == 1) {
+        const V half = splat<V>(Elem<V>(0.5));
+        a = {a.re * half, a.im * half};
+        b = {b.re * half, b.im * half};
+    }
+    const auto p = a.re - b.re, q = a.im + b.im, s = a.re + b.re, d = a.im - b.im;
+    const auto t = fma(p, w.im, Inverse ? -(q * w.re) : q * w.re);
+    const auto u = fma(q, w.im, Inverse ? p * w.re : -(p * w.re));
+    a = {s + t, d + u};
     b = {s - t, u - d};
-}
-// (a, b) := (2 Z[k], 2 Z[j])
-template<class C> QVR_INLINE void inversePlain(C& a, C& b, C w)
-{
-    const auto p = a.re - b.re, q = a.im + b.im;
-    const auto v = fma(w.im, p, -(w.re * q)), u = fma(p, w.re, q * w.im);
-    const auto s = a.re + b.re, d = a.im - b.im;
-    a = {s + v, d + u};
-    b = {s - v, u - d};
-}
-
-template<bool Inverse, bool TwoLevel, class C> QVR_INLINE void recombinePair(C& a, C& b, C w)
-{
-    if constexpr (Inverse)
-        inversePlain(a, b, w);
-    else if constexpr (TwoLevel)
-        forwardPlain(a, b, w);
-    else
-        forwardFolded(a, b, w);
 }
 
 template<bool TwoLevel, class V> QVR_INLINE Cx<V> recombinationTwiddle(const Elem<V>* table, Index k)
 {
+    const auto at = [](const Elem<V>* p) {
+        if constexpr (lanes<V> == 1)
+            return Cx<V>{load<V>(p), load<V>(p + 1)};
+        else
+            return loadPairs<V>(p);
+    };
     if constexpr (TwoLevel) {
-        const Cx<V> fine = loadPairs<V>(table + 2 * (k & (kFine - 1)));
-        const Elem<V>* coarse = table + 2 * (kFine + (k >> kFineOrder));
-        return fine * Cx<V>{splat<V>(coarse[0]), splat<V>(coarse[1])};
+        const Elem<V>* const coarse = table + 2 * (kFine + (k >> kFineOrder));
+        const V re = splat<V>(coarse[0]), im = splat<V>(coarse[1]);
+        const Cx<V> fine = at(table + 2 * (k & (kFine - 1)));
+        return {fma(fine.re, re, -(fine.im * im)), fma(fine.im, re, fine.re * im)};
     } else {
-        return loadPairs<V>(table + 2 * k);
+        return at(table + 2 * k);
     }
 }
 
-// M >= 2 W. dst[0] and dst[1] are left as they were.
-template<bool Inverse, bool TwoLevel, class T> inline void recombine(const T* src, T* dst, int m, const T* table)
+// The i-th bin of a call alone, not bin 0.
+template<bool Inverse, bool TwoLevel, class T> QVR_INLINE void recombineOne(const RecombineCall<T>& call, Index i)
 {
+    using S = Vec<T, 1>;
+    const Index back = 2 * (call.count - i - 1);
+    Cx<S> a = {load<S>(call.aIn + 2 * i), load<S>(call.aIn + 2 * i + 1)};
+    Cx<S> b = {load<S>(call.bIn + back), load<S>(call.bIn + back + 1)};
+    recombinePair<Inverse>(a, b, recombinationTwiddle<TwoLevel, S>(call.table, call.k + i));
+    store(call.aOut + 2 * i, a.re);
+    store(call.aOut + 2 * i + 1, a.im);
+    store(call.bOut + back, b.re);
+    store(call.bOut + back + 1, b.im);
+}
+
+// Bins in rising order to those of k, k + 1, ... in a group, and back.
+template<class T> struct RecombineGroups {
     using V = Full<T>;
-    constexpr int W = kLanes<T>;
-    const Index M = Index{1} << m;
-    // The first group has k = 0 in its first lane, whose partner is itself; it comes out of place and is not kept.
-    const T first[2] = {get(dst, 0), get(dst, 1)};
+    static constexpr Index points = kLanes<T>;
+    Pairs<V> a, b;
+
+    template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k)
     {
-        const Index j = M - W + 1;
-        const V last = shiftInPoint(load<V>(src + 2 * M - W), load<V>(src));
-        Cx<V> a = loadPairs<V>(src), b = splitReversed(Pairs<V>{load<V>(src + 2 * j), last});
-        recombinePair<Inverse, TwoLevel>(a, b, loadPairs<V>(table));
-        storePairs(dst, a);
-        const Pairs<V> back = joinReversed(b);
-        store(dst + 2 * j, back.v0);
-        store(dst + 2 * M - W, shiftOutPoint(back.v0, back.v1));
+        Cx<V> x = split(a.v0, a.v1), y = splitReversed(b);
+        recombinePair<Inverse>(x, y, recombinationTwiddle<TwoLevel, V>(table, k));
+        a = join(x);
+        b = joinReversed(y);
     }
-    put(dst, 0, first[0]);
-    put(dst, 1, first[1]);
-    for (Index k = W; k < M / 2; k += W) {
-        const Index j = M - k - W + 1;
-        Cx<V> a = loadPairs<V>(src + 2 * k);
-        Cx<V> b = splitReversed(Pairs<V>{load<V>(src + 2 * j), load<V>(src + 2 * j + W)});
-        recombinePair<Inverse, TwoLevel>(a, b, recombinationTwiddle<TwoLevel, V>(table, k));
-        storePairs(dst + 2 * k, a);
-        const Pairs<V> back = joinReversed(b);
-        store(dst + 2 * j, back.v0);
-        store(dst + 2 * j + W, back.v1);
+    QVR_INLINE void loadA(const T* p) { a = {load<V>(p), load<V>(p + lanes<V>)}; }
+    QVR_INLINE void loadB(const T* p) { b = {load<V>(p), load<V>(p + lanes<V>)}; }
+    QVR_INLINE void storeA(T* p) const
+    {
+        store(p, a.v0);
+        store(p + lanes<V>, a.v1);
     }
-    put(dst, M, Inverse ? 2 * get(src, M) : get(src, M));
-    put(dst, M + 1, Inverse ? -2 * get(src, M + 1) : -get(src, M + 1));
+    QVR_INLINE void storeB(T* p) const
+    {
+        store(p, b.v0);
+        store(p + lanes<V>, b.v1);
+    }
+    // Bin 0 as told, the others from memory.
+    QVR_INLINE void loadFirstA(const T* p, T re)
+    {
+        a = {shiftOutPoint(lastPoint(re, T{}), load<V>(p + 2)), load<V>(p + lanes<V>)};
+    }
+    // All bins but the one behind the last in memory, which is as told.
+    QVR_INLINE void loadLastB(const T* p, T re, T im)
+    {
+        b = {load<V>(p), shiftInPoint(load<V>(p + lanes<V> - 2), firstPoint(re, im))};
+    }
+    QVR_INLINE void storeLastB(T* p) const
+    {
+        store(p, b.v0);
+        store(p + lanes<V> - 2, shiftOutPoint(b.v0, b.v1));
+    }
+    QVR_INLINE T lastOfB() const { return b.v1[lanes<V> - 2]; }
+    static QVR_INLINE V lastPoint(T re, T im)
+    {
+        V v = {};
+        v[lanes<V> - 2] = re;
+        v[lanes<V> - 1] = im;
+        return v;
+    }
+    static QVR_INLINE V firstPoint(T re, T im)
+    {
+        V v = {};
+        v[0] = re;
+        v[1] = im;
+        return v;
+    }
+};
+
+// ---- Pairs ----------------------------------------------------------------------------------------------------------
+
+// Even lanes of a, odd lanes of b. Of two fused forms that differ in the sign of the summand the compiler makes one.
+template<class V, int... I> QVR_INLINE V interleavedLanes(V a, V b, Indices<I...>)
+{
+    return __builtin_shufflevector(a, b, (I + (I & 1) * lanes<V>)...);
+}
+// Kept from being joined with the shuffles that follow, after which the two forms would be computed in all lanes.
+template<class V> QVR_INLINE V asOne(V v)
+{
+    __asm__("" : "+x"(v));
+    return v;
+}
+// a b - c in even lanes and a b + c in odd ones, and the reverse.
+template<class V> QVR_INLINE V multiplySubAdd(V a, V b, V c)
+{
+    if constexpr (kFma)
+        return asOne(interleavedLanes(fma(a, b, -c), fma(a, b, c), Iota<lanes<V>>{}));
+    else
+        return subAdd(a * b, c);
+}
+template<class V> QVR_INLINE V multiplyAddSub(V a, V b, V c)
+{
+    if constexpr (kFma)
+        return asOne(interleavedLanes(fma(a, b, c), fma(a, b, -c), Iota<lanes<V>>{}));
+    else
+        return subAdd(a * b, -c);
 }
 
-template<bool Inverse, class T> inline void recombineBy(bool twoLevel, const T* src, T* dst, int m, const T* table)
+template<class V> QVR_INLINE V evenDup(V v)
 {
-    if (twoLevel)
-        recombine<Inverse, true>(src, dst, m, table);
+    if constexpr (sizeof(Elem<V>) == 4)
+        return shuffleBlocks<0, 0, 2, 2>(v);
     else
-        recombine<Inverse, false>(src, dst, m, table);
+        return shuffleBlocks<0, 0>(v);
+}
+template<class V> QVR_INLINE V oddDup(V v)
+{
+    if constexpr (sizeof(Elem<V>) == 4)
+        return shuffleBlocks<1, 1, 3, 3>(v);
+    else
+        return shuffleBlocks<1, 1>(v);
+}
+// Pairs in falling order.
+template<class V> QVR_INLINE V reversedPairs(V v)
+{
+    if constexpr (sizeof(Elem<V>) == 4)
+        return bitcast<V>(reversedLanes(bitcast<Vec<double, lanes<V> / 2>>(v)));
+    else
+        return swapHalves(v);
+}
+
+template<bool, class A, class B> struct Choice {
+    using type = A;
+};
+template<class A, class B> struct Choice<false, A, B> {
+    using type = B;
+};
+
+template<class T> struct RecombinePairs {
+    using V = Full<T>;
+    static constexpr Index points = kLanes<T> / 2;
+    V a, b;
+
+    template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k)
+    {
+        V w;
+        if constexpr (TwoLevel) {
+            const T* const coarse = table + 2 * (kFine + (k >> kFineOrder));
+            const V fine = load<V>(table + 2 * (k & (kFine - 1)));
+            w = multiplySubAdd(fine, splat<V>(coarse[0]), exchanged(fine) * splat<V>(coarse[1]));
+        } else {
+            w = load<V>(table + 2 * k);
+        }
+        const V y = reversedPairs(b), re = evenDup(w), im = oddDup(w);
+        const V v = subAdd(a, y), s = multiplyAddSub(a, splat<V>(T(1)), y), e = exchanged(v) * re;
+        const V t = Inverse ? multiplySubAdd(v, im, e) : multiplyAddSub(v, im, e);
+        a = s + t;
+        b = reversedPairs(multiplyAddSub(t, alternating<V>(T(-1), T(1)), s));
+    }
+    QVR_INLINE void loadA(const T* p) { a = load<V>(p); }
+    QVR_INLINE void loadB(const T* p) { b = load<V>(p); }
+    QVR_INLINE void storeA(T* p) const { store(p, a); }
+    QVR_INLINE void storeB(T* p) const { store(p, b); }
+    QVR_INLINE void loadFirstA(const T* p, T re)
+    {
+        a = shiftOutPoint(RecombineGroups<T>::lastPoint(re, T{}), load<V>(p + 2));
+    }
+    QVR_INLINE void loadLastB(const T* p, T re, T im)
+    {
+        b = shiftInPoint(load<V>(p - 2), RecombineGroups<T>::firstPoint(re, im));
+    }
+    QVR_INLINE void storeLastB(T* p) const
+    {
+        store(p, lo(b));
+        if constexpr (lanes<V> == 8)
+            store(p + 4, lo(hi(b)));
+    }
+    QVR_INLINE T lastOfB() const { return b[lanes<V> - 2]; }
+};
+
+// ---- Ranges ---------------------------------------------------------------------------------------------------------
+
+template<bool Inverse, bool TwoLevel, class T> void recombineRange(RecombineCall<T>& args)
+{
+    using Step = typename Choice<kFma, RecombinePairs<T>, RecombineGroups<T>>::type;
+    constexpr Index P = Step::points;
+    const RecombineCall<T> call = args;
+    Step step;
+    Index i = 0;
+    if (call.k == 0) {
+        T* const back = call.bOut + 2 * (call.count - P);
+        if constexpr (Inverse) {
+            step.loadFirstA(call.aIn, get(call.aIn, 0));
+            step.loadLastB(call.bIn + 2 * (call.count - P), call.last, T{});
+        } else {
+            step.loadA(call.aIn);
+            step.loadLastB(call.bIn + 2 * (call.count - P), get(call.aIn, 0), get(call.aIn, 1));
+        }
+        step.template work<Inverse, TwoLevel>(call.table, 0);
+        step.storeA(call.aOut);
+        step.storeLastB(back);
+        args.last = step.lastOfB();
+        i = P;
+    }
+    for (; (call.count - i) % P != 0; i++)
+        recombineOne<Inverse, TwoLevel>(call, i);
+    for (; i < call.count; i += P) {
+        const Index k = call.k + i, back = 2 * (call.count - i - P);
+        // A vector across the end of the fine entries has two coarse ones.
+        if (TwoLevel && (k & (kFine - 1)) > kFine - P) {
+            for (Index lane = 0; lane < P; lane++)
+                recombineOne<Inverse, TwoLevel>(call, i + lane);
+            continue;
+        }
+        step.loadA(call.aIn + 2 * i);
+        step.loadB(call.bIn + back);
+        step.template work<Inverse, TwoLevel>(call.table, k);
+        step.storeA(call.aOut + 2 * i);
+        step.storeB(call.bOut + back);
+    }
 }
 
 } // namespace

@@ -22,19 +22,6 @@ QVR_INLINE Index reverseIndex(Index i, int bits)
     return bits == 0 ? 0 : static_cast<Index>(__builtin_bitreverse64(static_cast<uint64_t>(i)) >> (64 - bits));
 }
 
-// Points to a vector, and vectors of points as whole pieces: rows to columns.
-template<class T> constexpr int kVecPoints = kLanes<T> / 2;
-template<class T> QVR_INLINE void transposePoints(Full<double>* r)
-{
-    if constexpr (sizeof(T) == 4) {
-        transpose(r);
-    } else if constexpr (kVecPoints<T> == 2) {
-        const Full<double> a = r[0], b = r[1];
-        r[0] = concat(lo(a), lo(b));
-        r[1] = concat(hi(a), hi(b));
-    }
-}
-
 constexpr int8_t kReversed6[64] = {0, 32, 16, 48, 8,  40, 24, 56, 4, 36, 20, 52, 12, 44, 28, 60,
                                    2, 34, 18, 50, 10, 42, 26, 58, 6, 38, 22, 54, 14, 46, 30, 62,
                                    1, 33, 17, 49, 9,  41, 25, 57, 5, 37, 21, 53, 13, 45, 29, 61,
@@ -90,27 +77,26 @@ template<int K, class T> inline void reverseByTiles(const T* src, T* dst, int m,
     }
 }
 
-template<class T> inline void reverseBits(const T* src, T* dst, int m, T* work)
+template<class T> void reverseInPlaceByTiles(T* data, int m, T* work)
 {
     if (m >= kTiledFrom) {
-        // Copied first: two arrays at once would double the pages that a pair of tiles touches.
-        if (src != dst)
-            __builtin_memcpy(dst, src, (sizeof(T) * 2) << m);
-        reverseByTiles<kTileBits>(dst, dst, m, work);
+        reverseByTiles<kTileBits>(data, data, m, work);
     } else {
         alignas(64) T tiles[2 * 2 * 64];
-        reverseByTiles<3>(src, dst, m, tiles);
+        reverseByTiles<3>(data, data, m, tiles);
     }
 }
 
 // The points n = residue mod 2^f of 2^m to the row of the reversed residue, in order: what reversal does to rows, with
-// the points of a row left in natural order. Each row gets a cache line at a time.
-template<class T> inline void dealRows(const T* src, T* dst, int m, int f)
+// the points of a row left in natural order. Each row gets a cache line at a time. This call brings points first ..
+// first + count - 1 of each row; src holds only theirs.
+template<class T> void dealRows(const T* src, T* dst, int m, int f, Index first, Index count)
 {
     constexpr int P = kVecPoints<T>, L = static_cast<int>(64 / (2 * sizeof(T)));
     using V = Full<double>;
     const Index rows = Index{1} << f, length = Index{1} << (m - f);
-    for (Index n = 0; n < length; n += L)
+    dst += 2 * first;
+    for (Index n = 0; n < count; n += L)
         for (Index residue = 0; residue < rows; residue += P)
 #pragma clang loop unroll(full)
             for (int j = 0; j < L; j += P) {

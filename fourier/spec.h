@@ -6,6 +6,7 @@
 #define QVR_FOURIER_SPEC_H
 
 #include "fourier/limits.h"
+#include "fourier/plan.h"
 #include "fourier/shared.h"
 
 namespace {
@@ -37,6 +38,8 @@ template<class T> struct FftSpec {
     T* pInvRecomb;
     T* pLevelColumnTwiddle[kSplitLevels]; // first generation
     T* pLevelMidTwiddle[kSplitLevels];
+    FftPlan plan;
+    const T* pSweepTables[kMaxSweeps]; // of the plan's sweeps, inside of pTwiddle and pLevelMidTwiddle
 };
 
 template<class T> constexpr int32_t kFftTag = sizeof(T) == 4 ? 6 : 9;

@@ -117,6 +117,10 @@ def undefined_symbol_off_the_list():
     expect(slot_symbols("int l9_g(void); int mx_f(void) { return l9_g() + 1; }"), "l9_g is undefined")
     expect(slot_symbols("int Morven_qvrsFree(void); int mx_f(void) { return Morven_qvrsFree() + 1; }"), "Morven_qvrsFree is undefined")
     expect(slot_symbols("int u8_g(void); int n8_f(void) { return u8_g() + 1; }", slot="n8"), None)
+    for slot in ("u8", "n8", "y8"):
+        kernels = "extern const int m7_ownqvrsFFTKernels_32f; int %s_f(void) { return m7_ownqvrsFFTKernels_32f; }" % slot
+        expect(slot_symbols(kernels, slot=slot), None)
+    expect(slot_symbols("extern const int m7_ownqvrsFFTKernels_32f; int e9_f(void) { return m7_ownqvrsFFTKernels_32f; }", slot="e9"), "not on the list")
     expect(slot_symbols("extern int qvrUnknown; int mx_f(void) { return qvrUnknown; }"), "qvrUnknown is undefined")
 
 
