@@ -324,7 +324,7 @@ void runAnyOrder(const double* src, double* dst, Index n, const qvrsIIRState_64f
         else
             samplePairs(src, dst, n, state);
     } else {
-        if (n > 4 * L) {
+        if (n > 4 * L && n >= kIirBlockFrom) {
             // Chunks of nearly equal size: a short last one would spend its time on the delay line.
             const Index chunks = (n + kIirChunk - 1) / kIirChunk;
             for (Index i = 0, begin = 0; i < chunks; i++) {

@@ -1209,7 +1209,7 @@ qvrStatus Morven_qvrsIIRInitAlloc_64f(qvrsIIRState_64f** statePtr, const qvr64f*
 /**
  * Filters numIters samples.
  *
- * Runs of more than 4 * order samples use a block form on processors with SSE3, in chunks of up to 1024 samples. It
+ * Runs of 24 and of more than 4 * order samples use a block form on processors with SSE3, in chunks of up to 1024. It
  * agrees with the sample-by-sample form up to rounding, and its error stays within a few times that form's, poles close
  * to the circle or not. Instability is not detected.
  * @param src samples
