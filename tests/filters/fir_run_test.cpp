@@ -67,7 +67,7 @@ TYPED_TEST(FirRun, DirectRunsExactly)
             const int limit = create<Form>(slot, taps)->directLimit;
             std::vector<int> lengths = {1,         2,         3,         limit - 1, limit, limit + 1,
                                         limit + 2, limit + 3, limit + 9, 70,        203,   511};
-            for (int n = 4; n < 40; n += static_cast<int>(slots::sweepStep(7)))
+            for (int n = 4; n < 40; n++)
                 lengths.push_back(n);
             for (int n : lengths) {
                 for (bool inPlace : {false, true}) {
@@ -100,7 +100,7 @@ TYPED_TEST(FirRun, AnyAddress)
             const auto taps = exactTaps<Form>(L);
             const auto x = exactValues<Data>(777, 5);
             const auto want = Model<Form>(taps).run(x.data(), x.size());
-            for (size_t offset = 0; offset < 64; offset += slots::sweepStep(13)) {
+            for (size_t offset = 0; offset < 64; offset++) {
                 auto state = create<Form>(slot, taps);
                 const auto y = runGuarded<Form>(slot, state.get(), x, offset, offset % 3 == 0);
                 SCOPED_TRACE(offset);
@@ -128,8 +128,6 @@ TYPED_TEST(FirRun, LongDirectRuns)
                 expectExact<Form>(runGuarded<Form>(slot, state.get(), x, 0, inPlace), model.run(x.data(), n), 0);
                 expectDelay<Form>(state.get(), model);
             }
-            if (slots::simulatedSlot() && n > 3000)
-                break;
         }
     });
 }
@@ -140,8 +138,6 @@ TYPED_TEST(FirRun, TransformPath)
     using Form = TypeParam;
     using Data = typename Form::Data;
     for (int L : {64, 65, 127, 128, 300, 700}) {
-        if (slots::simulatedSlot() && L > 300)
-            continue;
         const auto taps = exactTaps<Form>(L);
         const auto delay = exactValues<Data>(L, 3);
         int N = 4;
@@ -229,7 +225,7 @@ TYPED_TEST(FirRun, StreamsInPieces)
     eachSlot<Form>([&](int slot) {
         for (int L : {5, 40, 100}) {
             const auto taps = exactTaps<Form>(L);
-            const auto x = exactValues<Data>(slots::simulatedSlot() ? 3000 : 14000, 5);
+            const auto x = exactValues<Data>(14000, 5);
             const auto want = Model<Form>(taps).run(x.data(), x.size());
             for (const std::vector<int>& cuts :
                  {std::vector<int>{1, 7, 4096}, {600, 30, 2000, 511, 512}, {L, 1, L + 9, 5000}}) {
@@ -276,8 +272,6 @@ TYPED_TEST(FirRun, LongTaps)
 {
     using Form = TypeParam;
     using Data = typename Form::Data;
-    if (slots::simulatedSlot())
-        GTEST_SKIP() << "long sums are slow on a simulated processor";
     eachSlot<Form>([&](int slot) {
         // A few taps stand far apart, so that the model is quick.
         for (int L : {5000, 100000}) {

@@ -35,7 +35,7 @@ template<class T, class Table> void checkDowns(const Table& table)
     slots::each(table, [&](auto f, int) {
         for (int factor : {1, 2, 3, 4, 5, 6, 7, 8, 9, 16, 31})
             for (int phase = 0; phase < factor; phase += factor > 9 ? 5 : 1)
-                for (int n = 1; n <= 70; n += static_cast<int>(n > 20 ? slots::sweepStep(9) : 1))
+                for (int n = 1; n <= 70; n++)
                     checkDown<T>(f, n, factor, phase, 0);
         for (int factor : {2, 3, 4, 5})
             for (size_t offset : {1, 2, 4, 8, 30})

@@ -42,8 +42,6 @@ template<class T> void checkImpulses(int slot, int order, double bound)
 
 TEST(NestedSplit, Impulses)
 {
-    if (slots::simulatedSlot())
-        GTEST_SKIP() << "too long under an emulator";
     if (slots::canRun(0))
         for (int order : {22, 23, 24})
             checkImpulses<float>(0, order, 2e-6);

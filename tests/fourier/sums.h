@@ -24,7 +24,7 @@ inline std::vector<Exact> convolution(const Signal& a, const Signal& b)
     const size_t results = a.size() + b.size() - 1;
     std::vector<Exact> y(results);
     // An emulator takes its time over long double.
-    const size_t plainMost = slots::simulatedSlot() ? 20000 : 4000000;
+    const size_t plainMost = 4000000;
     if (a.size() * b.size() <= plainMost) {
         for (size_t i = 0; i < a.size(); i++)
             for (size_t j = 0; j < b.size(); j++)

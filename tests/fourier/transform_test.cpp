@@ -104,7 +104,7 @@ TYPED_TEST(Transform, EveryOrderToTheLargestFlat)
 TYPED_TEST(Transform, LongOrders)
 {
     using T = TypeParam;
-    for (int order = 14; order <= (slots::simulatedSlot() ? 15 : 21); order++) {
+    for (int order = 14; order <= 21; order++) {
         const std::vector<T> x = randomValues<T>(size_t{1} << order, 100 + order, -1, 1);
         const std::vector<Bin> exact = reference(x);
         eachSlot([&](int slot) {
@@ -123,8 +123,6 @@ TYPED_TEST(Transform, SingleBinsByTheSum)
 {
     using T = TypeParam;
     for (int order : {12, 15, 18}) {
-        if (slots::simulatedSlot() && order > 12)
-            continue;
         const size_t n = size_t{1} << order;
         const std::vector<T> x = randomValues<T>(n, order, -1, 1);
         eachSlot([&](int slot) {

@@ -16,10 +16,9 @@
 class Guarded {
 public:
     static constexpr size_t kPage = 4096;
-    static constexpr size_t kLaneSlack = 64;
     static constexpr unsigned char kPoison = 0xA5;
 
-    explicit Guarded(size_t bytes) : size_((bytes + kLaneSlack + 2 * kPage - 1) / kPage * kPage)
+    explicit Guarded(size_t bytes) : size_((bytes + 2 * kPage - 1) / kPage * kPage)
     {
         void* base = mmap(nullptr, size_ + 2 * kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         if (base == MAP_FAILED || mprotect(static_cast<char*>(base) + kPage, size_, PROT_READ | PROT_WRITE) != 0)
@@ -31,13 +30,8 @@ public:
     Guarded(const Guarded&) = delete;
     Guarded& operator=(const Guarded&) = delete;
 
-    // `bytes` bytes that end `back` bytes before the unreadable page behind. On a simulated processor two vectors further
-    // ahead: the emulator reads the lanes that a masked load leaves out, and a pair of them covers interleaved values.
-    template<class T> T* atEnd(size_t bytes, size_t back = 0)
-    {
-        const size_t slack = slots::simulatedSlot() ? kLaneSlack : 0;
-        return place<T>(size_ - back - slack - bytes, bytes);
-    }
+    // `bytes` bytes that end `back` bytes before the unreadable page behind.
+    template<class T> T* atEnd(size_t bytes, size_t back = 0) { return place<T>(size_ - back - bytes, bytes); }
 
     // `bytes` bytes that begin `ahead` bytes after the unreadable page in front.
     template<class T> T* atFront(size_t bytes, size_t ahead = 0) { return place<T>(ahead, bytes); }

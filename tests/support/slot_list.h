@@ -52,10 +52,4 @@ inline bool canRun(int slot)
     return (have & kNeeds[slot]) == kNeeds[slot];
 }
 
-// Sweeps over offsets take every one; on a simulated processor, which is slow, every n-th.
-inline size_t sweepStep(size_t simulated)
-{
-    return simulatedSlot() ? simulated : 1;
-}
-
 } // namespace slots

@@ -79,7 +79,7 @@ TEST(Round, AcrossAllExponents)
 {
     slots::each(qvrTable_qvrsCeil_32f, [&](auto f, int slot) {
         std::vector<F> in(4096), ceil(4096), floor(4096);
-        for (uint64_t start = 0; start < (uint64_t{1} << 32); start += uint64_t{4096} * 997 * slots::sweepStep(31)) {
+        for (uint64_t start = 0; start < (uint64_t{1} << 32); start += uint64_t{4096} * 997) {
             for (size_t i = 0; i < in.size(); i++)
                 in[i] = floatOf(static_cast<uint32_t>(start + i * 997));
             f(in.data(), ceil.data(), 4096);
