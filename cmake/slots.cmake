@@ -58,7 +58,7 @@ endfunction()
 #   ALL_SLOTS  compiled for every slot
 #   SHARED     compiled for the slots that do not share another's function
 #   PLAIN      compiled once, for the baseline
-#   ONLY_l9    (any slot) a kernel file for that level alone
+#   ONLY_l9    (any slot) a file for that level alone; sum_l9.cpp stands in the place of sum.cpp there
 function(qvr_sources)
     set(lists ALL_SLOTS SHARED PLAIN)
     foreach(slot IN LISTS QVR_SLOTS)
@@ -66,10 +66,13 @@ function(qvr_sources)
     endforeach()
     cmake_parse_arguments(A "" "" "${lists}" ${ARGN})
     foreach(slot IN LISTS QVR_SLOTS)
-        set(files ${A_ALL_SLOTS} ${A_ONLY_${slot}})
+        set(files ${A_ALL_SLOTS})
         if(slot STREQUAL QVR_SHARED_${slot})
             list(APPEND files ${A_SHARED})
         endif()
+        list(TRANSFORM A_ONLY_${slot} REPLACE "_${slot}(\\.[a-z]+)$" "\\1" OUTPUT_VARIABLE replaced)
+        list(REMOVE_ITEM files ${replaced})
+        list(APPEND files ${A_ONLY_${slot}})
         list(TRANSFORM files PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
         target_sources(slot_${slot} PRIVATE ${files})
     endforeach()

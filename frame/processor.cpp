@@ -3,6 +3,7 @@
 
 #include <cpuid.h>
 
+#include "frame/cpuid.h"
 #include "frame/slots.h"
 #include "frame/threads.h"
 
@@ -25,57 +26,36 @@ int alwaysAvailable()
     return 1;
 }
 
-// The maker whose manuals define the cache leaves that the cache query reads.
-constexpr char kVendor[] = "GenuineIntel";
-
 constexpr uint64_t kGetInfo = 0x616F666E69746567; // "getinfoa", little endian
-
-struct Regs {
-    uint32_t eax, ebx, ecx, edx;
-};
-
-Regs cpuid(uint32_t leaf, uint32_t subleaf = 0)
-{
-    uint32_t r[4];
-    qvrProcessor.cpuid(leaf, subleaf, r);
-    return {r[0], r[1], r[2], r[3]};
-}
-
-constexpr uint64_t bit(uint32_t reg, int position, uint64_t feature)
-{
-    return (reg >> position) & 1 ? feature : 0;
-}
-
-constexpr bool all(uint32_t reg, uint32_t mask)
-{
-    return (reg & mask) == mask;
-}
 
 uint64_t detect()
 {
     const uint32_t highest = cpuid(0).eax;
     const uint32_t highestExtended = cpuid(0x80000000).eax;
-    const Regs one = cpuid(1);
+    const CpuidRegisters one = cpuid(1);
 
-    uint64_t f = bit(one.edx, 23, qvrFeatureMmx) | bit(one.edx, 25, qvrFeatureSse) | bit(one.edx, 26, qvrFeatureSse2);
-    f |= bit(one.ecx, 0, qvrFeatureSse3) | bit(one.ecx, 9, qvrFeatureSsse3) | bit(one.ecx, 22, qvrFeatureMovbe);
-    f |= bit(one.ecx, 19, qvrFeatureSse41) | bit(one.ecx, 20, qvrFeatureSse42) | bit(one.ecx, 28, qvrFeatureAvx);
-    f |= bit(one.ecx, 25, qvrFeatureAes) | bit(one.ecx, 1, qvrFeaturePclmulqdq);
-    f |= bit(one.ecx, 30, qvrFeatureRdrand) | bit(one.ecx, 29, qvrFeatureF16c);
-    if (all(one.ecx, 3u << 27) && (qvrProcessor.xgetbv0() & 6) == 6)
+    uint64_t f = featureOf(one.edx, 23, qvrFeatureMmx) | featureOf(one.edx, 25, qvrFeatureSse) |
+                 featureOf(one.edx, 26, qvrFeatureSse2);
+    f |= featureOf(one.ecx, 0, qvrFeatureSse3) | featureOf(one.ecx, 9, qvrFeatureSsse3) |
+         featureOf(one.ecx, 22, qvrFeatureMovbe);
+    f |= featureOf(one.ecx, 19, qvrFeatureSse41) | featureOf(one.ecx, 20, qvrFeatureSse42) |
+         featureOf(one.ecx, 28, qvrFeatureAvx);
+    f |= featureOf(one.ecx, 25, qvrFeatureAes) | featureOf(one.ecx, 1, qvrFeaturePclmulqdq);
+    f |= featureOf(one.ecx, 30, qvrFeatureRdrand) | featureOf(one.ecx, 29, qvrFeatureF16c);
+    if (savesVectorState(one))
         f |= qvrFeatureOsVectorState;
     if ((one.eax & 0xF00) == 0xB00)
-        f |= bit(cpuid(0x20000001).edx, 1, qvrFeatureFamilyB);
+        f |= featureOf(cpuid(0x20000001).edx, 1, qvrFeatureFamilyB);
     if ((one.eax & 0xFF0) == 0xB10)
         f |= qvrFeatureModelB1;
+    if (hasAvx2Group(one, highest))
+        f |= qvrFeatureAvx2Group;
     if (highest >= 7) {
-        const Regs seven = cpuid(7);
-        if (all(one.ecx, 1u << 12) && all(seven.ebx, 1u << 5 | 1u << 3 | 1u << 8))
-            f |= qvrFeatureAvx2Group;
-        f |= bit(seven.ebx, 19, qvrFeatureAdx) | bit(seven.ebx, 18, qvrFeatureRdseed);
+        const CpuidRegisters seven = cpuid(7);
+        f |= featureOf(seven.ebx, 19, qvrFeatureAdx) | featureOf(seven.ebx, 18, qvrFeatureRdseed);
     }
     if (highestExtended >= 0x80000001)
-        f |= bit(cpuid(0x80000001).ecx, 8, qvrFeaturePrefetchw);
+        f |= featureOf(cpuid(0x80000001).ecx, 8, qvrFeaturePrefetchw);
     return f;
 }
 
@@ -129,13 +109,6 @@ void chooseByFeatures(uint64_t f)
     }
 }
 
-bool vendorMatches()
-{
-    const Regs zero = cpuid(0);
-    const uint32_t words[3] = {zero.ebx, zero.edx, zero.ecx};
-    return __builtin_memcmp(words, kVendor, sizeof words) == 0;
-}
-
 // Descriptor bytes of leaf 2 and the sizes they stand for, by falling size, so that the first match is the largest.
 struct Descriptor {
     uint8_t byte;
@@ -157,7 +130,7 @@ constexpr Descriptor kDescriptors[] = {
 // Largest cache by leaf 2, or 0.
 int32_t sizeByDescriptors()
 {
-    const Regs two = cpuid(2);
+    const CpuidRegisters two = cpuid(2);
     if ((two.eax & 0xFF) != 1)
         return 0;
     uint8_t bytes[16];
@@ -182,7 +155,7 @@ int32_t sizeByLeaf4()
 {
     uint64_t largest = 0;
     for (uint32_t subleaf = 0; subleaf < 32; subleaf++) {
-        const Regs r = cpuid(4, subleaf);
+        const CpuidRegisters r = cpuid(4, subleaf);
         const uint32_t type = r.eax & 31;
         if (type == 0)
             break;
