@@ -72,6 +72,7 @@ struct Array {
 struct Case {
     std::string label;
     double elements = 0; // units of work in one run
+    double points = 0;   // complex points that they belong to, of a transform: the report then gives cycles a point
     Work work;
     double tolerance = 1e-5;             // to which ours and the peers agree, absolute below 1 and relative above
     std::vector<Competitor> competitors; // the first one is ours
@@ -156,7 +157,7 @@ struct Timing {
 struct Result {
     std::string name, variant, family, group, label;
     Level level;
-    double elements;
+    double elements, points;
     Work work;
     std::vector<Timing> timings; // ours first
     int best = 0;                // the best peer's place in timings, 0 without peers

@@ -96,7 +96,7 @@ Result timeCase(const Row& row, Case& c, const Limits& limits, double seconds)
 {
     Result result;
     result.name = row.name, result.variant = row.variant, result.family = row.family, result.group = row.group;
-    result.label = c.label, result.elements = c.elements, result.work = c.work;
+    result.label = c.label, result.elements = c.elements, result.points = c.points, result.work = c.work;
     result.level = levelOf(c.footprint());
     measure(c, seconds, result);
     result.share = limitTime(limits, result.level, c.work, c.elements, result.limitedBy) / result.timings[0].min;

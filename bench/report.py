@@ -90,7 +90,7 @@ def limits_lines(run):
     ]
 
 
-def result_row(r):
+def result_row(r, limits):
     own = r["timings"][0]["min"]
     row = [title(r), r["case"], r["level"], number(own / r["elements"])]
     bytes_moved = (r["read"] + r["written"]) * r["elements"]
@@ -101,6 +101,9 @@ def result_row(r):
     else:
         row += ["none", "", "", ""]
     row.append(f"{100 * r['share']:.0f}% {r['limitedBy']}" if r["share"] else "")
+    # Two fused operations on full vectors in a cycle set the clock.
+    if r.get("points"):
+        row.append(f"{own * limits['fused'] / limits['vectorBytes'] / r['points']:.2f}")
     return row
 
 
@@ -179,9 +182,11 @@ def family_lines(data, docs):
             lines += [f"![{family}: {text}]({name})", ""]
     for group in dict.fromkeys(r["group"] for r in run["results"]):
         lines += [f"### {family}: {group}", ""]
-        lines += table(["function", "case", "level", "ns/element", "GB/s", "best peer", "its ns/element", "ratio",
-                        "median of rounds", "share of limit"],
-                       [result_row(r) for r in run["results"] if r["group"] == group])
+        results = [r for r in run["results"] if r["group"] == group]
+        rows = [result_row(r, run["limits"]) for r in results]
+        header = ["function", "case", "level", "ns/element", "GB/s", "best peer", "its ns/element", "ratio", "median of rounds",
+                  "share of limit"] + (["cycles/point"] if any(r.get("points") for r in results) else [])
+        lines += table(header, [row + [""] * (len(header) - len(row)) for row in rows])
     return lines + slots_lines(data)
 
 
@@ -199,7 +204,8 @@ a pointer. Peers pick their own instruction level and may use wider vectors than
 length; *unaligned* arrays start one to three elements off a 64-byte boundary. *Level* is the smallest cache that holds
 all arrays of the case. *Share of limit* is the time that the machine's own limit allows, over ours; the limits are
 measured in the same run. In-place cases work on one array over and over, so at 15 elements each call waits for the
-stores of the one before it.
+stores of the one before it. Of transforms, *cycles/point* are those for each of the N/2 complex points, in a clock of two
+fused multiply-adds a cycle.
 """
 
 

@@ -245,10 +245,15 @@ qvrStatus floatTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_1
     float* const x =
         flat ? reinterpret_cast<float*>(qvrAlignUp(reinterpret_cast<uintptr_t>(rest), uintptr_t{kLine})) : y;
     SLOT_SHARED(qvrsConvert_16s32f)(src, x, n);
-    const qvrStatus status = SLOT(qvrsFFTFwd_RToCCS_32f)(x, y, spec.pFloatSpec, rest);
-    if (status != qvrOk)
+    // Packed, which is whole vectors to convert; what goes to other places is moved behind.
+    if (const qvrStatus status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(x, y, spec.pFloatSpec, rest))
         return status;
-    return SLOT_SHARED(qvrsConvert_32f16s_Sfs)(y, dst, n + 2, qvrRoundNearest, scaleFactor);
+    if (const qvrStatus status = SLOT_SHARED(qvrsConvert_32f16s_Sfs)(y, dst, n, qvrRoundNearest, scaleFactor))
+        return status;
+    put(dst, n, get(dst, 1));
+    put<int16_t>(dst, 1, 0);
+    put<int16_t>(dst, n + 1, 0);
+    return qvrOk;
 }
 
 } // namespace

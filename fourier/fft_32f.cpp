@@ -13,7 +13,7 @@ extern "C" qvrStatus SLOT(ownqvrsFFTComplex_32f)(const float* pSrc, float* pDst,
     Work<float> work;
     if (const qvrStatus status = takeWork<float>(*pSpec, pBuffer, work))
         return status;
-    complexTransform(makeRun<float>(*pSpec, inverse, scale ? pSpec->normFactor : 1.0f, work.p, false), pSrc, pDst);
+    complexTransform(makeRun<float>(*pSpec, inverse, scale ? pSpec->normFactor : 1.0f, work.p), pSrc, pDst);
     giveWork(work);
     return qvrOk;
 }

@@ -372,8 +372,8 @@ template<int LaneBits, class T> QVR_INLINE void fetchPlaces(const T* base, Index
             __builtin_prefetch(reinterpret_cast<const char*>(base + l * laneStep) + line, 1);
 }
 
-// src in natural order. Neighbouring indices have their places 2^bits radices apart. body(src, base, laneStep) does
-// those of one vector.
+// src in natural order. Neighbouring indices have their places 2^bits radices apart. body(src, leg, base, laneStep)
+// does those of one vector.
 template<int LaneBits, class T, class Body> QVR_INLINE void eachFirst(const FirstCall<T>& args, const Body& body)
 {
     const FirstCall<T> call = args;
@@ -384,14 +384,29 @@ template<int LaneBits, class T, class Body> QVR_INLINE void eachFirst(const Firs
     const bool fetches = call.m >= kPrefetchFrom;
     for (Index i = 0; fetches && i < kPrefetchAhead * kLanes<T>; i += step)
         later.step();
-    const T* src = call.src;
-    for (Index i = 0; i < call.count; i += step, src += 2 * step) {
+    const auto vector = [&](const T* src, Index leg) __attribute__((always_inline)) {
         if (fetches) {
             fetchPlaces<LaneBits>(call.area + 2 * R * later.value, laneStep);
             later.step();
         }
-        body(src, call.area + 2 * R * place.value, laneStep);
+        body(src, leg, call.area + 2 * R * place.value, laneStep);
         place.step();
+    };
+    const T *src = call.src, *const end = src + 2 * call.count;
+    if (R > 8 && call.leg * static_cast<Index>(2 * sizeof(T)) % 4096 == 0) {
+        // Legs that share a cache set are more than it has ways, so the other half of each line is set aside.
+        constexpr int W = kLanes<T>;
+        alignas(64) T rest[R * W];
+        for (; src < end; src += 4 * step) {
+#pragma clang loop unroll(full)
+            for (int c = 0; c < R; c++)
+                store(rest + c * W, load<Full<T>>(src + 2 * c * call.leg + W));
+            vector(src, 2 * call.leg);
+            vector(rest, W);
+        }
+    } else {
+        for (; src < end; src += 2 * step)
+            vector(src, 2 * call.leg);
     }
 }
 
@@ -419,8 +434,7 @@ template<bool Swap, class T> void runFirst(const FirstCall<T>& call)
 {
     using V = Full<T>;
     constexpr int W = kLanes<T>, R = kFirstRadix, laneBits = W == 8 ? 2 : W == 4 ? 1 : 0;
-    const Index leg = 2 * call.leg;
-    eachFirst<laneBits>(call, [&](const T* src, T* base, Index laneStep) {
+    eachFirst<laneBits>(call, [&](const T* src, Index leg, T* base, Index laneStep) __attribute__((always_inline)) {
         V x[R];
 #pragma clang loop unroll(full)
         for (int c = 0; c < R; c++)

@@ -1,49 +1,12 @@
-// The plan of a complex transform of 2^m points: which stages run in which order of work.
-//
-//     first pass      kFirstRadix points without twiddles, bits reversed by the way
-//     levels          nested blocks of 2^order points. Inside a block, the blocks of the level below run to their end,
-//     then
-//                     come the level's own sweeps
-//     sweep           one pass over the block, of one stage or of several: strips of columns then go through a dense
-//     tile
-//
-// The innermost level is a run that stays in the first cache, the next one a row, and then each level joins the rows of
-// the one below by its last stages. Rows are dealt out of the source in natural order, or lie in a reversed array.
+// Making of plans, and the sizes that follow from them.
 #ifndef QVR_FOURIER_PLAN_H
 #define QVR_FOURIER_PLAN_H
 
 #include "fourier/limits.h"
 #include "fourier/passes.h"
+#include "fourier/plan_record.h"
 
 namespace {
-
-constexpr int kMaxLevels = 5, kMaxSweeps = 12, kMaxStages = 4;
-
-struct FftSweep {
-    int8_t from;                   // log2 of the length at its begin
-    int8_t stages;                 // in one pass
-    int8_t radixOrder[kMaxStages]; // log2
-    int8_t form;                   // formProducts or formSteps
-};
-struct FftLevel {
-    int8_t order; // log2 of its block
-    int8_t sweep, sweeps;
-};
-struct FftPlan {
-    int8_t order; // m
-    int8_t row;   // the level whose blocks begin with a first pass
-    int8_t levels;
-    FftLevel level[kMaxLevels];
-    FftSweep sweep[kMaxSweeps];
-};
-
-constexpr int sweepOrder(const FftSweep& sweep)
-{
-    int order = 0;
-    for (int i = 0; i < sweep.stages; i++)
-        order += sweep.radixOrder[i];
-    return order;
-}
 
 // log2 of the radix of the stage that follows length 2^s in a row of 2^m points.
 constexpr int rowRadixOrder(int m, int s)
@@ -91,14 +54,26 @@ struct PlanWriter {
     }
 };
 
+// Rows this long, with their work area, leave room in the second-level cache.
+template<class T> constexpr int kRowOrderMost = sizeof(T) == 4 ? 15 : 14;
+
+// log2 of the rows that a split transform joins: as many as the contract states, or more, for shorter ones.
+template<class T> constexpr int joinOrder(int m)
+{
+    int f = splitOrder<T>(m);
+    while (f > 0 && f < 8 && m - f > kRowOrderMost<T>)
+        f++;
+    return f;
+}
+
 // The row order of a transform that is split, its own order otherwise.
 template<class T> constexpr int rowOrderOf(int m, FftClass c)
 {
     if (c == FftClass::threaded)
         return m - 3;
     if (c == FftClass::split)
-        for (m -= splitOrder<T>(m); rowSplits<T>(m);)
-            m -= splitOrder<T>(m);
+        for (m -= joinOrder<T>(m); rowSplits<T>(m);)
+            m -= joinOrder<T>(m);
     return m;
 }
 
@@ -108,6 +83,7 @@ template<class T> constexpr FftPlan makePlan(int m, FftClass c)
     const int rows = rowOrderOf<T>(m, c);
     PlanWriter w{};
     w.plan.order = static_cast<int8_t>(c == FftClass::threaded ? rows : m);
+    w.plan.firstOrder = kFirstOrder;
     w.level(rows < kRunOrder ? rows : kRunOrder);
     int s = kFirstOrder;
     while (s < rows) {
@@ -131,9 +107,9 @@ template<class T> constexpr FftPlan makePlan(int m, FftClass c)
     }
     w.plan.row = static_cast<int8_t>(w.plan.levels - 1);
     // Inner splits first.
-    int orders[kMaxLevels] = {}, count = 0;
+    int orders[kMaxFftLevels] = {}, count = 0;
     if (c == FftClass::split)
-        for (int order = m; order > rows; order -= splitOrder<T>(order))
+        for (int order = m; order > rows; order -= joinOrder<T>(order))
             orders[count++] = order;
     while (count > 0) {
         const int order = orders[--count];

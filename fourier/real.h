@@ -59,7 +59,7 @@ template<class T> inline qvrStatus forwardPacked(const T* pSrc, T* pDst, const S
     Work<T> work;
     if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
         return status;
-    forwardTransform(makeRun<T>(spec, false, factor, work.p, true), pSrc, pDst);
+    forwardTransform(makeRun<T>(spec, false, factor, work.p), pSrc, pDst);
     giveWork(work);
     return qvrOk;
 }
@@ -102,7 +102,7 @@ inline qvrStatus inverseFrom(const T* pSrc, T* pDst, Index lastAt, const SpecTyp
     Work<T> work;
     if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
         return status;
-    inverseTransform(makeRun<T>(spec, true, factor, work.p, true), pSrc, pDst, get(pSrc, lastAt));
+    inverseTransform(makeRun<T>(spec, true, factor, work.p), pSrc, pDst, get(pSrc, lastAt));
     giveWork(work);
     return qvrOk;
 }

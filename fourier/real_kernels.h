@@ -33,8 +33,9 @@ template<class T, int N> QVR_INLINE void realForward(const T* src, T* dst, T fac
         for (int k = 1; k < M / 2; k++) {
             // X[k] = (a + conj b)/2 - i w (a - conj b)/2
             const Cx<S> a = z[k], b = z[M - k], w = constantTwiddle<N, S>(k);
-            const Cx<S> even = {(a.re + b.re) * half, (a.im - b.im) * half};
-            const Cx<S> odd = Cx<S>{(a.im + b.im) * half, (b.re - a.re) * half} * w;
+            // Halved before they are added up, so that they stay in range whenever the bins do.
+            const Cx<S> x = {a.re * half, a.im * half}, y = {b.re * half, b.im * half};
+            const Cx<S> even = {x.re + y.re, x.im - y.im}, odd = Cx<S>{x.im + y.im, y.re - x.re} * w;
             put(2 * k, even.re + odd.re);
             put(2 * k + 1, even.im + odd.im);
             put(2 * (M - k), even.re - odd.re);

@@ -69,6 +69,32 @@ template<bool Inverse, bool TwoLevel, class T> QVR_INLINE void recombineOne(cons
     store(call.bOut + back + 1, b.im);
 }
 
+// A vector of bins of which bin 0 is real and as told, the others at p + 2.
+template<class V> QVR_INLINE V firstThen(Elem<V> re, const Elem<V>* p)
+{
+    constexpr int H = lanes<V> / 2;
+    if constexpr (H == 1)
+        return V{re, 0};
+    else
+        return concat(firstThen<Vec<Elem<V>, H>>(re, p), load<Vec<Elem<V>, H>>(p + H));
+}
+// One of which the last bin is as told, the others at p.
+template<class V> QVR_INLINE V thenLast(const Elem<V>* p, Elem<V> re, Elem<V> im)
+{
+    constexpr int H = lanes<V> / 2;
+    if constexpr (H == 1)
+        return V{re, im};
+    else
+        return concat(load<Vec<Elem<V>, H>>(p), thenLast<Vec<Elem<V>, H>>(p + H, re, im));
+}
+template<class V> QVR_INLINE void storeAllButLast(Elem<V>* p, V v)
+{
+    if constexpr (lanes<V> > 2) {
+        store(p, lo(v));
+        storeAllButLast(p + lanes<V> / 2, hi(v));
+    }
+}
+
 // Bins in rising order to those of k, k + 1, ... in a group, and back.
 template<class T> struct RecombineGroups {
     using V = Full<T>;
@@ -94,36 +120,14 @@ template<class T> struct RecombineGroups {
         store(p, b.v0);
         store(p + lanes<V>, b.v1);
     }
-    // Bin 0 as told, the others from memory.
-    QVR_INLINE void loadFirstA(const T* p, T re)
-    {
-        a = {shiftOutPoint(lastPoint(re, T{}), load<V>(p + 2)), load<V>(p + lanes<V>)};
-    }
-    // All bins but the one behind the last in memory, which is as told.
-    QVR_INLINE void loadLastB(const T* p, T re, T im)
-    {
-        b = {load<V>(p), shiftInPoint(load<V>(p + lanes<V> - 2), firstPoint(re, im))};
-    }
+    QVR_INLINE void loadFirstA(const T* p, T re) { a = {firstThen<V>(re, p), load<V>(p + lanes<V>)}; }
+    QVR_INLINE void loadLastB(const T* p, T re, T im) { b = {load<V>(p), thenLast<V>(p + lanes<V>, re, im)}; }
     QVR_INLINE void storeLastB(T* p) const
     {
         store(p, b.v0);
-        store(p + lanes<V> - 2, shiftOutPoint(b.v0, b.v1));
+        storeAllButLast(p + lanes<V>, b.v1);
     }
     QVR_INLINE T lastOfB() const { return b.v1[lanes<V> - 2]; }
-    static QVR_INLINE V lastPoint(T re, T im)
-    {
-        V v = {};
-        v[lanes<V> - 2] = re;
-        v[lanes<V> - 1] = im;
-        return v;
-    }
-    static QVR_INLINE V firstPoint(T re, T im)
-    {
-        V v = {};
-        v[0] = re;
-        v[1] = im;
-        return v;
-    }
 };
 
 // ---- Pairs ----------------------------------------------------------------------------------------------------------
@@ -200,7 +204,14 @@ template<class T> struct RecombinePairs {
         } else {
             w = load<V>(table + 2 * k);
         }
-        const V y = reversedPairs(b), re = evenDup(w), im = oddDup(w);
+        V again = w;
+        // A load can repeat floats on its way; the compiler would rather shuffle what it has.
+        if constexpr (!TwoLevel && sizeof(T) == 4) {
+            const T* same = table + 2 * k;
+            __asm__("" : "+r"(same));
+            again = load<V>(same);
+        }
+        const V y = reversedPairs(b), re = evenDup(w), im = oddDup(again);
         const V v = subAdd(a, y), s = multiplyAddSub(a, splat<V>(T(1)), y), e = exchanged(v) * re;
         const V t = Inverse ? multiplySubAdd(v, im, e) : multiplyAddSub(v, im, e);
         a = s + t;
@@ -210,20 +221,9 @@ template<class T> struct RecombinePairs {
     QVR_INLINE void loadB(const T* p) { b = load<V>(p); }
     QVR_INLINE void storeA(T* p) const { store(p, a); }
     QVR_INLINE void storeB(T* p) const { store(p, b); }
-    QVR_INLINE void loadFirstA(const T* p, T re)
-    {
-        a = shiftOutPoint(RecombineGroups<T>::lastPoint(re, T{}), load<V>(p + 2));
-    }
-    QVR_INLINE void loadLastB(const T* p, T re, T im)
-    {
-        b = shiftInPoint(load<V>(p - 2), RecombineGroups<T>::firstPoint(re, im));
-    }
-    QVR_INLINE void storeLastB(T* p) const
-    {
-        store(p, lo(b));
-        if constexpr (lanes<V> == 8)
-            store(p + 4, lo(hi(b)));
-    }
+    QVR_INLINE void loadFirstA(const T* p, T re) { a = firstThen<V>(re, p); }
+    QVR_INLINE void loadLastB(const T* p, T re, T im) { b = thenLast<V>(p, re, im); }
+    QVR_INLINE void storeLastB(T* p) const { storeAllButLast(p, b); }
     QVR_INLINE T lastOfB() const { return b[lanes<V> - 2]; }
 };
 

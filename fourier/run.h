@@ -23,7 +23,6 @@ template<class T> struct FftRun {
     bool swap; // the inverse
     T factor;  // multiplies the results
     T* work;
-    bool real; // with the recombination
 
     // X or 2 Z of bins k .. k + count - 1 and of their partners. Re X[N/2] goes in and out with bin 0.
     T recombine(Index k, const T* aIn, const T* bIn, T* aOut, T* bOut, Index count, T last) const
@@ -40,9 +39,9 @@ template<class T> struct FftRun {
     }
 };
 
-template<class T> inline FftRun<T> makeRun(const FftSpec<T>& spec, bool inverse, T factor, T* work, bool real)
+template<class T> inline FftRun<T> makeRun(const FftSpec<T>& spec, bool inverse, T factor, T* work)
 {
-    return {fftKernels<T>(), spec, spec.plan, inverse, factor, work, real};
+    return {fftKernels<T>(), spec, spec.plan, inverse, factor, work};
 }
 
 // Results as groups, or as pairs times the factor.
@@ -58,7 +57,6 @@ inline void runStage(const FftRun<T>& run, const FftSweep& sweep, int stage, Out
         run.kernels.last[run.swap][sweep.form][radix](call);
 }
 
-constexpr Index kEndBytes = 1024;
 constexpr Index kFirstBlockBytes = 8192;
 template<class T> constexpr Index kStripPadding = static_cast<Index>(64 / (2 * sizeof(T)));
 
@@ -66,19 +64,8 @@ template<class T> constexpr Index kStripPadding = static_cast<Index>(64 / (2 * s
 constexpr int kStackTileOrder = 6;
 static_assert(kStripBytes << kStackTileOrder == kTileBytes);
 
-// Orders from which the recombination shares a pass with the last sweep or with the first.
-constexpr int kJoinedFrom = 13;
-
-template<class T> inline bool joinsRecombination(const FftRun<T>& run)
-{
-    return run.real && !run.swap && run.plan.order >= kJoinedFrom;
-}
-
-// Columns that the last sweep takes from each end, and those that the first pass of an inverse does.
-template<class T> constexpr Index kEndColumns(const FftSweep& sweep)
-{
-    return sweep.stages == 1 ? kEndBytes / static_cast<Index>(2 * sizeof(T)) : stripColumns<T>(sweep);
-}
+// Order from which an inverse recombines on its way into the first pass.
+constexpr int kFirstJoinedFrom = 13;
 
 // The columns k .. k + columns - 1 of one strip, rows 2^from points apart.
 template<class T>
@@ -121,31 +108,6 @@ inline void runSweep(const FftRun<T>& run, int index, const T* in, T* out, Index
     for (Index b = 0; b < points; b += block)
         for (Index k = 0; k < length; k += columns)
             runStrip(run, index, in + 2 * b, out + 2 * b, k, columns, output, tile);
-}
-
-// The last sweep of a forward transform and the recombination. Butterfly k of legs q apart gives bins k + c q, whose
-// partners come from butterfly q - k: strips are taken from both ends, and their bins recombined while they are in
-// cache. The partner of a strip's first column is the last but one that the other end has reached.
-template<class T> T runLastSweep(const FftRun<T>& run, int index, const T* area, T* dst)
-{
-    const FftSweep& sweep = run.plan.sweep[index];
-    const Index q = Index{1} << sweep.from, legs = Index{1} << sweepOrder(sweep), columns = kEndColumns<T>(sweep);
-    alignas(64) T stackTile[kTileBytes / sizeof(T)];
-    T* const tile = sweepOrder(sweep) <= kStackTileOrder ? stackTile : run.work;
-    T last = 0;
-    for (Index j = 0; j < q / 2; j += columns) {
-        runStrip(run, index, area, dst, j, columns, Output::pairs, tile);
-        runStrip(run, index, area, dst, q - j - columns, columns, Output::pairs, tile);
-        for (Index leg = 0; leg < legs / 2; leg++) {
-            const T result = run.recombine(dst, dst, leg * q + j, columns, last);
-            if (leg == 0 && j == 0)
-                last = result;
-            run.recombine(dst, dst, (leg + 1) * q - j - columns + 1, columns - (j == 0), last);
-        }
-    }
-    for (Index leg = 0; leg < legs / 2; leg++)
-        run.recombine(dst, dst, leg * q + q / 2, 1, last);
-    return last;
 }
 
 // The recombination of an inverse transform and its first pass, by the same pairing of the pass' legs. Columns of both
@@ -194,21 +156,18 @@ template<class T> void runFirstBlocks(const FftRun<T>& run, const T* src, T last
 }
 
 // The sweeps of a level over one of its blocks.
-template<class T> inline T runLevelSweeps(const FftRun<T>& run, int index, T* area, T* out, Output output)
+template<class T> inline void runLevelSweeps(const FftRun<T>& run, int index, T* area, T* out, Output output)
 {
     const FftLevel& level = run.plan.level[index];
     const int end = level.sweep + level.sweeps;
     for (int i = level.sweep; i < end; i++) {
         const bool last = i + 1 == end;
-        if (last && output == Output::pairs && joinsRecombination(run))
-            return runLastSweep(run, i, area, out);
         runSweep(run, i, area, last ? out : area, Index{1} << level.order, last ? output : Output::groups);
     }
-    return 0;
 }
 
-// Everything of a row after its first pass. Like the others that may recombine, it returns Re X[N/2].
-template<class T> inline T runRow(const FftRun<T>& run, T* area, T* out, Output output)
+// Everything of a row after its first pass.
+template<class T> inline void runRow(const FftRun<T>& run, T* area, T* out, Output output)
 {
     const int row = run.plan.row;
     if (row > 0) {
@@ -216,11 +175,11 @@ template<class T> inline T runRow(const FftRun<T>& run, T* area, T* out, Output 
         for (Index b = 0; b < points; b += inner)
             runLevelSweeps(run, 0, area + 2 * b, area + 2 * b, Output::groups);
     }
-    return runLevelSweeps(run, row, area, out, output);
+    runLevelSweeps(run, row, area, out, output);
 }
 
 // A split transform's level, in place: rows that were dealt pass through the work memory.
-template<class T> T runSplit(const FftRun<T>& run, int index, T* data, bool dealt)
+template<class T> void runSplit(const FftRun<T>& run, int index, T* data, bool dealt)
 {
     const FftPlan& plan = run.plan;
     const Index points = Index{1} << plan.level[index].order;
@@ -235,7 +194,7 @@ template<class T> T runSplit(const FftRun<T>& run, int index, T* data, bool deal
     const Index inner = Index{1} << plan.level[index - 1].order;
     for (Index b = 0; b < points; b += inner)
         runSplit(run, index - 1, data + 2 * b, dealt);
-    return runLevelSweeps(run, index, data, data, index + 1 == plan.levels ? Output::pairs : Output::groups);
+    runLevelSweeps(run, index, data, data, index + 1 == plan.levels ? Output::pairs : Output::groups);
 }
 
 // ---- Threaded band --------------------------------------------------------------------------------------------------
@@ -292,9 +251,8 @@ template<class T> inline void runBand(const FftRun<T>& run, const T* src, T* are
 
 // ---- Whole transforms -----------------------------------------------------------------------------------------------
 
-// Points in natural order to pairs, without the recombination or with that of a forward transform from kJoinedFrom on;
-// then the result is Re X[N/2].
-template<class T> inline T runComplex(const FftRun<T>& run, const T* src, T* dst, T* area)
+// Points in natural order to pairs.
+template<class T> inline void runComplex(const FftRun<T>& run, const T* src, T* dst, T* area)
 {
     const FftSpec<T>& spec = run.spec;
     const int m = spec.order - 1;
@@ -312,18 +270,15 @@ template<class T> inline T runComplex(const FftRun<T>& run, const T* src, T* dst
             run.kernels.deal(src, dst, m, m - row.order, 0, Index{1} << row.order);
         else
             run.kernels.reverse(dst, m, run.work);
-        return runSplit(run, run.plan.levels - 1, dst, dealt);
+        runSplit(run, run.plan.levels - 1, dst, dealt);
     } else {
         if constexpr (kThreadedBand)
-            if (c == FftClass::threaded) {
-                runBand(run, src, area, dst, spec.threadLimit.value);
-                return 0;
-            }
+            if (c == FftClass::threaded)
+                return runBand(run, src, area, dst, spec.threadLimit.value);
         const Index legs = (Index{1} << m) >> kFirstOrder;
         run.kernels.first[run.swap](FirstCall<T>{src, legs, area, m, 0, legs});
-        return runRow(run, area, dst, Output::pairs);
+        runRow(run, area, dst, Output::pairs);
     }
-    return 0;
 }
 
 // Where the passes run: the destination if it is aligned and not the source, else the work memory.
@@ -340,13 +295,9 @@ template<class T> inline void complexTransform(const FftRun<T>& run, const T* sr
 // To the packed spectrum.
 template<class T> inline void forwardTransform(const FftRun<T>& run, const T* src, T* dst)
 {
-    const FftClass c = classOf<T>(run.spec.order);
     const Index M = Index{1} << (run.spec.order - 1);
-    T last = runComplex(run, src, dst, areaOf(run, src, dst));
-    const bool joined = (c == FftClass::flat || c == FftClass::split) && !kFirstGeneration && joinsRecombination(run);
-    if (!joined)
-        last = run.recombine(dst, dst, 0, M / 2, last);
-    put(dst, 1, last);
+    runComplex(run, src, dst, areaOf(run, src, dst));
+    put(dst, 1, run.recombine(dst, dst, 0, M / 2, T{}));
     constexpr T back = 1 / kBeforeRecombination<T>;
     put(dst, M, back * get(dst, M));
     put(dst, M + 1, -back * get(dst, M + 1));
@@ -360,7 +311,7 @@ template<class T> inline void inverseTransform(const FftRun<T>& run, const T* sr
     const Vec<T, 2> middle = {2 * get(src, M), -2 * get(src, M + 1)};
     T* const area = areaOf(run, src, dst);
     if constexpr (!kFirstGeneration)
-        if (c == FftClass::flat && run.plan.order >= kJoinedFrom) {
+        if (c == FftClass::flat && run.plan.order >= kFirstJoinedFrom) {
             runFirstBlocks(run, src, last, middle, area);
             runRow(run, area, dst, Output::pairs);
             return;

@@ -1,6 +1,7 @@
 // The transforms of one precision on every slot: exported functions by their tables, internal forms by their names.
 #pragma once
 
+#include "fourier/plan_record.h"
 #include "fourier/slot_tables.h"
 #include "support/guarded.h"
 #include "support/slots.h"
@@ -12,6 +13,7 @@
     extern "C" qvrStatus slot##_ownqvrsFFTGetSize_R_##tag(int, int, int, int32_t*, int32_t*, int32_t*);                \
     extern "C" qvrStatus slot##_ownqvrsFFTInit_R_##tag(qvrsFFTSpec_R_##tag**, int, int, int, uint8_t*, uint8_t*);      \
     extern "C" qvrStatus slot##_ownqvrsFFTGetBufSize_R_##tag(const qvrsFFTSpec_R_##tag*, int32_t*);                    \
+    extern "C" const FftPlan* slot##_ownqvrsFFTPlan_R_##tag(const qvrsFFTSpec_R_##tag*);                               \
     extern "C" qvrStatus slot##_ownqvrsFFTFwd_RToPacked_##tag(const T*, T*, const qvrsFFTSpec_R_##tag*, uint8_t*);     \
     extern "C" qvrStatus slot##_ownqvrsFFTInv_PackedToR_##tag(const T*, T*, const qvrsFFTSpec_R_##tag*, uint8_t*);     \
     extern "C" qvrStatus slot##_ownqvrsFFTFwd_RToTailPacked_##tag(const T*, T*, const qvrsFFTSpec_R_##tag*, uint8_t*); \
@@ -41,6 +43,7 @@ template<class T> struct Functions;
         static constexpr decltype(&mx_ownqvrsFFTInit_R_##tag) initIn[7] = QVR_TABLE(ownqvrsFFTInit_R_, tag);           \
         static constexpr decltype(&mx_ownqvrsFFTGetBufSize_R_##tag) bufSize[7] =                                       \
             QVR_TABLE(ownqvrsFFTGetBufSize_R_, tag);                                                                   \
+        static constexpr decltype(&mx_ownqvrsFFTPlan_R_##tag) plan[7] = QVR_TABLE(ownqvrsFFTPlan_R_, tag);             \
         static constexpr Transform toPacked[7] = QVR_TABLE(ownqvrsFFTFwd_RToPacked_, tag);                             \
         static constexpr Transform fromPacked[7] = QVR_TABLE(ownqvrsFFTInv_PackedToR_, tag);                           \
         static constexpr Transform toTailPacked[7] = QVR_TABLE(ownqvrsFFTFwd_RToTailPacked_, tag);                     \

@@ -416,6 +416,48 @@ TYPED_TEST(Spec, RecombinationTables)
     });
 }
 
+// Stages follow each other without gap up to the length, every block is a power of the one below, and a sweep's tile
+// fits the stack or the work memory.
+TYPED_TEST(Spec, PlansAreWhole)
+{
+    using T = TypeParam;
+    using F = Functions<T>;
+    eachSlot([&](int slot) {
+        for (int order = 0; order <= 21; order++) {
+            SCOPED_TRACE(order);
+            Object<T> object(slot, order, 8);
+            const FftPlan* plan = F::plan[slot](object);
+            ASSERT_EQ(plan == nullptr, slot == 0 || order <= kComplex[slot]);
+            if (plan == nullptr)
+                continue;
+            const int lowest = sizeof(T) == 4 ? 14 : 13;
+            const bool band = (slot == 2 || slot == 4) && order >= lowest && order <= lowest + 4;
+            EXPECT_EQ(plan->order, band ? order - 4 : order - 1);
+            EXPECT_EQ(plan->firstOrder, slot >= 5 ? 4 : 3);
+            EXPECT_EQ(plan->levels > plan->row + 1, order > kFlat<T>[slot] && plan->order > 13);
+            int reached = plan->firstOrder, sweeps = 0;
+            for (int i = 0; i < plan->levels; i++) {
+                const FftLevel& level = plan->level[i];
+                EXPECT_EQ(level.sweep, sweeps);
+                EXPECT_GT(level.sweeps, 0);
+                if (i > 0)
+                    EXPECT_GT(level.order, plan->level[i - 1].order);
+                for (; sweeps < level.sweep + level.sweeps; sweeps++) {
+                    const FftSweep& sweep = plan->sweep[sweeps];
+                    EXPECT_EQ(sweep.from, reached);
+                    for (int stage = 0; stage < sweep.stages; stage++)
+                        EXPECT_TRUE(sweep.radixOrder[stage] == 2 || sweep.radixOrder[stage] == 3);
+                    if (sweepOrder(sweep) > 6)
+                        EXPECT_LE(256 << sweepOrder(sweep), fieldsOf<T>(slot, object.get()).workSize());
+                    reached += sweepOrder(sweep);
+                }
+                EXPECT_LE(reached, level.order);
+            }
+            EXPECT_EQ(reached, plan->order);
+        }
+    });
+}
+
 TYPED_TEST(Spec, FirstGenerationTwiddles)
 {
     using T = TypeParam;

@@ -1,3 +1,4 @@
+#include <cfenv>
 #include <thread>
 
 #include "fourier/fft_slots.h"
@@ -168,21 +169,27 @@ TYPED_TEST(Transform, InPlaceAndAlignmentGiveTheSameBits)
 {
     using T = TypeParam;
     using F = Functions<T>;
-    for (int order : {3, 6, 8, 9, 10, 12, 13, 15, 17}) {
+    for (int order : {3, 5, 6, 7, 8, 9, 10, 12, 13, 14, 15, 17, 19, 20}) {
         const size_t n = size_t{1} << order;
         const std::vector<T> x = randomValues<T>(n, order);
         eachSlot([&](int slot) {
             Object<T> object(slot, order, qvrFftDivBySqrtN);
-            alignas(64) static T storage[(1 << 17) + 32];
+            alignas(64) static T storage[(1 << 20) + 32];
             std::vector<T> first;
+            const size_t needed = object.bufferSize();
+            std::vector<uint8_t> buffer(needed + 8);
             for (size_t shift : {0, 1, 2, 5})
                 for (bool inPlace : {false, true}) {
+                    uint8_t* const work = shift < 2 ? nullptr : buffer.data() + shift;
                     std::vector<T> other(n + 16);
                     T *dst = storage + shift, *src = inPlace ? dst : other.data() + shift;
                     memcpy(src, x.data(), n * sizeof(T));
-                    ASSERT_EQ(F::forward[slot](src, dst, object, nullptr), qvrOk);
+                    ASSERT_EQ(F::forward[slot](src, dst, object, work), qvrOk);
                     std::vector<T> got(dst, dst + n + 2);
-                    ASSERT_EQ(F::inverse[slot](dst, dst, object, nullptr), qvrOk);
+                    std::vector<T> back(n + 16);
+                    ASSERT_EQ(F::inverse[slot](dst, back.data() + shift, object, work), qvrOk);
+                    ASSERT_EQ(F::inverse[slot](dst, dst, object, work), qvrOk);
+                    EXPECT_EQ(memcmp(dst, back.data() + shift, n * sizeof(T)), 0) << "order " << order;
                     got.insert(got.end(), dst, dst + n);
                     if (first.empty())
                         first = got;
@@ -190,6 +197,63 @@ TYPED_TEST(Transform, InPlaceAndAlignmentGiveTheSameBits)
                         << "order " << order << " shift " << shift << " in place " << inPlace;
                 }
         });
+    }
+}
+
+// Flags that a run of f raises.
+template<class F> int flagsOf(const F& f)
+{
+    feclearexcept(FE_ALL_EXCEPT);
+    f();
+    const int flags = fetestexcept(FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW);
+    feclearexcept(FE_ALL_EXCEPT);
+    return flags;
+}
+
+// A signalling NaN raises the invalid flag as soon as anything is done with it.
+TYPED_TEST(Transform, InverseLeavesWhatHoldsNothingAlone)
+{
+    using T = TypeParam;
+    using F = Functions<T>;
+    const T nan = std::numeric_limits<T>::signaling_NaN();
+    for (int order = 1; order <= 20; order++) {
+        const size_t n = size_t{1} << order;
+        const std::vector<T> ccs = randomValues<T>(n + 2, order, -1, 1);
+        eachSlot([&](int slot) {
+            SCOPED_TRACE(order);
+            Object<T> object(slot, order, qvrFftDivInvByN);
+            std::vector<T> in = ccs, out(n + 2), want(n);
+            in[1] = in[n + 1] = 0;
+            F::inverse[slot](in.data(), want.data(), object, nullptr);
+            memcpy(&in[1], &nan, sizeof nan);
+            memcpy(&in[n + 1], &nan, sizeof nan);
+            EXPECT_EQ(flagsOf([&] { F::inverse[slot](in.data(), out.data(), object, nullptr); }), 0);
+            EXPECT_EQ(memcmp(out.data(), want.data(), n * sizeof(T)), 0);
+            EXPECT_EQ(flagsOf([&] { F::inverse[slot](in.data(), in.data(), object, nullptr); }), 0);
+            EXPECT_EQ(memcmp(in.data(), want.data(), n * sizeof(T)), 0);
+        });
+    }
+}
+
+// One value has a spectrum of its own size in every bin. Nothing on the way may pass the range that the bins keep to.
+TYPED_TEST(Transform, LargeValuesStayInRange)
+{
+    using T = TypeParam;
+    using F = Functions<T>;
+    const T large = std::numeric_limits<T>::max() * T(0.58);
+    for (int order = 1; order <= 20; order++) {
+        const size_t n = size_t{1} << order;
+        for (size_t at : {size_t{0}, size_t{1}, n / 2, n - 1})
+            eachSlot([&](int slot) {
+                Object<T> object(slot, order, qvrFftNoDiv);
+                std::vector<T> x(n + 2), ccs(n + 2);
+                x[at] = large;
+                EXPECT_EQ(flagsOf([&] { F::forward[slot](x.data(), ccs.data(), object, nullptr); }), 0)
+                    << "order " << order << " at " << at;
+                for (size_t k = 0; k <= n / 2; k++)
+                    ASSERT_NEAR(std::hypot(ccs[2 * k] / large, ccs[2 * k + 1] / large), 1, 1e-5)
+                        << "order " << order << " at " << at << " bin " << k;
+            });
     }
 }
 
