@@ -104,7 +104,7 @@ struct Window {
 // What equals zero without its bits: -0, and where the caller's environment takes denormals for zeros each of those.
 bool isOtherZero(float x)
 {
-    return x == 0 && __builtin_bit_cast(uint32_t, x) != 0;
+    return isZero(x) && __builtin_bit_cast(uint32_t, x) != 0;
 }
 
 // One block after the other from aligned loads, which meet the stores of the previous output without delay.

@@ -203,8 +203,49 @@ template<class V> QVR_INLINE auto padTo16(V v)
     return padLanes(v, Iota<16 / static_cast<int>(sizeof(Elem<V>))>{});
 }
 
+template<int Bytes> struct FloatOf {
+    using type = float;
+};
+template<> struct FloatOf<8> {
+    using type = double;
+};
+
+// Keeps the compiler from seeing which lanes of a result are used: it would drop what was put into the others.
+template<class V> QVR_INLINE V opaque(V v)
+{
+    if constexpr (sizeof(V) == 4 || sizeof(V) == 8) {
+        auto x = bitcast<typename FloatOf<sizeof(V)>::type>(v);
+        __asm__("" : "+x"(x));
+        return bitcast<V>(x);
+    } else if constexpr (sizeof(V) > kVecBytes) {
+        return concat(opaque(lo(v)), opaque(hi(v)));
+    } else {
+        __asm__("" : "+x"(v));
+        return v;
+    }
+}
+
+// v == 0 by the caller's arithmetic, where a denormal may count as zero. Of what it has seen as an integer the compiler
+// would test the bits.
+template<class V> QVR_INLINE Mask<V> isZero(V v)
+{
+    if constexpr (lanes<V> == 1) {
+        Elem<V> x = v[0];
+        __asm__("" : "+x"(x));
+        return Mask<V>{x == 0 ? -1 : 0};
+    } else if constexpr (sizeof(V) < 16) {
+        return slice<0, lanes<V>>(isZero(padTo16(v)));
+    } else {
+        return opaque(v) == V{};
+    }
+}
+QVR_INLINE bool isZero(float x)
+{
+    return isZero(Vec<float, 1>{x})[0] != 0;
+}
+
 // Two floats twice, any other vector as it is. Instructions work on whole registers: what is in unused lanes could
-// raise exceptions that no element raises.
+// raise exceptions that no element raises. What is computed of it is made opaque before its lanes are taken.
 template<class V> QVR_INLINE auto wholeRegister(V v)
 {
     if constexpr (kIsFloat<Elem<V>> && lanes<V> > 1 && sizeof(V) < 16)
@@ -384,7 +425,7 @@ template<class V, class F> QVR_INLINE Elem<V> foldLanes(V v, const F& f)
         return v[0];
     } else if constexpr (sizeof(V) == 16 && sizeof(Elem<V>) == 4 && kIsFloat<Elem<V>>) {
         using One = Vec<Elem<V>, 1>;
-        const V pairs = f(v, shuffleBlocks<2, 3, 0, 1>(v));
+        const V pairs = opaque(f(v, shuffleBlocks<2, 3, 0, 1>(v)));
         return f(One{pairs[0]}, One{pairs[1]})[0];
     } else {
         return foldLanes(f(lo(v), hi(v)), f);

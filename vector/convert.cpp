@@ -32,19 +32,17 @@ float scaleFactor32(int scale)
     return __builtin_bit_cast(float, bits);
 }
 
-// Only the upper clamp is made here: what is too small, -infinity included, converts to 0x80000000, which the
-// saturating pack turns into -32768 just as well.
+// What does not fit would convert to the right end, too, but not without raising the invalid flag.
 template<int mode, class V> QVR_INLINE Vec<int16_t, lanes<V>> roundTo16(V x)
 {
-    const V clamped = min(x, splat<V>(32767));
+    const V clamped = max(min(x, splat<V>(32767)), splat<V>(-32768));
     if constexpr (mode == qvrRoundTowardZero) {
         return packSaturate(toIntTruncate(clamped));
     } else if constexpr (mode == qvrRoundNearest) {
         return packSaturate(toInt(clamped));
     } else {
         // With t = trunc(2 x): (t + 1) >> 1 from zero on and t >> 1 below, for truncation has taken the fraction of a
-        // negative t toward zero already. Adding 0.5 to x instead would round 0.49999997 up. What is too small has
-        // t = 0x80000000, whose half still saturates to -32768.
+        // negative t toward zero already. Adding 0.5 to x instead would round 0.49999997 up.
         // Doubles by halves: their integers are half as wide.
         const auto halfAway = [](auto v) {
             const auto twice = toIntTruncate(v + v);

@@ -23,31 +23,16 @@ template<class V> QVR_INLINE V overZero(V n)
     return bitcast<V>(bitcast<U>(n != V{} & n == n) ? infinity : splat<U>(kNan));
 }
 
-// The compiler may not see that lanes are discarded after the instruction: it would drop their replacement before it.
-template<class V> QVR_INLINE V opaque(V v)
-{
-    if constexpr (lanes<V> == 1) {
-        Elem<V> x = v[0];
-        __asm__("" : "+x"(x));
-        return V{x};
-    } else if constexpr (sizeof(V) > kVecBytes) {
-        return byHalves([](auto half) { return opaque(half); }, v);
-    } else {
-        __asm__("" : "+x"(v));
-        return v;
-    }
-}
-
-// A vector with a zero among its divisors: 1 is divided by in its place.
+// A vector with a zero among its divisors: 1 is divided by in its place, although the quotient is discarded.
 template<class V> __attribute__((noinline)) V quotientWithZeros(V n, V d)
 {
-    const Mask<V> zero = d == V{};
+    const Mask<V> zero = isZero(d);
     return zero ? overZero(n) : n / opaque(zero ? splat<V>(1) : d);
 }
 
 template<class V> QVR_INLINE V quotient(V n, V d, int& flagged)
 {
-    if (__builtin_expect(anyTrue(d == V{}) != 0, 0)) {
+    if (__builtin_expect(anyTrue(isZero(d)) != 0, 0)) {
         flagged = 1;
         return quotientWithZeros(n, d);
     }

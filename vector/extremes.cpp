@@ -13,7 +13,7 @@ constexpr Index kBlock = 1024;
 
 template<class T> QVR_INLINE T firstZeroIfZero(const T* src, Index n, T extreme)
 {
-    return extreme == 0 ? elementAt(src, firstEqual(src, n, extreme)) : extreme;
+    return isZero(Vec<T, 1>{extreme})[0] ? elementAt(src, firstEqual(src, n, extreme)) : extreme;
 }
 
 template<class T, class Pick> QVR_INLINE qvrStatus extreme(const T* pSrc, int len, T* pResult, Pick pick)

@@ -83,7 +83,11 @@ template<class T, class Op, class... S> QVR_INLINE void mapLong(T* dst, Index n,
 // op of vectors that may be half a register.
 template<class Op, class V, class... More> QVR_INLINE auto onLanes(Op& op, V v, More... more)
 {
-    return slice<0, lanes<V>>(op(wholeRegister(v), wholeRegister(more)...));
+    using W = decltype(wholeRegister(v));
+    if constexpr (lanes<W> == lanes<V>)
+        return op(v, more...);
+    else
+        return slice<0, lanes<V>>(opaque(op(wholeRegister(v), wholeRegister(more)...)));
 }
 
 // The last elements by falling powers of two, each once.

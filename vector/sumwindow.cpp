@@ -1,9 +1,10 @@
 // Sums over a window that slides along 16-bit samples, kept as a running float sum.
 //
-// The update w + (entering - leaving) is exact as long as everything stays within 2^24, and then a block of updates is
-// its integer prefix sums. A step changes the sum by at most 65535, so a sum far enough below 2^24 vouches for a whole
-// block; nearer to the limit, the updates are made one by one, each with its rounding. Rounding down gives an exact
-// zero the sign that integers do not have, so in that mode every update is made one by one too.
+// The update is w + (entering - leaving), with a difference of integers. It is exact as long as everything stays within
+// 2^24, and then a block of updates is its integer prefix sums. A step changes the sum by at most 65535, so a sum far
+// enough below 2^24 vouches for a whole block; nearer to the limit, the updates are made one by one, each with its
+// rounding. Rounding down gives an exact zero the sign that integers do not have, so in that mode every update is made
+// one by one too.
 #include "frame/mxcsr.h"
 #include "vector/fold.h"
 #include "vector/functions.h"
@@ -82,7 +83,7 @@ extern "C" qvrStatus SLOT(qvrsSumWindow_16s32f)(const qvr16s* pSrc, qvr32f* pDst
         const Index end = n - 1 - i < kBlock ? n - 1 : i + kBlock;
         for (; i < end; i++) {
             store(pDst + i, Vec<float, 1>{w});
-            w += static_cast<float>(elementAt(pSrc, i + mask)) - static_cast<float>(elementAt(pSrc, i));
+            w += static_cast<float>(elementAt(pSrc, i + mask) - elementAt(pSrc, i));
         }
     }
     store(pDst + n - 1, Vec<float, 1>{w});

@@ -7,7 +7,7 @@ namespace {
 // A NaN is above zero here.
 int signOf(float x)
 {
-    return x == 0 ? 0 : 0 > x ? -1 : 1;
+    return 0 > x ? -1 : !(0 >= x);
 }
 
 // Steps of at most 2 add up to at most 2^24 here, up to where a single holds every integer.

@@ -1,4 +1,5 @@
 #include "support/elementwise.h"
+#include "support/environment.h"
 #include "support/status_order.h"
 #include "vector/slot_tables.h"
 
@@ -223,6 +224,27 @@ TEST(Convert, RoundingModes32f)
 TEST(Convert, RoundingModes64f)
 {
     checkModes<double>(qvrTable_qvrsConvert_64f16s_Sfs);
+}
+
+// The clamps come before the conversion on both sides.
+TEST(Convert, ToSixteenBitsRaisesNothing)
+{
+    const auto check = [](auto f, auto tag) {
+        using T = decltype(tag);
+        for (T far : {T(-3e9), T(3e9), T(-1e30), -std::numeric_limits<T>::infinity()})
+            for (int mode : {qvrRoundTowardZero, qvrRoundNearest, qvrRoundHalfAway})
+                for (int scale : {0, 1, -1})
+                    for (int n : {1, 2, 3, 4, 7, 16, 33}) {
+                        const std::vector<T> x(n, far);
+                        std::vector<qvr16s> y(n);
+                        const Environment environment(environment::kMasked);
+                        f(x.data(), y.data(), n, mode, scale);
+                        EXPECT_EQ(environment.flags() & environment::kInvalid, 0u) << far << " mode " << mode;
+                        EXPECT_EQ(y[n - 1], far < 0 ? -32768 : 32767);
+                    }
+    };
+    slots::each(qvrTable_qvrsConvert_32f16s_Sfs, [&](auto f, int) { check(f, 0.0f); });
+    slots::each(qvrTable_qvrsConvert_64f16s_Sfs, [&](auto f, int) { check(f, 0.0); });
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "support/budget.h"
 #include "support/elementwise.h"
+#include "support/environment.h"
 #include "support/regions.h"
 #include "vector/slot_tables.h"
 
@@ -296,6 +297,33 @@ TEST(Divide, ManyCallersAtOnce)
     a.join();
     c.join();
     e.join();
+}
+
+// Where denormals count as zeros, they do so as divisors at every place.
+TEST(Divide, DenormalDivisorsAsZeros)
+{
+    const auto check = [](auto divide) {
+        for (int n = 1; n <= 40; n++)
+            for (int at = 0; at < n; at++) {
+                std::vector<float> divisors(n, 2), y(n);
+                divisors[at] = at % 2 ? -1e-40f : 1e-40f;
+                const Environment environment(environment::kMasked | environment::kDenormalsAreZero);
+                ASSERT_EQ(divide(divisors.data(), y.data(), n), qvrWarnDivByZero) << at << " of " << n;
+                ASSERT_EQ(y[at], INFINITY) << at << " of " << n;
+            }
+    };
+    const std::vector<float> dividends(40, 3);
+    slots::each(qvrTable_qvrsDiv_32f, [&](auto f, int) {
+        check([&](const float* d, float* y, int n) { return f(d, dividends.data(), y, n); });
+    });
+    slots::each(qvrTable_qvrsDivCRev_32f,
+                [&](auto f, int) { check([&](const float* d, float* y, int n) { return f(d, 3, y, n); }); });
+    slots::each(qvrTable_qvrsDivCRev_32f_I, [&](auto f, int) {
+        check([&](const float* d, float* y, int n) {
+            memcpy(y, d, sizeof(float) * n);
+            return f(3, y, n);
+        });
+    });
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "support/arrays.h"
+#include "support/environment.h"
 #include "vector/slot_tables.h"
 
 #include <xmmintrin.h>
@@ -144,6 +145,21 @@ TEST(SumWindow, Statuses)
         for (int mask : {0, -1, INT32_MIN})
             EXPECT_EQ(f(x, d, 4, mask), qvrErrBadWindowLength);
         EXPECT_EQ(d[0], 55);
+    });
+}
+
+TEST(SumWindow, SilenceIsPositiveZero)
+{
+    slots::each(qvrTable_qvrsSumWindow_16s32f, [&](auto f, int) {
+        for (unsigned mode : {environment::kNearest, environment::kDown, environment::kUp, environment::kZero})
+            for (int n : {1, 5, 40, 100}) {
+                const std::vector<qvr16s> x(n + 15);
+                std::vector<float> y(n, 7);
+                const Environment environment(environment::kMasked | mode);
+                f(x.data(), y.data(), n, 16);
+                for (float v : y)
+                    EXPECT_EQ(bitsOf(v), 0u) << "mode " << mode;
+            }
     });
 }
 
