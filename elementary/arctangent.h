@@ -73,8 +73,8 @@ template<Accuracy A, bool kFine = false, class V> QVR_INLINE V arcTangentOfQuoti
     } else {
         t = num / den;
     }
-    if constexpr (kFine) // the angle of a zero y would be -0 where the caller rounds down
-        return abs(offset + t * fineArcTangentSeries(t * t));
+    if constexpr (kFine)
+        return offset + t * fineArcTangentSeries(t * t);
     else
         return offset + t * arcTangentSeries<A>(t * t);
 }
@@ -87,10 +87,13 @@ template<Accuracy A, class V> QVR_INLINE V arcTangent(V x)
     return withSign(arcTangentOfQuotient<A>(min(limit, abs(x)), splat<V>(1)), signOf(x));
 }
 
-// The angle of (x, y) with finite coordinates that are not both zero.
-template<Accuracy A, bool kFine = false, class V> QVR_INLINE V arcTangent2(V y, V x)
+// The angle of (x, y) with finite coordinates that are not both zero. With kNearest the caller's rounding is to
+// nearest, or y is not zero: otherwise the magnitude of a zero angle might be -0.
+template<Accuracy A, bool kFine = false, bool kNearest = true, class V> QVR_INLINE V arcTangent2(V y, V x)
 {
-    const V a = arcTangentOfQuotient<A, kFine>(abs(y), abs(x));
+    V a = arcTangentOfQuotient<A, kFine>(abs(y), abs(x));
+    if constexpr (!kNearest)
+        a = abs(a);
     const V pi = splat<V>(static_cast<Elem<V>>(3.1415926535897932));
     return withSign(bitcast<Mask<V>>(x) < 0 ? pi - a : a, signOf(y));
 }
@@ -109,7 +112,7 @@ QVR_INLINE double wideArcTangent2(float yf, float xf)
         x = __builtin_copysign(1.0, x);
     }
     using V = Vec<double, 1>;
-    return arcTangent2<Accuracy::ha, true>(V{y}, V{x})[0];
+    return arcTangent2<Accuracy::ha, true, false>(V{y}, V{x})[0];
 }
 
 } // namespace

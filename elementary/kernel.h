@@ -53,15 +53,15 @@ template<Accuracy A> constexpr int kRegisterOf = kVecBytes / (A == Accuracy::ha 
 
 // ---- Formula helpers ------------------------------------------------------------------------------------------------
 
-// a * c + b and b - a * c with a constant c. Where products are rounded, a negative constant is subtracted: the
-// compiler would exchange a * -c + b for it in one place and not in another, and the two differ where the caller rounds
-// up or down.
+// a * c + b and b - a * c with a constant c. The compiler must not see that a rounded product is subtracted: it would
+// exchange b - a * c for b + a * -c in one place and not in another, and the two differ where the caller rounds up or
+// down.
 template<class V> QVR_INLINE V addProduct(V b, V a, Elem<V> c)
 {
     if constexpr (kFma)
         return fma(a, splat<V>(c), b);
     else
-        return c < 0 ? b - a * splat<V>(-c) : b + a * splat<V>(c);
+        return b + (c < 0 ? opaque(a * splat<V>(c)) : a * splat<V>(c));
 }
 template<class V> QVR_INLINE V subtractProduct(V b, V a, Elem<V> c)
 {
@@ -71,9 +71,9 @@ template<class V> QVR_INLINE V subtractProduct(V b, V a, Elem<V> c)
 template<class V> QVR_INLINE V subtractProduct(V b, V a, V c)
 {
     if constexpr (kFma)
-        return fma(-a, c, b);
+        return fma(a, -c, b);
     else
-        return b - a * c;
+        return b - opaque(a * c);
 }
 
 // Horner's rule, coefficients from the highest power down.
@@ -107,7 +107,7 @@ template<bool kNearest, class V> QVR_INLINE V oddZero(V x, V y)
     if constexpr (kNearest)
         return y;
     else
-        return x == V{} ? bitcast<V>(signOf(x)) : y;
+        return isZero(x) ? bitcast<V>(signOf(x)) : y;
 }
 template<bool kNearest, class V> QVR_INLINE V zeroAt(float place, V x, V y)
 {

@@ -56,13 +56,13 @@ template<Accuracy A, bool kNearest> struct NaturalLogarithm {
         using V = Vec<float, 1>;
         if (x != x)
             return x;
+        if (isZero(x)) {
+            error(qvrWarnSingularity);
+            return -__builtin_inff();
+        }
         if (x < 0) {
             error(qvrWarnDomain);
             return __builtin_bit_cast(float, 0x7FFC0000);
-        }
-        if (x == 0) {
-            error(qvrWarnSingularity);
-            return -__builtin_inff();
         }
         if (__builtin_isinf(x))
             return x;
@@ -110,7 +110,7 @@ template<Accuracy A, bool kNearest> struct DecimalLogarithm {
     float scalar(const Error&, float x) const
     {
         using V = Vec<float, 1>;
-        if (x == 0)
+        if (isZero(x))
             return -__builtin_inff();
         if (x != x)
             return x;

@@ -50,7 +50,7 @@ template<bool kNearest> float scalarPower(const Error& error, float x, float y, 
     const float infinity = __builtin_inff();
     const uint32_t xBits = __builtin_bit_cast(uint32_t, x), yBits = __builtin_bit_cast(uint32_t, y);
     // A comparison takes a denormal for the zero that it is to the caller's arithmetic.
-    const uint32_t ax = x == 0 ? 0 : xBits & ~kSignBit, ay = y == 0 ? 0 : yBits & ~kSignBit;
+    const uint32_t ax = isZero(x) ? 0 : xBits & ~kSignBit, ay = isZero(y) ? 0 : yBits & ~kSignBit;
     const bool xNegative = xBits & kSignBit, yNegative = yBits & kSignBit;
     constexpr uint32_t one = 0x3F800000;
     if (ay == 0 || xBits == one || (ax == one && ay == kInfinityBits))

@@ -5,7 +5,7 @@
 // Tangent: N = round(x * 2/pi), r = x - N pi/2, tan x = tan r, or -1 / tan r for odd N
 //
 // pi is subtracted in parts whose products with N are exact, so r keeps its relative precision; class a11 of sine and
-// cosine takes two parts only, so near the zeros of the function its error is absolute, about 2^-12.7.
+// cosine takes two parts only, so near the zeros of the function its error is absolute, at most 2^-12.68.
 #include "elementary/functions.h"
 #include "elementary/kernel.h"
 

@@ -89,17 +89,31 @@ template<class V> QVR_INLINE V unitArcTangent(V t)
     return fma(t * z, p, t);
 }
 
-template<class V> QVR_INLINE V plainArcTangent(V x)
+// The smaller of a and 1 over the larger one; bits of numbers that are not negative are ordered as the numbers, and a
+// NaN is the largest.
+template<class V> QVR_INLINE V unitQuotient(V a)
 {
-    const V a = abs(x), one = splat<V>(1);
-    const Mask<V> wide = isAbove(a, 1);
-    // Lanes that need no quotient divide by one.
-    const V t = (wide ? one : a) / (wide ? a : one);
-    // A zero's would be -0 where the caller rounds down.
-    const V p = abs(unitArcTangent(t));
+    const Mask<V> x = bitcast<Mask<V>>(a), one = bitcast<Mask<V>>(splat<V>(1));
+    if constexpr (kAvx2 || (kSse41 && !kAvx)) {
+        return bitcast<V>(min(x, one)) / bitcast<V>(max(x, one));
+    } else {
+        const Mask<V> exchange = (x ^ one) & isAbove(a, 1);
+        return bitcast<V>(x ^ exchange) / bitcast<V>(one ^ exchange);
+    }
+}
+
+template<bool kNearest, class V> QVR_INLINE V plainArcTangent(V x)
+{
+    const V a = abs(x);
+    const V p = unitArcTangent(unitQuotient(a));
     // pi/2 as a float and the rest of it
     const V folded = splat<V>(1.5707964f) - (p + splat<V>(4.371139e-08f));
-    return withSign(wide ? folded : p, signOf(x));
+    return oddZero<kNearest>(x, withSign(isAbove(a, 1) ? folded : p, signOf(x)));
+}
+
+template<bool kNearest> __attribute__((noinline)) void arcTangents(const float* src, float* dst, Index n)
+{
+    eachBlock(src, dst, n, [](auto x) { return plainArcTangent<kNearest>(x); });
 }
 
 // ---- Logarithm ------------------------------------------------------------------------------------------------------
@@ -113,7 +127,7 @@ float specialLogarithm(float x, int& note)
         note = note ? note : negativeNote;
         return __builtin_bit_cast(float, kQuietNan);
     }
-    if (x == 0) { // a denormal, too, where the caller takes it for a zero
+    if (isZero(x)) { // a denormal, too, where the caller takes it for a zero
         note = note ? note : zeroNote;
         return -__builtin_inff();
     }
@@ -160,7 +174,7 @@ template<bool kNearest> __attribute__((noinline)) int logarithms(const float* sr
 // ---- Phase ----------------------------------------------------------------------------------------------------------
 
 // Four or eight angles; a block with an infinity, a NaN or a zero pair goes one by one.
-template<int B> QVR_INLINE void phaseBlock(const float* src, float* dst, int n)
+template<bool kNearest, int B> QVR_INLINE void phaseBlock(const float* src, float* dst, int n)
 {
     using P = Vec<float, 2 * B>;
     const P pairs = loadFirst<P>(src, 2 * n);
@@ -169,17 +183,27 @@ template<int B> QVR_INLINE void phaseBlock(const float* src, float* dst, int n)
     // The angle of 1 + i y in lanes behind the end.
     const V re = used ? V(evens(lo(pairs), hi(pairs))) : splat<V>(1), im = odds(lo(pairs), hi(pairs));
     constexpr float largest = 0x1.fffffep127f;
-    const Mask<V> special = isAbove(abs(re), largest) | isAbove(abs(im), largest) | ((re == V{}) & (im == V{}));
+    const Mask<V> special = isAbove(abs(re), largest) | isAbove(abs(im), largest) | (isZero(re) & isZero(im));
     if (__builtin_expect(anyTrue(special), 0)) {
         for (int i = 0; i < n; i++) {
             const Vec<float, 2> z = load<Vec<float, 2>>(src + 2 * i);
-            const float angle = z[0] == 0 && z[1] == 0 ? 0.0f : static_cast<float>(wideArcTangent2(z[1], z[0]));
+            const float angle = isZero(z[0]) && isZero(z[1]) ? 0.0f : static_cast<float>(wideArcTangent2(z[1], z[0]));
             store(dst + i, angle);
         }
     } else {
-        const auto angle = arcTangent2<Accuracy::ha, true>(convert<double>(im), convert<double>(re));
+        const auto angle = arcTangent2<Accuracy::ha, true, kNearest>(convert<double>(im), convert<double>(re));
         storeFirst(dst, convert<float>(angle), n);
     }
+}
+
+template<bool kNearest> __attribute__((noinline)) void phases(const float* src, float* dst, Index n)
+{
+    constexpr int B = kLanes<float>;
+    Index i = 0;
+    for (; i + B <= n; i += B)
+        phaseBlock<kNearest, B>(src + 2 * i, dst + i, B);
+    if (i < n)
+        phaseBlock<kNearest, B>(src + 2 * i, dst + i, static_cast<int>(n - i));
 }
 
 } // namespace
@@ -210,7 +234,10 @@ qvrStatus SLOT_SHARED(qvrsArctan_32f)(const qvr32f* pSrc, qvr32f* pDst, int len)
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
         return status;
-    eachBlock(pSrc, pDst, len, [](auto x) { return plainArcTangent(x); });
+    if (readMxcsr() & kMxcsrRounding)
+        arcTangents<false>(pSrc, pDst, len);
+    else
+        arcTangents<true>(pSrc, pDst, len);
     return qvrOk;
 }
 
@@ -219,12 +246,10 @@ qvrStatus SLOT_SHARED(qvrsPhase_32fc)(const qvr32fc* pSrc, qvr32f* pDst, int len
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pDst))
         return status;
     const float* src = reinterpret_cast<const float*>(pSrc);
-    constexpr int B = kLanes<float>;
-    Index i = 0;
-    for (; i + B <= len; i += B)
-        phaseBlock<B>(src + 2 * i, pDst + i, B);
-    if (i < len)
-        phaseBlock<B>(src + 2 * i, pDst + i, static_cast<int>(len - i));
+    if (readMxcsr() & kMxcsrRounding)
+        phases<false>(src, pDst, len);
+    else
+        phases<true>(src, pDst, len);
     return qvrOk;
 }
 

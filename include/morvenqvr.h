@@ -19,8 +19,11 @@
  * - Aliasing. A destination may be the very same array as a source where both have one element type. Other overlap is
  *   not supported.
  * - Reading and writing stop at the stated lengths: no element beyond is touched.
- * - Floating point. Results follow the caller's MXCSR (rounding, flush to zero, masks) unless a function states
- *   another rule. There are no fused operations where a formula shows two.
+ * - Floating point. Results follow the caller's MXCSR (rounding, flush to zero, denormals are zero, masks) unless a
+ *   function states another rule. A denormal that counts as zero has a zero's result and status. Inexact, underflow and
+ *   denormal may be raised freely; invalid, divide by zero and overflow only where the stated formula raises them for an
+ *   element. The control bits are as before after every call, and errno is never touched. There are no fused operations
+ *   where a formula shows two.
  * - Threads. Any function may run in several threads at once on separate data. Functions that use threads of their
  *   own say so; they use two at most unless they tell otherwise, and never more than the OpenMP runtime allowed when
  *   the library was loaded.
@@ -1773,14 +1776,14 @@ qvrStatus Morven_qvriJoinRow_TIFF_8u16u_C1(qvr8u** srcPlanes, qvr8u* dst, int le
  *   the slower path, which is at least as accurate, so the last bits of an element may depend on its neighbours.
  * - Environment: exceptions are masked during the call, so none traps. A caller with all exceptions masked finds the five
  *   flags other than precision cleared; any other caller finds MXCSR as it was. Pending x87 exceptions are cleared. The
- *   caller's rounding mode and flush modes hold inside, except that arguments are always reduced by the nearest integer.
- *   errno is not touched.
+ *   caller's rounding mode and flush modes hold inside, except that arguments are always reduced by the nearest integer,
+ *   that a zero result has the sign that it has in rounding to nearest, and that an overflow is infinite in every mode.
  * - A destination may be the very same array as a source.
  * @{
  */
 
 /**
- * Sine, to 11 bits; next to multiples of pi the error is at most 2^-12.7 in absolute terms instead.
+ * Sine, to 11 bits; next to multiples of pi the error is at most 2^-12.68 in absolute terms instead.
  *
  * Any finite argument is valid. A zero keeps its sign. A NaN gives a quiet NaN, an infinity the NaN 0xFFC00000.
  * @return qvrWarnDomain if an element was infinite
@@ -1876,7 +1879,7 @@ qvrStatus Morven_qvrsPowx_32f_A24(const qvr32f* pSrcX, qvr32f y, qvr32f* pDst, i
  * @defgroup fast Fast elementary functions, magnitudes and phase
  *
  * All functions return qvrErrNullPointer for a null pointer and then qvrErrBadSize for `len` below 1. They follow the
- * caller's MXCSR and raise its flags; errno is not touched.
+ * caller's MXCSR and raise its flags; an overflow is infinite in every rounding mode.
  * @{
  */
 
@@ -1895,7 +1898,7 @@ qvrStatus Morven_qvrsExp_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
  */
 qvrStatus Morven_qvrsLn_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Arc tangent in [-pi/2, pi/2], within one unit in the last place of the scalar one. No warnings. */
+/** Arc tangent in [-pi/2, pi/2], within two units in the last place of the scalar one. No warnings. */
 qvrStatus Morven_qvrsArctan_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
 
 /** The angle of a complex number, atan2(im, re) in double and rounded to single; 0 where both parts are zero. */

@@ -3,8 +3,9 @@
 //
 //   accuracy_report [stride [function]]
 //
-// takes every stride-th float of the domain (1: all of them) against the C library in double; the worst argument found
-// is then measured again against MPFR. Functions of two arguments take random pairs against extended precision.
+// takes every stride-th float of the domain (1: all of them) against the C library in double; the worst arguments found
+// are then measured again against MPFR. Functions of two arguments take random pairs against extended precision.
+#include <gnu/libc-version.h>
 #include <mpfr.h>
 
 #include <algorithm>
@@ -47,13 +48,15 @@ struct Worst {
     double relative = 0, ulp = 0, absolute = 0;
     float at = 0, at2 = 0; // where relative is worst
     float ulpAt = 0, ulpAt2 = 0;
+    float absoluteAt = 0, absoluteAt2 = 0;
     void take(const Worst& o)
     {
         if (o.relative > relative)
             relative = o.relative, at = o.at, at2 = o.at2;
         if (o.ulp > ulp)
             ulp = o.ulp, ulpAt = o.ulpAt, ulpAt2 = o.ulpAt2;
-        absolute = std::max(absolute, o.absolute);
+        if (o.absolute > absolute)
+            absolute = o.absolute, absoluteAt = o.absoluteAt, absoluteAt2 = o.absoluteAt2;
     }
 };
 
@@ -67,16 +70,20 @@ double unitOf(double x)
     return unit;
 }
 
+// Left out are true values that are no number or beyond the floats. A NaN for a number is an infinite error.
 void measure(Worst& w, float got, double want, float x, float y = 0)
 {
-    if (std::isnan(want) || std::isinf(static_cast<float>(want)) || want == 0)
+    if (std::isnan(want) || std::isinf(static_cast<float>(want)))
         return;
-    const double error = std::fabs(got - want);
+    const double error = std::isnan(got) ? INFINITY : std::fabs(got - want);
+    if (want == 0 && error == 0)
+        return;
     const double unit = unitOf(want), size = std::fabs(want);
-    w.absolute = std::max(w.absolute, error);
+    if (error > w.absolute)
+        w.absolute = error, w.absoluteAt = x, w.absoluteAt2 = y;
     if (error > w.ulp * unit)
         w.ulp = error / unit, w.ulpAt = x, w.ulpAt2 = y;
-    if (error > w.relative * size && size >= 0x1p-126)
+    if (error > w.relative * size && (size >= 0x1p-126 || std::isinf(error)))
         w.relative = error / size, w.at = x, w.at2 = y;
 }
 
@@ -230,6 +237,18 @@ double exact(Mpfr1 f, float x)
     return y;
 }
 
+// The rows of what exports offer, and of the classes that exist beside them.
+std::string offered, others;
+
+bool isOffered(const std::string& function, const std::string& kind)
+{
+    if (kind == "A21")
+        return function == "Log10";
+    if (kind == "A24")
+        return function == "Pow" || function == "Powx";
+    return true;
+}
+
 // A row for each leader; `confirm` measures its worst arguments once more.
 void print(const char* function, const Contenders& all, bool two, const std::function<Worst(const Contender&)>& confirm)
 {
@@ -241,13 +260,20 @@ void print(const char* function, const Contenders& all, bool two, const std::fun
             if (all[i].leader == k && all[i].slot >= 0)
                 kernel += std::string(slots::kNames[all[i].slot]) + " ";
         const Worst w = confirm(all[k]);
-        char at[64], ulpAt[64];
-        snprintf(at, sizeof at, two ? "%.9g, %.9g" : "%.9g", w.at, w.at2);
-        snprintf(ulpAt, sizeof ulpAt, two ? "%.9g, %.9g" : "%.9g", w.ulpAt, w.ulpAt2);
-        printf("| %s | %s%s | %.3f | %s | %.1f | %s | %.1f |\n", function, kernel.c_str(), all[k].kind.c_str(), w.ulp,
-               ulpAt, -log2(w.relative), at, -log2(w.absolute));
+        const auto at = [&](float x, float y) {
+            char text[64];
+            snprintf(text, sizeof text, two ? "%.9g, %.9g" : "%.9g", x, y);
+            return std::string(text);
+        };
+        // Bits are rounded down, errors up.
+        char row[512];
+        snprintf(row, sizeof row, "| %s | %s%s | %.3f | %s | %.2f | %s | %.2f | %s |\n", function, kernel.c_str(),
+                 all[k].kind.c_str(), std::ceil(w.ulp * 1000) / 1000, at(w.ulpAt, w.ulpAt2).c_str(),
+                 std::floor(-log2(w.relative) * 100) / 100, at(w.at, w.at2).c_str(),
+                 std::floor(-log2(w.absolute) * 100) / 100, at(w.absoluteAt, w.absoluteAt2).c_str());
+        (isOffered(function, all[k].kind) ? offered : others) += row;
+        fprintf(stderr, "%s", row);
     }
-    fflush(stdout);
 }
 
 constexpr int kChunk = 4096;
@@ -300,12 +326,11 @@ void oneArgument(const Function1& f, uint64_t stride)
     // The worst arguments again, alone and against MPFR.
     print(f.name, contenders, false, [&](const Contender& c) {
         Worst confirmed;
-        for (float at : {c.worst.at, c.worst.ulpAt}) {
+        for (float at : {c.worst.at, c.worst.ulpAt, c.worst.absoluteAt}) {
             std::vector<float> eight(8, at), out(8);
             c.run(eight.data(), nullptr, out.data(), 8);
             measure(confirmed, out[0], exact(reference.mpfr, at), at);
         }
-        confirmed.absolute = c.worst.absolute;
         return confirmed;
     });
 }
@@ -385,27 +410,122 @@ void angles(int pairs)
     });
 }
 
+// Angles and magnitudes of complex numbers, which come as pairs.
+void complexNumbers(const char* function, decltype(qvrTable_qvrsPhase_32fc) const& table,
+                    long double (*model)(long double, long double), int pairs, double least, double span)
+{
+    Contenders contenders;
+    for (int slot = 0; slot < slots::kCount; slot++)
+        if (slots::canRun(slot))
+            addContender(contenders, slot, "untagged",
+                         [f = table[slot]](const float* im, const float* re, float* y, int n) {
+                             std::vector<qvr32fc> z(n);
+                             for (int i = 0; i < n; i++)
+                                 z[i] = {re[i], im[i]};
+                             f(z.data(), y, n);
+                         });
+    std::mt19937_64 engine(1);
+    std::uniform_real_distribution<double> d(0, 1);
+    twoArguments(function, contenders, model, pairs, least, [&](float* im, float* re) {
+        for (int i = 0; i < kChunk; i++) {
+            im[i] = static_cast<float>((2 * d(engine) - 1) * exp2(span * (2 * d(engine) - 1)));
+            re[i] = static_cast<float>((2 * d(engine) - 1) * exp2(span * (2 * d(engine) - 1)));
+        }
+    });
+}
+
+// Results in double: units in the last place against extended precision.
+void magnitudes64(int pairs)
+{
+    std::mt19937_64 engine(1);
+    std::uniform_real_distribution<double> d(0, 1);
+    std::vector<qvr64fc> z(kChunk);
+    std::vector<double> y(kChunk);
+    for (int slot = 0; slot < slots::kCount; slot++) {
+        if (!slots::canRun(slot) || slots::kShared[slot] != slot)
+            continue;
+        double worst = 0, relative = 0;
+        qvr64fc at{}, relativeAt{};
+        for (int done = 0; done < pairs; done += kChunk) {
+            for (qvr64fc& v : z)
+                v = {(2 * d(engine) - 1) * exp2(400 * (2 * d(engine) - 1)),
+                     (2 * d(engine) - 1) * exp2(400 * (2 * d(engine) - 1))};
+            qvrTable_qvrsMagnitude_64fc[slot](z.data(), y.data(), kChunk);
+            for (int i = 0; i < kChunk; i++) {
+                const long double want = hypotl(z[i].re, z[i].im);
+                int exponent;
+                frexpl(want, &exponent);
+                const double error = std::isnan(y[i]) ? INFINITY : static_cast<double>(fabsl(y[i] - want) / want);
+                const double ulp =
+                    std::isnan(y[i]) ? INFINITY : static_cast<double>(ldexpl(fabsl(y[i] - want), 53 - exponent));
+                if (ulp > worst)
+                    worst = ulp, at = z[i];
+                if (error > relative)
+                    relative = error, relativeAt = z[i];
+            }
+        }
+        char row[512];
+        snprintf(row, sizeof row, "| Magnitude_64fc | %s untagged | %.3f | %.9g, %.9g | %.2f | %.9g, %.9g | | |\n",
+                 slots::kNames[slot], std::ceil(worst * 1000) / 1000, at.im, at.re,
+                 std::floor(-log2(relative) * 100) / 100, relativeAt.im, relativeAt.re);
+        offered += row;
+    }
+}
+
+// Results in integers: units against the exact root, by every scale factor that leaves a choice.
+void magnitudes16(int pairs)
+{
+    std::mt19937 engine(1);
+    std::vector<qvr16sc> z(kChunk);
+    std::vector<qvr16s> y(kChunk);
+    for (int slot = 0; slot < slots::kCount; slot++) {
+        if (!slots::canRun(slot) || slots::kShared[slot] != slot)
+            continue;
+        double worst = 0;
+        qvr16sc at{};
+        for (int done = 0; done < pairs; done += kChunk) {
+            const int scale = done / kChunk % 31 - 14;
+            for (qvr16sc& v : z)
+                v = {static_cast<qvr16s>(engine()), static_cast<qvr16s>(engine())};
+            if (scale < 0)
+                for (qvr16sc& v : z)
+                    v = {static_cast<qvr16s>(v.re >> -scale), static_cast<qvr16s>(v.im >> -scale)};
+            qvrTable_qvrsMagnitude_16sc_Sfs[slot](z.data(), y.data(), kChunk, scale);
+            for (int i = 0; i < kChunk; i++) {
+                const long double want = std::min(32767.0L, ldexpl(hypotl(z[i].re, z[i].im), -scale));
+                const double error = static_cast<double>(fabsl(y[i] - want));
+                if (error > worst)
+                    worst = error, at = z[i];
+            }
+        }
+        char row[512];
+        snprintf(row, sizeof row, "| Magnitude_16sc | %s untagged | %.6f | %d, %d | | | | |\n", slots::kNames[slot],
+                 std::ceil(worst * 1e6) / 1e6, at.im, at.re);
+        offered += row;
+    }
+}
+
+std::string processorName()
+{
+    FILE* const f = fopen("/proc/cpuinfo", "r");
+    char line[256];
+    std::string name = "not told";
+    while (f && fgets(line, sizeof line, f))
+        if (const char* const colon = strncmp(line, "model name", 10) ? nullptr : strchr(line, ':')) {
+            name = std::string(colon + 2, strcspn(colon + 2, "\n"));
+            break;
+        }
+    if (f)
+        fclose(f);
+    return name;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     const uint64_t stride = argc > 1 ? strtoull(argv[1], nullptr, 10) : 257;
     const std::string only = argc > 2 ? argv[2] : "";
-    if (only.empty()) {
-        const std::string every = stride == 1 ? "every float" : "one float in " + std::to_string(stride);
-        printf(
-            "# Accuracy of the elementary functions\n\n"
-            "The worst error on %s of the domain (random pairs for two arguments): in units in the last place\n"
-            "(ulp), as correct bits (relative error), and as bits behind the binary point (absolute error), with the\n"
-            "worst arguments. Slots whose results are the same, bit for bit, share a row; slot `mx` has one kernel\n"
-            "for all classes. Peers ran on the same arguments.\n\n"
-            "Sine and cosine of class A11 promise an absolute error next to their zeros, so the last column is\n"
-            "theirs. Beyond 10000 sine, cosine and tangent are one routine in all slots and classes: there one kernel\n"
-            "took every argument, the others one in 16. Made by `accuracy_report %llu`.\n\n",
-            every.c_str(), static_cast<unsigned long long>(stride));
-        printf("| function | kernel | worst ulp | at | correct bits | at | absolute bits "
-               "|\n|---|---|---|---|---|---|---|\n");
-    }
     for (const Function1& f : kFunctions1)
         if (only.empty() || only == f.name)
             oneArgument(f, stride);
@@ -416,5 +536,40 @@ int main(int argc, char** argv)
         powers(true, pairs);
     if (only.empty() || only == "Atan2")
         angles(pairs);
+    if (only.empty() || only == "Phase")
+        complexNumbers("Phase", qvrTable_qvrsPhase_32fc, atan2l, pairs, -4, 60);
+    if (only.empty() || only == "Magnitude") {
+        complexNumbers("Magnitude_32fc", qvrTable_qvrsMagnitude_32fc, hypotl, pairs, 0x1p-62, 60);
+        magnitudes64(pairs / 4);
+        magnitudes16(pairs / 4);
+    }
+    const char* const head = "| function | kernel | worst ulp | at | correct bits | at | absolute bits | at |\n"
+                             "|---|---|---|---|---|---|---|---|\n";
+    if (!only.empty()) {
+        printf("%s%s\n%s%s", head, offered.c_str(), head, others.c_str());
+        return 0;
+    }
+    const std::string every = stride == 1 ? "every float" : "one float in " + std::to_string(stride);
+    printf(
+        "# Accuracy of the elementary functions\n\n"
+        "The worst error on %s of the domain (%d random pairs for two arguments and for complex numbers, the\n"
+        "imaginary part first): in units in the last place (ulp), as correct bits (relative error), and as bits "
+        "behind\n"
+        "the binary point (absolute error), each with its argument. Errors are rounded up, bits down. Slots whose\n"
+        "results are the same, bit for bit, share a row; slot `mx` has one kernel for all classes. Peers ran on the\n"
+        "same arguments.\n\n"
+        "%s; glibc %s; round to nearest, denormals kept, exceptions masked. Made by\n"
+        "`accuracy_report %llu`.\n\n"
+        "Sine and cosine of class A11 promise an absolute error next to their zeros. Beyond 10000 sine, cosine and\n"
+        "tangent are one routine in all slots and classes: there one kernel took every argument, the others one in\n"
+        "16. The 16-bit magnitude counts in units of its result, which is exact to half of one.\n\n"
+        "Left out are arguments outside the domain, results beyond the floats and, of relative errors, denormal\n"
+        "results; further exponentials below -87.33655, powers below 2^-125, floating-point magnitudes outside\n"
+        "2^-62 .. 2^61 (32fc, whose contract gives 0 for small ones) and 2^-400 .. 2^401 (64fc), and angles of parts\n"
+        "outside 2^-60 .. 2^60 (`Phase`) or 2^-20 .. 2^20 (`Atan2`). A NaN in place of a number would be an infinite\n"
+        "error.\n\n## Exported functions\n\n%s%s\n"
+        "## Classes that no export offers\n\n%s%s",
+        every.c_str(), pairs, processorName().c_str(), gnu_get_libc_version(), static_cast<unsigned long long>(stride),
+        head, offered.c_str(), head, others.c_str());
     return 0;
 }
