@@ -53,6 +53,7 @@ public:
 
     bool oneIn(int n) { return provider_.ConsumeIntegralInRange(1, n) == 1; }
     int range(int low, int high) { return provider_.ConsumeIntegralInRange(low, high); }
+    bool anything() const { return kind_ == Data::anything; }
     bool ordinary() const { return kind_ == Data::ordinary; }
 
     // Any value of the type, extremes more often than chance would have them.

@@ -12,6 +12,7 @@ namespace calls {
 #include "frame/exports.def"
 
 template<class Name> struct Shape {
+    static constexpr bool kUsual = true;
     template<class F> static void call(F f, Input& in) { callUsual(f, in); }
 };
 

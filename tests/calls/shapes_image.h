@@ -59,6 +59,8 @@ private:
 template<class T> T* imageRows(Input& in, int64_t width, int64_t height, int gap, int& step)
 {
     const int64_t row = width * static_cast<int64_t>(sizeof(T));
+    if (!in.anything()) // numbers stay numbers in every row
+        gap = gap / static_cast<int>(sizeof(T)) * static_cast<int>(sizeof(T));
     step = static_cast<int>(row) + gap;
     char* p = in.bytes<T>(int64_t{step} * (height - 1) + row);
     if (in.oneIn(4)) {
