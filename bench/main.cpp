@@ -29,7 +29,7 @@ constexpr const char* kUsage =
 
 int slotNumber(const char* name)
 {
-    for (int i = 0; i < 7; i++)
+    for (int i = 0; i < qvrSlotCount; i++)
         if (strcmp(kSlots[i], name) == 0)
             return i;
     return -1;

@@ -1,5 +1,8 @@
 // Creation of multi-rate FIR states.
 //
+// By contract: these creators are there, though nothing exported leads to them. Their states run through the exported
+// run functions.
+//
 // Time runs on a grid on which an input sample enters every U steps, the first at upPhase, and an output falls every D
 // steps, the first at downPhase. Output o at step t = downPhase + o D has as its newest sample number
 // k = floor((t - upPhase) / U), which is -1 for the newest of the history, and phase q = t - upPhase - k U: it is the

@@ -1,4 +1,6 @@
 // Real FFT in double precision.
+//
+// By contract: the tail-packed layout is whole in both precisions, also where no correlation or filter asks for it.
 #include "fourier/functions.h"
 #include "fourier/real.h"
 #include "fourier/spectra.h"

@@ -26,6 +26,7 @@ extern "C" qvrStatus SLOT(qvrsHilbertInitAlloc_32f32fc)(qvrsHilbertState_32f32fc
         return status;
     if (const qvrStatus status = SLOT(ownqvrsDFTJudge)(len, true))
         return status;
+    // By contract: this allocation is not judged, and a failure of a later one leaves the record to the caller's loss.
     qvrsHilbertState_32f32fc* state = reinterpret_cast<qvrsHilbertState_32f32fc*>(
         allocate<uint8_t>(static_cast<int>(sizeof(qvrsHilbertState_32f32fc))));
     *state = {qvrTagHilbert, len, 0, hint, nullptr, nullptr};

@@ -1,5 +1,7 @@
 // Aligned blocks: from the raw pointer r of the malloc slot, the first 64-byte boundary p that leaves eight bytes
 // below it. Those hold r. A request for n bytes takes n + 72, so p + n never passes the raw block's end.
+//
+// By contract: there is an allocator for each element size, also for those that nothing asks for.
 #include "frame/memory.h"
 #include "frame/functions.h"
 

@@ -1,3 +1,4 @@
+// By contract: the rounding helper is there, though kernels round by instructions and regions restore the whole word.
 #include "frame/mxcsr.h"
 
 #include "frame/processor.h"

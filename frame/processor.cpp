@@ -1,4 +1,7 @@
 // Processor identification and the choice of the variant slot.
+//
+// By contract: the choice by type code, the feature mask's test and its two accessors are there for nobody in the
+// library.
 #include "frame/processor.h"
 
 #include <cpuid.h>
@@ -83,7 +86,8 @@ void choose(int32_t index, uint64_t mask)
     qvrSetFeatureMask(mask);
 }
 
-// The operating-system test of the AVX slots, by processor type code. Every system that saves the vector state passes.
+// By contract: the AVX slots ask for the operating system by processor type code. Every system that saves the vector
+// state passes.
 bool systemServes(int32_t)
 {
     return true;

@@ -1,3 +1,4 @@
+// By contract: the budget has a setter and a getter, though it never changes after load; tests use them.
 #include "frame/threads.h"
 
 #include <omp.h>

@@ -114,11 +114,8 @@ Wide lowPassBytes(int32_t method, qvriRect src, qvriRect dst, Wide nc, int eleme
                              : 16 * lines + 8 * line + 12 * columns + 12 * rows;
 }
 
-} // namespace
-
-extern "C" {
-
-qvrStatus qvrCheckInterpolation(int32_t interpolation)
+// The selector's method and flags: qvrOk or qvrErrBadInterpolation.
+qvrStatus checkInterpolation(int32_t interpolation)
 {
     const int32_t method = interpolation & QVR_INTERPOLATION_METHOD;
     if (!(method == qvriInterNearest || method == qvriInterLinear || isCubic(method) || method == qvriInterSuper ||
@@ -130,6 +127,10 @@ qvrStatus qvrCheckInterpolation(int32_t interpolation)
     return flags > 1 ? qvrErrBadInterpolation : qvrOk;
 }
 
+} // namespace
+
+extern "C" {
+
 qvrStatus qvrMakeResizePlan(qvriSize srcSize, qvriRect srcRoi, qvriRect dstRoi, double xFactor, double yFactor,
                             double xShift, double yShift, int32_t interpolation, qvrResizePlan* plan)
 {
@@ -137,7 +138,7 @@ qvrStatus qvrMakeResizePlan(qvriSize srcSize, qvriRect srcRoi, qvriRect dstRoi, 
         return qvrErrBadSize;
     if (0 >= xFactor || 0 >= yFactor)
         return qvrErrBadFactor;
-    if (const qvrStatus status = qvrCheckInterpolation(interpolation))
+    if (const qvrStatus status = checkInterpolation(interpolation))
         return status;
     int32_t method = interpolation & QVR_INTERPOLATION_METHOD;
     if (method == qvriInterSuper && (xFactor > 1.0 || yFactor > 1.0))
@@ -202,7 +203,7 @@ qvrStatus qvrResizeBufferBytes(qvriRect srcRoi, qvriRect dstRoi, int channels, i
         return qvrErrBadSize;
     if (channels != 1 && channels != 3 && channels != 4)
         return qvrErrBadChannels;
-    if (const qvrStatus status = qvrCheckInterpolation(interpolation))
+    if (const qvrStatus status = checkInterpolation(interpolation))
         return status;
     int32_t size;
     const qvrStatus status = qvrResizeThreadBytes(srcRoi, dstRoi, channels, interpolation, elementBytes, &size);

@@ -48,9 +48,6 @@ typedef struct {
     int64_t bufferBytes;
 } qvrResizeBand;
 
-// The selector's method and flags: qvrOk or qvrErrBadInterpolation.
-QVR_HIDDEN qvrStatus qvrCheckInterpolation(int32_t interpolation);
-
 // All checks behind the null pointers, and the plan. A warning other than 0 means that there is nothing to do.
 QVR_HIDDEN qvrStatus qvrMakeResizePlan(qvriSize srcSize, qvriRect srcRoi, qvriRect dstRoi, double xFactor,
                                        double yFactor, double xShift, double yShift, int32_t interpolation,

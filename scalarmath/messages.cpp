@@ -59,7 +59,7 @@ const char* const qvrmMessages[qvrmMessageCount] = {
     "\r%s%s(negative,non-integer): %s error\n",
 };
 
-const char* const qvrmNames[] = {
+const char* const qvrmNames[qvrmNameCount] = {
     "acos",    "acosd",     "acosdq",     "acosh",      "acoshq",     "acosq",      "annuity",     "annuityq",
     "asin",    "asind",     "asindq",     "asinq",      "atan2",      "atan2d",     "atan2dq",     "atan2q",
     "atanh",   "atanhq",    "cdfnorm",    "cdfnorminv", "compound",   "compoundq",  "cot",         "cotd",
@@ -74,22 +74,6 @@ const char* const qvrmNames[] = {
     "scalbn",  "scalbnq",   "scalbq",     "sinh",       "sinhcosh",   "sinhcoshq",  "sinhq",       "sqrt",
     "sqrtq",   "tand",      "tandq",      "tgamma",     "y0q",        "y1q",        "ynq",
 };
-
-int qvrmNameIndex(const char* name)
-{
-    int low = 0, high = static_cast<int>(sizeof qvrmNames / sizeof *qvrmNames);
-    while (low < high) {
-        const int middle = (low + high) / 2;
-        const int order = strcmp(qvrmNames[middle], name);
-        if (order == 0)
-            return middle;
-        if (order < 0)
-            low = middle + 1;
-        else
-            high = middle;
-    }
-    return -1;
-}
 
 void qvrmPrintError(int messageNumber, ...)
 {

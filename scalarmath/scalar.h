@@ -1,4 +1,7 @@
 // The scalar layer: one value at a time, with libc's contract for values in range; its processor forms; its errors.
+//
+// By contract: the layer is whole, though kernels work on arrays and most of its routines, and all of its error
+// reports, are reached by nothing exported.
 #ifndef QVR_SCALARMATH_SCALAR_H
 #define QVR_SCALARMATH_SCALAR_H
 
@@ -98,9 +101,9 @@ extern QVR_HIDDEN int qvrmErrorRowCount;
 extern QVR_HIDDEN int qvrmErrorMode; // -1: no action at all
 extern QVR_HIDDEN int (*qvrmUserHook)(qvrmException*);
 
-// The name table in alphabetical order, and the place of a name in it, or -1.
-extern QVR_HIDDEN const char* const qvrmNames[];
-QVR_HIDDEN int qvrmNameIndex(const char* name);
+// The name table in alphabetical order.
+constexpr int qvrmNameCount = 103;
+extern QVR_HIDDEN const char* const qvrmNames[qvrmNameCount];
 
 // Carries out what the row of the error number says; may replace the result.
 QVR_HIDDEN void qvrmMathError(void* result, const void* argument1, const void* argument2, int errorNumber);

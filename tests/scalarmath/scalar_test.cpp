@@ -146,16 +146,17 @@ uint32_t actions(std::initializer_list<int> list)
         word |= static_cast<uint32_t>(a) << 4 * place++;
     return word;
 }
+ptrdiff_t placeOf(const char* name)
+{
+    return std::find_if(qvrmNames, qvrmNames + qvrmNameCount, [=](const char* n) { return strcmp(n, name) == 0; }) -
+           qvrmNames;
+}
 qvrmErrorRow row(const char* name, int type, int kind, int errnoIndex, int result, int message, uint32_t program)
 {
-    return {static_cast<uint8_t>(qvrmNameIndex(name)),
-            static_cast<uint8_t>(type),
-            static_cast<uint8_t>(kind),
-            static_cast<uint8_t>(errnoIndex),
-            static_cast<uint8_t>(result),
-            static_cast<uint8_t>(message),
-            {program, program, program},
-            {}};
+    return {static_cast<uint8_t>(placeOf(name)), static_cast<uint8_t>(type),
+            static_cast<uint8_t>(kind),          static_cast<uint8_t>(errnoIndex),
+            static_cast<uint8_t>(result),        static_cast<uint8_t>(message),
+            {program, program, program},         {}};
 }
 
 void report(const qvrmErrorRow& r, void* result, const void* a = nullptr, const void* b = nullptr)
@@ -165,19 +166,12 @@ void report(const qvrmErrorRow& r, void* result, const void* a = nullptr, const 
     qvrmMathError(result, a, b, 0);
 }
 
-TEST(ScalarErrors, NamesAreSortedAndFound)
+TEST(ScalarErrors, NamesAreSorted)
 {
-    EXPECT_EQ(qvrmNameIndex("acos"), 0);
-    EXPECT_EQ(qvrmNameIndex("nothing"), -1);
-    EXPECT_EQ(qvrmNameIndex(""), -1);
-    EXPECT_EQ(qvrmNameIndex("zzz"), -1);
-    const int last = qvrmNameIndex("ynq");
-    EXPECT_EQ(last, 102);
-    for (int i = 0; i <= last; i++) {
-        EXPECT_EQ(qvrmNameIndex(qvrmNames[i]), i);
-        if (i)
-            EXPECT_LT(strcmp(qvrmNames[i - 1], qvrmNames[i]), 0);
-    }
+    EXPECT_STREQ(qvrmNames[0], "acos");
+    EXPECT_STREQ(qvrmNames[qvrmNameCount - 1], "ynq");
+    EXPECT_TRUE(std::is_sorted(qvrmNames, qvrmNames + qvrmNameCount,
+                               [](const char* a, const char* b) { return strcmp(a, b) < 0; }));
 }
 
 TEST(ScalarErrors, ErrnoConstantAndMessage)
