@@ -15,8 +15,19 @@ constexpr double kNearestBack = 1e-10;
 constexpr double kCoverStart = 1e-10; // a start this close below a pixel border counts as on it
 constexpr double kLeastCover = 1e-7;  // less of a pixel than this is left out
 
-// A reach past this many taps would be pure waiting: the weights have long been flat.
-constexpr double kMostReach = 1 << 24;
+// Taps further than this outside the image are one tap, of the sum of their weights.
+constexpr int64_t kFold = 4096;
+// Up to so many they are added one by one. Beyond, neighbouring ones are less than 2^-14 of the kernel's radius apart,
+// and the integral stands for the sum: Simpson's rule on panels within the pieces of the cubics, for which it is exact.
+constexpr double kFoldByTap = 1 << 16;
+constexpr int kPanels = 1024; // for a unit of the kernel
+
+// Periods of positions that are looked for: inv = p / q to rounding.
+constexpr int kMostPeriod = 256;
+constexpr double kPeriodic = 0x1p-50;
+constexpr double kNear = 0x1p40; // of places; periods are exact below
+
+constexpr double kMostInv = 1e300;
 
 constexpr double kFar = 0x1p52;
 
@@ -153,14 +164,37 @@ double lowPassKernel(int32_t method, double t)
         return t < 1 ? 1 - t : 0;
     if (method != qvriInterLanczos)
         return cubicWeight(method, t);
-    return t == 0 ? 1 : t < kLobes ? lanczosKernel(t) : 0;
+    // Next to 0 the kernel is 1 - O(t^2), and t^2 may be nothing.
+    return t < 1e-9 ? 1 : t < kLobes ? lanczosKernel(t) : 0;
 }
 
-double lowPassReach(const qvrResizeAxis* axis, int32_t method)
+double integral(int32_t method, double from, double to)
 {
-    const double radius = qvrTapCount(method) / 2;
-    const double reach = axis->inv >= 1.0 ? radius * axis->inv : radius;
-    return reach < kMostReach ? reach : kMostReach;
+    double sum = 0;
+    for (double a = from; a < to;) {
+        const double next = static_cast<double>(floorOf(a * kPanels) + 1) / kPanels, b = next < to ? next : to;
+        const double ends = lowPassKernel(method, a) + lowPassKernel(method, b);
+        sum += (b - a) / 6 * (ends + 4 * lowPassKernel(method, (a + b) / 2));
+        a = b;
+    }
+    return sum;
+}
+
+double weightAt(const qvrLowPass* l, double distance)
+{
+    return lowPassKernel(l->method, absOf(distance) * l->scale) * l->scale;
+}
+
+// The weights of the taps from `nearest` on, away from the centre.
+double foldedWeight(const qvrLowPass* l, double centre, int64_t nearest, int64_t step)
+{
+    const double from = absOf(static_cast<double>(nearest) - centre);
+    if (l->reach - from >= kFoldByTap)
+        return integral(l->method, (from - 0.5) * l->scale, l->reach * l->scale);
+    double sum = 0;
+    for (int64_t j = nearest; absOf(static_cast<double>(j) - centre) <= l->reach; j += step)
+        sum += weightAt(l, static_cast<double>(j) - centre);
+    return sum;
 }
 
 } // namespace
@@ -190,41 +224,58 @@ void qvrFillTaps64(const qvrResizeAxis* axis, int32_t method, int32_t* start, do
     fillTaps(axis, method, start, weights, perPosition, perTap);
 }
 
-int64_t qvrLowPassCount(const qvrResizeAxis* axis, int32_t method)
+void qvrMakeLowPass(const qvrResizeAxis* axis, int32_t method, int exact, qvrLowPass* l)
 {
-    return 2 * ceilOf(lowPassReach(axis, method)) + 1;
-}
-
-void qvrLowPassRange(const qvrResizeAxis* axis, int32_t method, int64_t d, qvrLowPassTaps* taps)
-{
-    const double reach = lowPassReach(axis, method);
-    taps->centre = bounded(sourceOfCentre(axis, d), -kFar, kFar);
-    taps->scale = axis->inv >= 1.0 ? 1 / axis->inv : 1;
-    taps->first = ceilOf(taps->centre - reach);
-    taps->last = static_cast<int64_t>(taps->centre + reach);
-}
-
-double qvrLowPassWeight(const qvrLowPassTaps* taps, int32_t method, int64_t j)
-{
-    return lowPassKernel(method, absOf(taps->centre - static_cast<double>(j)) * taps->scale) * taps->scale;
-}
-
-void qvrLowPassSum(qvrLowPassTaps* taps, int32_t method)
-{
-    taps->sum = 0;
-    for (int64_t j = taps->first; j <= taps->last; j++)
-        taps->sum += qvrLowPassWeight(taps, method, j);
-}
-
-void qvrLowPassFill(qvrLowPassTaps* taps, int32_t method, double* weights)
-{
-    taps->sum = 0;
-    for (int64_t j = taps->first; j <= taps->last; j++) {
-        weights[j - taps->first] = qvrLowPassWeight(taps, method, j);
-        taps->sum += weights[j - taps->first];
+    const double radius = qvrTapCount(method) / 2;
+    l->inv = bounded(axis->inv, 0, kMostInv);
+    l->off = axis->off;
+    l->length = axis->length;
+    l->method = method;
+    l->scale = l->inv >= 1.0 ? 1 / l->inv : 1;
+    l->reach = l->inv >= 1.0 ? radius * l->inv : radius;
+    const int64_t all = l->length + 2 * (kFold + 1);
+    const double taps = 2 * l->reach + 1;
+    l->most = taps < static_cast<double>(all) ? static_cast<int64_t>(taps) : all;
+    l->period = 0;
+    l->pixels = 0;
+    for (int q = 1; q <= kMostPeriod && l->period == 0 && l->inv < axis->length && absOf(l->off) < kNear; q++) {
+        const double p = l->inv * q;
+        const int64_t whole = floorOf(p + 0.5);
+        const double rest = fma(l->inv, q, -static_cast<double>(whole));
+        if (absOf(rest) <= (exact ? 0 : p * kPeriodic) && whole > 0) {
+            l->period = q;
+            l->pixels = whole;
+        }
     }
-    for (int64_t j = taps->first; j <= taps->last; j++)
-        weights[j - taps->first] /= taps->sum;
+}
+
+void qvrLowPassRange(const qvrLowPass* l, int64_t d, qvrLowPassTaps* taps)
+{
+    const int64_t periods = l->period > 0 ? d / l->period : 0, shift = periods * l->pixels;
+    // Places are relative to the period, so that its lists are the same in all of them.
+    const double low = static_cast<double>(-kFold - 1 - shift), high = static_cast<double>(l->length + kFold - shift);
+    const double centre = (static_cast<double>(d - periods * l->period) + 0.5) * l->inv + l->off;
+    taps->centre = bounded(centre, static_cast<double>(-1 - shift), static_cast<double>(l->length + 1 - shift));
+    const double from = taps->centre - l->reach, to = taps->centre + l->reach;
+    const int64_t first = from > low ? ceilOf(from) : static_cast<int64_t>(low);
+    const int64_t end = to < high ? floorOf(to) : static_cast<int64_t>(high);
+    const int64_t last = end - first < l->most ? end : first + l->most - 1;
+    taps->before =
+        from > low ? weightAt(l, static_cast<double>(first) - taps->centre) : foldedWeight(l, taps->centre, first, -1);
+    taps->behind =
+        to < high ? weightAt(l, static_cast<double>(last) - taps->centre) : foldedWeight(l, taps->centre, last, 1);
+    taps->first = first + shift;
+    taps->shift = shift;
+    taps->count = last - first + 1;
+}
+
+void qvrLowPassWeights(const qvrLowPass* l, const qvrLowPassTaps* taps, int64_t from, int64_t count, double* weights)
+{
+    for (int64_t k = from; k < from + count; k++)
+        weights[k - from] = k == 0 ? taps->before
+                            : k == taps->count - 1
+                                ? taps->behind
+                                : weightAt(l, static_cast<double>(taps->first - taps->shift + k) - taps->centre);
 }
 
 int qvrIsBlockAxis(const qvrResizeAxis* axis)

@@ -6,21 +6,24 @@
 
 namespace {
 
-constexpr double kLeast = 1e-10; // less is a whole pixel
+constexpr double kLeast = 1e-10; // a border this close to that of a pixel counts as on it
 
 double fractionOf(double v)
 {
     return v - static_cast<double>(static_cast<int64_t>(v));
 }
-double coverBefore(double edge)
+double coverOf(double edge, bool behind)
 {
     const double f = fractionOf(edge);
-    return f > kLeast ? 1 - f : 0;
+    return !(f > kLeast && 1.0 > f + kLeast) ? 0 : behind ? f : 1 - f;
+}
+double coverBefore(double edge)
+{
+    return coverOf(edge, false);
 }
 double coverBehind(double edge)
 {
-    const double f = fractionOf(edge);
-    return 1.0 > f + kLeast ? f : 0;
+    return coverOf(edge, true);
 }
 
 template<class A> uint8_t stored(A v, uint8_t)

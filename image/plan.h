@@ -77,18 +77,26 @@ QVR_HIDDEN void qvrFillTaps32(const qvrResizeAxis* axis, int32_t method, int32_t
 QVR_HIDDEN void qvrFillTaps64(const qvrResizeAxis* axis, int32_t method, int32_t* start, double* weights,
                               int64_t perPosition, int64_t perTap);
 
-// Low-pass weights: taps first .. last (unclamped) of position d have the weights qvrLowPass(...) / sum.
+// Low-pass weights of an axis: kernel(|j - centre| * scale) * scale for the taps j within `reach` of the centre. Where
+// inv = pixels / period in small numbers, the lists repeat after `period` positions, that many pixels further on.
 typedef struct {
-    double centre, scale; // weight of tap j: kernel(|j - centre| * scale) * scale
-    int64_t first, last;
-    double sum;
+    double inv, off, scale, reach;
+    int64_t length;
+    int64_t most; // no position has more taps
+    int64_t period, pixels;
+    int32_t method;
+} qvrLowPass;
+// The taps of a position: `count` from pixel `first` on, unclamped. Those far outside the image are one at each end.
+typedef struct {
+    int64_t first, count, shift; // the centre is relative to pixel `shift`
+    double centre, before, behind;
 } qvrLowPassTaps;
-QVR_HIDDEN int64_t qvrLowPassCount(const qvrResizeAxis* axis, int32_t method); // no position has more taps
-QVR_HIDDEN void qvrLowPassRange(const qvrResizeAxis* axis, int32_t method, int64_t d, qvrLowPassTaps* taps);
-QVR_HIDDEN double qvrLowPassWeight(const qvrLowPassTaps* taps, int32_t method, int64_t j);
-QVR_HIDDEN void qvrLowPassSum(qvrLowPassTaps* taps, int32_t method);
-// The same with all weights, divided by their sum; there must be room for last - first + 1.
-QVR_HIDDEN void qvrLowPassFill(qvrLowPassTaps* taps, int32_t method, double* weights);
+// exact: repeat only lists that are equal to the last bit of a double.
+QVR_HIDDEN void qvrMakeLowPass(const qvrResizeAxis* axis, int32_t method, int exact, qvrLowPass* lowPass);
+QVR_HIDDEN void qvrLowPassRange(const qvrLowPass* lowPass, int64_t d, qvrLowPassTaps* taps);
+// Weights from .. from + count - 1 of the list. They have yet to be divided by the sum of all.
+QVR_HIDDEN void qvrLowPassWeights(const qvrLowPass* lowPass, const qvrLowPassTaps* taps, int64_t from, int64_t count,
+                                  double* weights);
 
 // Supersampling along an axis: position d covers `lead` of pixel `start`, then `whole` pixels, then `tail` of the next.
 // With blocks set the ratio and the start are whole numbers, and every position is a block of `whole` pixels.

@@ -278,8 +278,10 @@ template<class Treat> void treatEdges(const Job& j, Treat&& treat)
                   ay))
         return;
     const auto frac = [](double v) { return v - std::trunc(v); };
-    const auto first = [&](const Axis& a) { return frac(a.minF) > 1e-10 ? 1 - frac(a.minF) : 0.0; };
-    const auto last = [&](const Axis& a) { return 1.0 > frac(a.maxF) + 1e-10 ? frac(a.maxF) : 0.0; };
+    // Less than 1e-10 of a pixel, covered or uncovered, is none.
+    const auto cut = [](double f) { return f > 1e-10 && 1.0 > f + 1e-10; };
+    const auto first = [&](const Axis& a) { return cut(frac(a.minF)) ? 1 - frac(a.minF) : 0.0; };
+    const auto last = [&](const Axis& a) { return cut(frac(a.maxF)) ? frac(a.maxF) : 0.0; };
     for (int64_t y = ay.min - 1; y <= ay.max; y++)
         for (int64_t x = ax.min - 1; x <= ax.max; x++) {
             const double cx = x < ax.min ? first(ax) : x >= ax.max ? last(ax) : -1;

@@ -1,0 +1,266 @@
+// What an output is must not depend on where it is computed: tiles, strips, work buffers, levels. And extreme factors.
+#include "image/resize_check.h"
+
+namespace {
+
+using namespace resize_check;
+
+template<class T> std::vector<T> picture(int w, int h, int channels, uint32_t seed)
+{
+    return sourceValues<T>(size_t(w) * h * channels, seed, false);
+}
+
+// A call on whole images of the source's type, with a work buffer of the stated size for these rectangles.
+template<class T, int NC> struct Source {
+    int w, h;
+    std::vector<T> values = picture<T>(w, h, NC, 7);
+    int64_t elementAt(int x, int y) const { return (int64_t{y} * w + x) * NC; }
+};
+template<class T, int NC, class Resize>
+void resizeInto(Resize resize, const Source<T, NC>& s, qvriRect from, std::vector<T>& dst, int dstWidth, qvriRect to,
+                double fx, double fy, double xShift, double yShift, int interpolation)
+{
+    int bytes = 0;
+    ASSERT_GE((bufferSize<T>(from, to, NC, interpolation, &bytes)), 0);
+    Guarded& work = pooledGuarded(2, size_t(bytes) + 64);
+    const qvrStatus status =
+        resize(s.values.data(), {s.w, s.h}, s.w * NC * int(sizeof(T)), from, dst.data(), dstWidth * NC * int(sizeof(T)),
+               to, fx, fy, xShift, yShift, interpolation, work.template atEnd<qvr8u>(size_t(bytes)));
+    ASSERT_GE(status, 0);
+    ASSERT_TRUE(work.intact());
+}
+
+struct Pieces {
+    int method;
+    double fx, fy;
+};
+const Pieces kPieces[] = {{qvriInterLinear | int(qvriAntialias), 0.37, 0.61},
+                          {qvriInterLinear | int(qvriAntialias), 0.5, 0.5},
+                          {qvriInterCubic | int(qvriAntialias), 0.75, 0.23},
+                          {qvriInterLanczos | int(qvriAntialias), 0.11, 0.31},
+                          {qvriInterLanczos | int(qvriAntialias), 0.5, 1.7},
+                          {qvriInterCubicB05C03 | int(qvriAntialias), 0.05, 0.05},
+                          {qvriInterSuper, 0.5, 0.5},
+                          {qvriInterSuper, 0.75, 0.75},
+                          {qvriInterSuper, 0.37, 0.61},
+                          {qvriInterSuper, 1.0 / 3, 0.2},
+                          {qvriInterSuper, 0.03, 0.011}};
+
+template<class T, int NC> void checkTiles()
+{
+    const Source<T, NC> s = {203, 151};
+    for (const Pieces& p : kPieces) {
+        const int dw = int(s.w * p.fx), dh = int(s.h * p.fy);
+        const qvriRect all = {0, 0, s.w, s.h};
+        slots::each(tableOf<T, NC>(), [&](auto resize, int) {
+            std::vector<T> whole(size_t(dw) * dh * NC), tiles(whole.size()), regions(whole.size());
+            resizeInto(resize, s, all, whole, dw, {0, 0, dw, dh}, p.fx, p.fy, 0, 0, p.method);
+            for (int y = 0; y < dh; y += 5)
+                for (int x = 0; x < dw; x += 13) {
+                    const qvriRect tile = {x, y, std::min(13, dw - x), std::min(5, dh - y)};
+                    resizeInto(resize, s, all, tiles, dw, tile, p.fx, p.fy, 0, 0, p.method);
+                    // Just the source under the centres of the tile's pixels: the smallest work buffer.
+                    const int x0 = int((x + 0.5) / p.fx), x1 = int((x + tile.width - 0.5) / p.fx);
+                    const int y0 = int((y + 0.5) / p.fy), y1 = int((y + tile.height - 0.5) / p.fy);
+                    for (int ty = 0; ty < tile.height; ty++)
+                        for (int tx = 0; tx < tile.width; tx++)
+                            resizeInto(resize, s, {x0, y0, x1 - x0 + 1, y1 - y0 + 1}, regions, dw,
+                                       {x + tx, y + ty, 1, 1}, p.fx, p.fy, 0, 0, p.method);
+                }
+            EXPECT_EQ(memcmp(whole.data(), tiles.data(), whole.size() * sizeof(T)), 0)
+                << "method " << std::hex << p.method << " factors " << p.fx << " " << p.fy;
+            int wrong = 0;
+            for (size_t i = 0; i < whole.size(); i++)
+                wrong += !(whole[i] == regions[i]) && regions[i] != T(0);
+            EXPECT_EQ(wrong, 0) << "method " << std::hex << p.method << " factors " << p.fx << " " << p.fy;
+        });
+    }
+}
+
+TEST(ResizePlace, TilesAreTheWhole)
+{
+    checkTiles<uint8_t, 1>();
+    checkTiles<uint8_t, 4>();
+    checkTiles<float, 1>();
+    checkTiles<double, 1>();
+}
+
+// A region of one source pixel, of which just one output has its centre inside: no list fits the work buffer.
+TEST(ResizePlace, LeastWorkBuffers)
+{
+    const auto check = [&]<class T, int NC>(Source<T, NC> s) {
+        for (int method : {qvriInterLinear, qvriInterCubic, qvriInterLanczos}) {
+            const double f = 0.01;
+            const int selector = method | int(qvriAntialias);
+            slots::each(tableOf<T, NC>(), [&](auto resize, int) {
+                std::vector<T> whole(3 * 2 * NC), one(3 * 2 * NC);
+                resizeInto(resize, s, {0, 0, s.w, s.h}, whole, 3, {0, 0, 3, 2}, f, f, 0, 0, selector);
+                // Shifted by a thousandth of an output pixel, so that its centre lies in the source pixel.
+                for (int y = 0; y < 2; y++)
+                    for (int x = 0; x < 3; x++)
+                        resizeInto(resize, s, {50 + 100 * x - 1, 50 + 100 * y - 1, 2, 2}, one, 3, {0, 0, 3, 2}, f, f, 0,
+                                   0, selector);
+                for (size_t i = 0; i < whole.size(); i++)
+                    EXPECT_EQ(whole[i], one[i]) << "method " << method << " element " << i;
+            });
+        }
+    };
+    check(Source<uint8_t, 1>{300, 200});
+    check(Source<uint8_t, 4>{300, 200});
+    check(Source<float, 1>{300, 200});
+    check(Source<double, 1>{300, 200});
+}
+
+// Bytes of these methods are the same on every slot.
+TEST(ResizePlace, SlotsAgreeOnBytes)
+{
+    const auto check = [&]<int NC>(Source<uint8_t, NC> s) {
+        const qvriRect all = {0, 0, s.w, s.h};
+        const auto compare = [&](int method, double fx, double fy) {
+            const int dw = int(s.w * fx), dh = int(s.h * fy);
+            std::vector<uint8_t> first;
+            slots::each(tableOf<uint8_t, NC>(), [&](auto resize, int) {
+                std::vector<uint8_t> got(size_t(dw) * dh * NC);
+                resizeInto(resize, s, all, got, dw, {0, 0, dw, dh}, fx, fy, 0, 0, method);
+                if (first.empty())
+                    first = got;
+                EXPECT_EQ(first, got) << "method " << std::hex << method << " factors " << fx << " " << fy;
+            });
+        };
+        for (const Pieces& p : kPieces)
+            if (p.method != qvriInterSuper)
+                compare(p.method, p.fx, p.fy);
+        for (int method : {qvriInterNearest, qvriInterLinear})
+            for (double f : {0.3, 0.75, 1.6})
+                compare(method, f, f);
+    };
+    check(Source<uint8_t, 1>{421, 317});
+    check(Source<uint8_t, 4>{190, 123});
+    // A ramp, whose sums are often halves.
+    Source<uint8_t, 1> ramp = {421, 317};
+    for (size_t i = 0; i < ramp.values.size(); i++)
+        ramp.values[i] = uint8_t(i % 421 * 255 / 421 + i / 421 % 3);
+    check(ramp);
+}
+
+// ---- Low-pass sums against long doubles -----------------------------------------------------------------------------
+
+long double lowPassKernelExactly(int method, long double t)
+{
+    const long double pi = acosl(-1.0L);
+    if (method == qvriInterLinear)
+        return t < 1 ? 1 - t : 0;
+    if (method == qvriInterLanczos)
+        return t == 0 ? 1 : t < 3 ? sinl(pi * t) * sinl(pi * t / 3) * 3 / (pi * pi * t * t) : 0;
+    // Catmull-Rom
+    return t < 1 ? (1.5L * t - 2.5L) * t * t + 1 : t < 2 ? ((-0.5L * t + 2.5L) * t - 4) * t + 2 : 0;
+}
+// The weight of every pixel for the output at 0 whose centre falls on `centre`.
+std::vector<long double> exactWeights(int method, int length, long double centre, long double inv)
+{
+    const long double radius = method == qvriInterLinear ? 1 : method == qvriInterLanczos ? 3 : 2;
+    std::vector<long double> w(static_cast<size_t>(length));
+    long double sum = 0;
+    for (auto j = int64_t(ceill(centre - radius * inv)); j <= int64_t(floorl(centre + radius * inv)); j++) {
+        const long double k = lowPassKernelExactly(method, fabsl(centre - j) / inv);
+        w[size_t(std::clamp<int64_t>(j, 0, length - 1))] += k;
+        sum += k;
+    }
+    for (auto& x : w)
+        x /= sum;
+    return w;
+}
+
+// From a few taps to millions of clamped ones.
+TEST(ResizePlace, LowPassOfStrongReductions)
+{
+    const Source<double, 1> s = {64, 48};
+    const Source<float, 1> single = {64, 48, std::vector<float>(s.values.begin(), s.values.end())};
+    for (int method : {qvriInterLinear, qvriInterCubicCatmullRom, qvriInterLanczos})
+        for (double f : {0.1, 1e-2, 1e-3, 1e-4, 1e-5, 1e-6}) {
+            const double xShift = 0.5 - 20.25 * f, yShift = 0.5 - 30.5 * f;
+            const auto wx = exactWeights(method, s.w, (0.5L - xShift) / f, 1.0L / f);
+            const auto wy = exactWeights(method, s.h, (0.5L - yShift) / f, 1.0L / f);
+            long double want = 0, magnitude = 0;
+            for (int y = 0; y < s.h; y++)
+                for (int x = 0; x < s.w; x++) {
+                    const long double term = wx[size_t(x)] * wy[size_t(y)] * s.values[size_t(s.elementAt(x, y))];
+                    want += term;
+                    magnitude += fabsl(term);
+                }
+            // What is known of the centre: shift / f has a relative error of 2^-53.
+            const double place = 1e-15 / f / s.w * 300;
+            slots::each(tableOf<double, 1>(), [&](auto resize, int) {
+                std::vector<double> got(1);
+                resizeInto(resize, s, {0, 0, s.w, s.h}, got, 1, {0, 0, 1, 1}, f, f, xShift, yShift,
+                           method | int(qvriAntialias));
+                EXPECT_NEAR(got[0], double(want), 1e-8 * double(magnitude) + place) << method << " " << f;
+            });
+            slots::each(tableOf<float, 1>(), [&](auto resize, int) {
+                std::vector<float> got(1);
+                resizeInto(resize, single, {0, 0, s.w, s.h}, got, 1, {0, 0, 1, 1}, f, f, xShift, yShift,
+                           method | int(qvriAntialias));
+                EXPECT_NEAR(got[0], double(want), 5e-4 * double(magnitude)) << method << " " << f;
+            });
+        }
+}
+
+// Factors at the end of what a double holds: the corners' mean, since all other taps are copies of them.
+TEST(ResizePlace, LowPassOfExtremeFactors)
+{
+    const auto check = [&]<class T, int NC>(Source<T, NC> s) {
+        double corners = 0;
+        for (int y : {0, s.h - 1})
+            for (int x : {0, s.w - 1})
+                corners += double(s.values[size_t(s.elementAt(x, y))]) / 4;
+        for (int method : {qvriInterLinear, qvriInterCubic, qvriInterCubicBSpline, qvriInterLanczos})
+            for (double f : {1e-9, 1e-15, 1e-100, 1e-300, 1e-308, 4e-320})
+                slots::each(tableOf<T, NC>(), [&](auto resize, int) {
+                    std::vector<T> got(NC);
+                    resizeInto(resize, s, {0, 0, s.w, s.h}, got, 1, {0, 0, 1, 1}, f, f, 0.5, 0.5,
+                               method | int(qvriAntialias));
+                    EXPECT_NEAR(double(got[0]), corners,
+                                sizeof(T) == 1   ? 0.51
+                                : sizeof(T) == 4 ? 0.02
+                                                 : 1e-5)
+                        << "method " << method << " factor " << f;
+                });
+    };
+    check(Source<uint8_t, 1>{64, 48});
+    check(Source<uint8_t, 4>{64, 48});
+    check(Source<float, 1>{64, 48});
+    check(Source<double, 1>{64, 48});
+}
+
+// So large that all centres fall on one place.
+TEST(ResizePlace, ExtremeEnlargement)
+{
+    const Source<float, 1> s = {64, 48};
+    for (int method : {qvriInterNearest, qvriInterLinear, qvriInterCubic, qvriInterCubicCatmullRom, qvriInterLanczos})
+        for (double f : {1e100, 1e200, 1e300})
+            slots::each(tableOf<float, 1>(), [&](auto resize, int) {
+                std::vector<float> got(6);
+                resizeInto(resize, s, {0, 0, s.w, s.h}, got, 3, {0, 0, 3, 2}, f, f, 0, 0, method | int(qvriAntialias));
+                for (float v : got)
+                    EXPECT_EQ(v, s.values[0]) << "method " << method << " factor " << f;
+            });
+}
+
+// Less than 1e-10 of a border pixel is none.
+TEST(ResizePlace, EdgesOfNearlyWholePixels)
+{
+    for (double shift : {1.0, 1 - 1e-12, 1 + 1e-12, 1 - 0x1p-52})
+        for (int flag : {int(qvriEdgeBlend), int(qvriEdgeFade)})
+            slots::each(tableOf<uint8_t, 1>(), [&](auto resize, int) {
+                const Source<uint8_t, 1> s = {8, 8, std::vector<uint8_t>(64, 200)};
+                std::vector<uint8_t> got(100, 77);
+                resizeInto(resize, s, {0, 0, 8, 8}, got, 10, {0, 0, 10, 10}, 1, 1, shift, shift,
+                           qvriInterLinear | flag);
+                for (int i = 0; i < 100; i++) {
+                    const bool inside = i % 10 >= 1 && i % 10 <= 8 && i / 10 >= 1 && i / 10 <= 8;
+                    EXPECT_EQ(got[size_t(i)], inside ? 200 : 77) << "shift " << shift << " place " << i;
+                }
+            });
+}
+
+} // namespace
