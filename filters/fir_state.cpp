@@ -10,7 +10,7 @@
 #include "filters/fir_layout.h"
 #include "filters/functions.h"
 
-#include "fourier/spec.h"
+#include "fourier/real/spec.h"
 
 namespace {
 

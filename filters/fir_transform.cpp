@@ -8,7 +8,7 @@
 // The delay line is complete after the first block, which no other thread reads it from.
 #include "filters/fir_run.h"
 
-#include "fourier/spec.h"
+#include "fourier/real/spec.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The transforms of one precision on every slot: exported functions by their tables, internal forms by their names.
 #pragma once
 
-#include "fourier/plan_record.h"
+#include "fourier/real/plan_record.h"
 #include "fourier/slot_tables.h"
 #include "support/guarded.h"
 #include "support/slots.h"

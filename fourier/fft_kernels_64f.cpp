@@ -1,4 +1,0 @@
-// Kernels of the real FFT in double precision.
-#include "fourier/fft_kernels.h"
-
-extern "C" constexpr FftKernels<double> SLOT(ownqvrsFFTKernels_64f) = makeKernels<double>();

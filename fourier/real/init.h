@@ -1,0 +1,309 @@
+// Building of specification objects: one walk over the block serves the size step and the initialisation.
+#ifndef QVR_FOURIER_INIT_H
+#define QVR_FOURIER_INIT_H
+
+#include "fourier/real/spec.h"
+#include "fourier/real/tables.h"
+#include "frame/memory.h"
+#include "frame/status.h"
+#include "frame/threads.h"
+
+namespace {
+
+// The threaded band runs on at most this many threads.
+constexpr int kBandThreads = 2;
+
+constexpr int kFftOrderEnd = 31; // no slot and no precision takes this order or more
+constexpr Index kLine = 64;
+
+inline uint8_t* alignLine(uint8_t* p)
+{
+    return reinterpret_cast<uint8_t*>(qvrAlignUp(reinterpret_cast<uintptr_t>(p), static_cast<uintptr_t>(kLine)));
+}
+
+// Takes pieces of the block. With a null base it only counts.
+struct BlockWalk {
+    uint8_t* base;
+    Index used;
+
+    template<class P> P* take(Index count)
+    {
+        P* p = base != nullptr ? reinterpret_cast<P*>(base + used) : nullptr;
+        used += qvrAlignUp(count * static_cast<Index>(sizeof(P)), kLine);
+        return p;
+    }
+    bool fills() const { return base != nullptr; }
+};
+
+// Bytes of work memory of a flat transform.
+template<class T> constexpr Index flatWork(int m)
+{
+    return ((Index{2} * sizeof(T) << m) + 63) & ~Index{63};
+}
+template<class T> constexpr Index splitWork(int m)
+{
+    constexpr Index point = 2 * sizeof(T);
+    const int r = m - splitOrder<T>(m);
+    Index need = rowSplits<T>(r) ? splitWork<T>(r) : flatWork<T>(r);
+    const Index tile = splitOrder<T>(m) > 0 ? point << tileOrder<T>(m) : 0;
+    need = need > tile ? need : tile;
+    const Index reversal = m >= kTiledFrom ? 2 * kTilePoints * point : 0;
+    return need > reversal ? need : reversal;
+}
+template<class T> constexpr Index workBytes(int order)
+{
+    const int m = order - 1;
+    switch (classOf<T>(order)) {
+    case FftClass::real:
+    case FftClass::complex:
+        return 0;
+    case FftClass::flat:
+        return kFirstGeneration ? 0 : flatWork<T>(m);
+    case FftClass::threaded:
+        return flatWork<T>(m);
+    case FftClass::split:
+        break;
+    }
+    if constexpr (!kFirstGeneration)
+        return splitWork<T>(m);
+    Index need = 0;
+    for (int r = m; splitOrder<T>(r) != 0; r -= splitOrder<T>(r)) {
+        const Index columns = Index{4} * 2 * sizeof(T) << splitOrder<T>(r);
+        need = need > columns ? need : columns;
+    }
+    return need;
+}
+
+// A table's place, filled at once where the walk has memory.
+template<class T, class Fill> inline T* placeTable(BlockWalk& walk, Index size, const Fill& fill)
+{
+    T* table = walk.take<T>(size);
+    if (walk.fills())
+        fill(table);
+    return table;
+}
+
+template<class T> inline void firstGenTables(FftSpec<T>& spec, BlockWalk& walk, const Quarter<T>& quarter, int m)
+{
+    int rows = m;
+    while (rows > kKernelOrder && splitOrder<T>(rows) != 0)
+        rows -= splitOrder<T>(rows);
+    const int kernel = kernelTableOrder(rows);
+    spec.pTwiddle = placeTable<T>(walk, kernelTableSize(kernel), [&](T* p) { fillKernelTable(p, quarter, kernel); });
+    if (rows > kKernelOrder)
+        spec.pSweepTwiddle = placeTable<T>(walk, sweepTableSize(rows), [&](T* p) { fillSweepTable(p, quarter, rows); });
+    for (int level = 0, r = m; r > kKernelOrder && splitOrder<T>(r) != 0; level++) {
+        const int f = splitOrder<T>(r);
+        spec.pLevelColumnTwiddle[level] =
+            placeTable<T>(walk, kernelTableSize(f), [&](T* p) { fillKernelTable(p, quarter, f); });
+        spec.pLevelMidTwiddle[level] =
+            placeTable<T>(walk, Index{2} << r, [&](T* p) { fillMidTable(p, quarter, r, f); });
+        r -= f;
+    }
+}
+
+template<class T> inline void secondGenTables(FftSpec<T>& spec, BlockWalk& walk, const Quarter<T>& quarter, int order)
+{
+    const int m = order - 1;
+    const FftClass c = classOf<T>(order);
+    spec.plan = makePlan<T>(m, c);
+    const FftPlan& plan = spec.plan;
+    // The tables of sweeps first .. end - 1 as one item.
+    const auto place = [&](int first, int end) {
+        Index size = 0;
+        for (int i = first; i < end; i++)
+            size += sweepTableSize<T>(plan.sweep[i]);
+        T* const table = walk.take<T>(size);
+        T* out = table;
+        for (int i = first; walk.fills() && i < end; i++) {
+            spec.pSweepTables[i] = out;
+            fillSweep(out, quarter, plan.sweep[i]);
+            out += sweepTableSize<T>(plan.sweep[i]);
+        }
+        return table;
+    };
+    const FftLevel& row = plan.level[plan.row];
+    spec.pTwiddle = place(0, row.sweep + row.sweeps);
+    if (c == FftClass::threaded)
+        spec.pSweepTwiddle = placeTable<T>(walk, topTableSize(m), [&](T* p) { fillTopTable(p, quarter, m); });
+    for (int i = plan.levels - 1; i > plan.row; i--)
+        spec.pLevelMidTwiddle[plan.levels - 1 - i] =
+            place(plan.level[i].sweep, plan.level[i].sweep + plan.level[i].sweeps);
+}
+
+inline int32_t* placeBitRev(BlockWalk& walk, int m)
+{
+    if (kFirstGeneration || m < kTiledFrom) {
+        int32_t* table = walk.take<int32_t>(bitRevEntries(m));
+        if (walk.fills()) {
+            if constexpr (kFirstGeneration)
+                fillSwapTable(table, m);
+            else
+                fillBitRev(table, m, 1);
+        }
+        return table;
+    }
+    // Two levels: the tiles' order, then the points of a tile.
+    const int outer = m - 2 * kTileBits;
+    int32_t* table = walk.take<int32_t>((Index{1} << outer) + bitRevEntries(2 * kTileBits));
+    if (walk.fills()) {
+        fillBitRev(table + (Index{1} << outer), 2 * kTileBits, 1);
+        for (Index i = 0; i < Index{1} << outer; i++)
+            table[i] = static_cast<int32_t>(reverseIndex(i, outer) << kTileBits);
+    }
+    return table;
+}
+
+// The whole block after the object itself.
+template<class T> inline void placeTables(FftSpec<T>& spec, BlockWalk& walk, const Quarter<T>& quarter, int order)
+{
+    const FftClass c = classOf<T>(order);
+    if (c == FftClass::real)
+        return;
+    if (c != FftClass::complex) {
+        spec.pBitRev = placeBitRev(walk, c == FftClass::threaded ? order - 4 : order - 1);
+        if constexpr (kFirstGeneration)
+            firstGenTables(spec, walk, quarter, order - 1);
+        else
+            secondGenTables(spec, walk, quarter, order);
+    }
+    const bool twoLevel = order >= kFftLimits<T>.twoLevel;
+    const Index size = recombinationSize(order, twoLevel);
+    spec.pFwdRecomb = walk.take<T>(size);
+    spec.pInvRecomb = walk.take<T>(size);
+    if (walk.fills())
+        fillRecombination(spec.pFwdRecomb, spec.pInvRecomb, quarter, order, twoLevel);
+}
+
+constexpr bool knownFlag(int flag)
+{
+    return flag == qvrFftNoDiv || flag == qvrFftDivBySqrtN || flag == qvrFftDivFwdByN || flag == qvrFftDivInvByN;
+}
+
+template<class T>
+inline qvrStatus fftGetSize(int order, int flag, int32_t* pSpecSize, int32_t* pInitSize, int32_t* pWorkSize)
+{
+    if (static_cast<unsigned>(order) >= kFftOrderEnd)
+        return qvrErrFFTOrder;
+    if (anyNull(pSpecSize, pInitSize, pWorkSize))
+        return qvrErrNullPointer;
+    if (!knownFlag(flag))
+        return qvrErrFFTFlag;
+    if (order > kFftLimits<T>.largest)
+        return qvrErrFFTOrder;
+    SpecType<T> spec{};
+    BlockWalk walk = {nullptr, 0};
+    walk.take<SpecType<T>>(1);
+    placeTables<T>(spec, walk, {}, order);
+    const Index init = order > kConstantBase ? quarterEntries(order) * static_cast<Index>(sizeof(T)) + kLine : 0;
+    const Index work = workBytes<T>(order);
+    *pSpecSize = static_cast<int32_t>(walk.used + kLine);
+    *pInitSize = static_cast<int32_t>(init);
+    *pWorkSize = static_cast<int32_t>(work > 0 ? work + kLine : 0);
+    return qvrOk;
+}
+
+// 1/N, or 1/sqrt(N). In single precision the root is the processor's estimate and one Newton step.
+template<class T> inline T normalisation(int order, int flag)
+{
+    const T n = static_cast<T>(Index{1} << order);
+    if (flag == qvrFftNoDiv)
+        return 0;
+    if (flag != qvrFftDivBySqrtN)
+        return static_cast<T>(1) / n;
+    if constexpr (sizeof(T) == 8) {
+        return 1.0 / __builtin_sqrt(n);
+    } else {
+        const float r = reciprocalRootEstimate(n);
+        return (r * -0.5f) * ((n * r) * r - 3.0f);
+    }
+}
+
+template<class T>
+inline qvrStatus fftInit(SpecType<T>** ppSpec, int order, int flag, int hint, uint8_t* pMemSpec, uint8_t* pMemInit)
+{
+    if (anyNull(ppSpec, pMemSpec) || (order > kConstantBase && pMemInit == nullptr))
+        return qvrErrNullPointer;
+    BlockWalk walk = {alignLine(pMemSpec), 0};
+    SpecType<T>* spec = walk.take<SpecType<T>>(1);
+    *spec = {};
+    if (!knownFlag(flag))
+        return qvrErrFFTFlag;
+    if (static_cast<unsigned>(order) > static_cast<unsigned>(kFftLimits<T>.largest))
+        return qvrErrFFTOrder;
+    spec->order = order;
+    spec->doFwdScale = flag == qvrFftDivFwdByN || flag == qvrFftDivBySqrtN;
+    spec->doInvScale = flag == qvrFftDivInvByN || flag == qvrFftDivBySqrtN;
+    spec->normFactor = normalisation<T>(order, flag);
+    spec->hint = hint;
+    spec->workSize = static_cast<int32_t>(workBytes<T>(order));
+    if constexpr (kThreadedBand) {
+        const int budget = qvrNumThreadsValue();
+        spec->threadLimit.value = budget < kBandThreads ? budget : kBandThreads;
+    }
+    Quarter<T> quarter = {constantQuarter<T>(), kConstantBase};
+    if (order > kConstantBase) {
+        T* s = reinterpret_cast<T*>(alignLine(pMemInit));
+        fillQuarter(s, order);
+        quarter = {s, order};
+    }
+    placeTables<T>(*spec, walk, quarter, order);
+    spec->tag = kFftTag<T>;
+    *ppSpec = spec;
+    return qvrOk;
+}
+
+template<class T> inline qvrStatus fftInitAlloc(SpecType<T>** ppSpec, int order, int flag, int hint)
+{
+    if (ppSpec == nullptr)
+        return qvrErrNullPointer;
+    int32_t specSize, initSize, workSize;
+    if (const qvrStatus status = fftGetSize<T>(order, flag, &specSize, &initSize, &workSize))
+        return status;
+    uint8_t* block = allocate<uint8_t>(specSize);
+    if (block == nullptr)
+        return qvrErrNoMemory;
+    uint8_t* init = nullptr;
+    if (initSize > 0) {
+        init = allocate<uint8_t>(initSize);
+        if (init == nullptr) {
+            release(block);
+            return qvrErrNoMemory;
+        }
+    }
+    SpecType<T>* spec;
+    const qvrStatus status = fftInit<T>(&spec, order, flag, hint, block, init);
+    release(init);
+    if (status != qvrOk) {
+        release(block);
+        return status;
+    }
+    spec->isAlloc = 1;
+    spec->pBlock = block;
+    *ppSpec = spec;
+    return qvrOk;
+}
+
+template<class T> inline qvrStatus fftFree(SpecType<T>* pSpec)
+{
+    if (const qvrStatus status = checkState(pSpec, kFftTag<T>))
+        return status;
+    pSpec->tag = 0;
+    if (pSpec->isAlloc == 1)
+        release(pSpec->pBlock);
+    return qvrOk;
+}
+
+template<class T> inline qvrStatus fftGetBufSize(const SpecType<T>* pSpec, int32_t* pSize)
+{
+    if (anyNull(pSpec, pSize))
+        return qvrErrNullPointer;
+    if (pSpec->tag != kFftTag<T>)
+        return qvrErrBadContext;
+    *pSize = pSpec->workSize >= 1 ? pSpec->workSize + static_cast<int32_t>(kLine) : 0;
+    return qvrOk;
+}
+
+} // namespace
+
+#endif

@@ -1,0 +1,117 @@
+// The kernels of a complex transform of 2^m points and of its recombination: what a plan's passes call.
+//
+// Outside, points are (re, im) pairs; between the first and the last pass they stand in groups (lanes.h). The inverse
+// transform is the forward one with re and im exchanged by the first and by the last kernel.
+#ifndef QVR_FOURIER_KERNEL_TABLE_H
+#define QVR_FOURIER_KERNEL_TABLE_H
+
+#include "fourier/lanes.h"
+#include "fourier/real/limits.h"
+
+namespace {
+
+// One stage on a strip of columns. Offsets count elements; columns, rows and blocks count butterflies.
+template<class T> struct StageCall {
+    const T* in;
+    T* out;
+    Index inLeg, outLeg;             // between the legs of a butterfly
+    Index columns;                   // neighbouring butterflies, whole vectors
+    Index rows, inRow, outRow;       // rows of columns, each with twiddles of its own
+    Index blocks, inBlock, outBlock; // repetitions of all of it with the same twiddles
+    const T* twiddles;
+    T factor; // of a last stage
+};
+
+// `count` indices from `from` on of the first pass: legs `leg` points apart, the first at src; 2^m points in all.
+template<class T> struct FirstCall {
+    const T* src;
+    Index leg;
+    T* area;
+    int m;
+    Index from, count;
+};
+
+// Bins k .. k + count - 1 at a, their partners M - k - count + 1 .. M - k at b; forward, those of Z times
+// kBeforeRecombination. With k = 0, count is
+// whole vectors, and the partner of bin 0 is not in memory: `last`, Re X[N/2], comes in or goes out.
+template<class T> struct RecombineCall {
+    const T *aIn, *bIn;
+    T *aOut, *bOut;
+    Index k, count;
+    const T* table;
+    T last;
+};
+
+// What the forward recombination wants Z multiplied by. The first generation, where that would be one more pass over
+// all points, leaves it to the recombination.
+template<class T> constexpr T kBeforeRecombination = kFirstGeneration ? T(1) : T(0.5);
+
+// Four columns of eight: points c + 8 n of src, to the groups of column c at area.
+template<class T> struct ColumnsCall {
+    const T* src;
+    T* area;
+    int order; // of a column
+};
+
+// Radix 8 over eight columns of groups, to pairs; `count` butterflies from `first` on.
+template<class T> struct TopCall {
+    const T* area;
+    T* dst;
+    Index columns, first, count;
+    const T* table;
+    T factor;
+};
+
+template<class T> struct FirstGenTables {
+    const T *kernel, *sweep;
+    const T *const *column, *const *mid;
+};
+template<class T> struct FirstGenCall {
+    const T* src;
+    T* dst;
+    int m;
+    const int32_t* swaps;
+    FirstGenTables<T> tables;
+    T* work;
+    T factor;
+};
+
+// Forms of a stage: products first, or a chain of radix-2 steps.
+enum : int { formProducts, formSteps };
+
+template<class T> struct FftKernels {
+    void (*first[2])(const FirstCall<T>&);                      // by swap
+    void (*firstReversed[2])(T* data, Index points);            // by swap
+    void (*stage[2][2])(const StageCall<T>&);                   // by form, radix 4 and 8
+    void (*last[2][2][2])(const StageCall<T>&);                 // by swap, form, radix
+    void (*recombine[2][2])(RecombineCall<T>&);                 // forward and inverse, table of one and of two levels
+    void (*straight[2])(int m, const T* src, T* dst, T factor); // by swap: 16, 32, 64 points
+    void (*deal)(const T* src, T* dst, int m, int f, Index from, Index count);
+    void (*reverse)(T* data, int m, T* work);
+    void (*columns[2])(const ColumnsCall<T>&); // by swap; the threaded band
+    void (*top[2])(const TopCall<T>&);
+    void (*firstGeneration[2])(const FirstGenCall<T>&); // forward, inverse
+};
+
+} // namespace
+
+extern "C" {
+extern const QVR_HIDDEN FftKernels<float> SLOT(ownqvrsFFTKernels_32f), m7_ownqvrsFFTKernels_32f;
+extern const QVR_HIDDEN FftKernels<double> SLOT(ownqvrsFFTKernels_64f), m7_ownqvrsFFTKernels_64f;
+}
+
+namespace {
+
+// Slots u8, n8 and y8 hold nothing that m7's kernels could gain from.
+template<class T> constexpr const FftKernels<T>& fftKernels()
+{
+    constexpr bool shared = kSlot >= qvrSlot_m7 && kSlot <= qvrSlot_y8;
+    if constexpr (sizeof(T) == 4)
+        return shared ? m7_ownqvrsFFTKernels_32f : SLOT(ownqvrsFFTKernels_32f);
+    else
+        return shared ? m7_ownqvrsFFTKernels_64f : SLOT(ownqvrsFFTKernels_64f);
+}
+
+} // namespace
+
+#endif

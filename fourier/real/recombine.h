@@ -1,0 +1,274 @@
+// Recombination: the spectrum Z of z[n] = x[2n] + i x[2n+1] to the spectrum X of x, and back.
+//
+// With j = M - k, a and b the values at k and j, and e = exp(-2 pi i k / N): X[k] = (a + conj b)/2 - i e (a - conj
+// b)/2, X[j] the same with roles exchanged. The last stage has halved Z, so no step leaves the size of the bins. The
+// inverse makes 2 Z[k] = a + conj b + i conj(e) (a - conj b) of the bins. Bin 0 is its own partner forward, and its
+// imaginary part comes to nothing; back, its partner is X[M], and neither has an imaginary part.
+//
+// Tables hold e = (cos t, -sin t), t = 2 pi k / N, for k below N/4. In two levels they hold 1024 fine entries and then
+// the coarse ones of k = 0, 1024, ...; e is their product.
+//
+// With fused operations a vector holds pairs: (p, q) = a - conj b and (s, d) = a + conj b are one operation each, and
+// the signs of the rest alternate by lane. Without, alternating signs would cost more than parting re and im.
+#ifndef QVR_FOURIER_RECOMBINE_H
+#define QVR_FOURIER_RECOMBINE_H
+
+#include "fourier/real/kernel_table.h"
+
+namespace {
+
+constexpr int kFineOrder = 10;
+constexpr Index kFine = Index{1} << kFineOrder;
+
+// ---- Re and im apart ------------------------------------------------------------------------------------------------
+
+template<bool Inverse, class C> QVR_INLINE void recombinePair(C& a, C& b, C w)
+{
+    using V = decltype(a.re);
+    if constexpr (!Inverse && kBeforeRecombination<Elem<V>> == 1) {
+        const V half = splat<V>(Elem<V>(0.5));
+        a = {a.re * half, a.im * half};
+        b = {b.re * half, b.im * half};
+    }
+    const auto p = a.re - b.re, q = a.im + b.im, s = a.re + b.re, d = a.im - b.im;
+    const auto t = fma(p, w.im, Inverse ? -(q * w.re) : q * w.re);
+    const auto u = fma(q, w.im, Inverse ? p * w.re : -(p * w.re));
+    a = {s + t, d + u};
+    b = {s - t, u - d};
+}
+
+template<bool TwoLevel, class V> QVR_INLINE Cx<V> recombinationTwiddle(const Elem<V>* table, Index k)
+{
+    const auto at = [](const Elem<V>* p) {
+        if constexpr (lanes<V> == 1)
+            return Cx<V>{load<V>(p), load<V>(p + 1)};
+        else
+            return loadPairs<V>(p);
+    };
+    if constexpr (TwoLevel) {
+        const Elem<V>* const coarse = table + 2 * (kFine + (k >> kFineOrder));
+        const V re = splat<V>(coarse[0]), im = splat<V>(coarse[1]);
+        const Cx<V> fine = at(table + 2 * (k & (kFine - 1)));
+        return {fma(fine.re, re, -(fine.im * im)), fma(fine.im, re, fine.re * im)};
+    } else {
+        return at(table + 2 * k);
+    }
+}
+
+// The i-th bin of a call alone, not bin 0.
+template<bool Inverse, bool TwoLevel, class T> QVR_INLINE void recombineOne(const RecombineCall<T>& call, Index i)
+{
+    using S = Vec<T, 1>;
+    const Index back = 2 * (call.count - i - 1);
+    Cx<S> a = {load<S>(call.aIn + 2 * i), load<S>(call.aIn + 2 * i + 1)};
+    Cx<S> b = {load<S>(call.bIn + back), load<S>(call.bIn + back + 1)};
+    recombinePair<Inverse>(a, b, recombinationTwiddle<TwoLevel, S>(call.table, call.k + i));
+    store(call.aOut + 2 * i, a.re);
+    store(call.aOut + 2 * i + 1, a.im);
+    store(call.bOut + back, b.re);
+    store(call.bOut + back + 1, b.im);
+}
+
+// A vector of bins of which bin 0 is real and as told, the others at p + 2.
+template<class V> QVR_INLINE V firstThen(Elem<V> re, const Elem<V>* p)
+{
+    constexpr int H = lanes<V> / 2;
+    if constexpr (H == 1)
+        return V{re, 0};
+    else
+        return concat(firstThen<Vec<Elem<V>, H>>(re, p), load<Vec<Elem<V>, H>>(p + H));
+}
+// One of which the last bin is as told, the others at p.
+template<class V> QVR_INLINE V thenLast(const Elem<V>* p, Elem<V> re, Elem<V> im)
+{
+    constexpr int H = lanes<V> / 2;
+    if constexpr (H == 1)
+        return V{re, im};
+    else
+        return concat(load<Vec<Elem<V>, H>>(p), thenLast<Vec<Elem<V>, H>>(p + H, re, im));
+}
+template<class V> QVR_INLINE void storeAllButLast(Elem<V>* p, V v)
+{
+    if constexpr (lanes<V> > 2) {
+        store(p, lo(v));
+        storeAllButLast(p + lanes<V> / 2, hi(v));
+    }
+}
+
+// Bins in rising order to those of k, k + 1, ... in a group, and back.
+template<class T> struct RecombineGroups {
+    using V = Full<T>;
+    static constexpr Index points = kLanes<T>;
+    Pairs<V> a, b;
+
+    template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k)
+    {
+        Cx<V> x = split(a.v0, a.v1), y = splitReversed(b);
+        recombinePair<Inverse>(x, y, recombinationTwiddle<TwoLevel, V>(table, k));
+        a = join(x);
+        b = joinReversed(y);
+    }
+    QVR_INLINE void loadA(const T* p) { a = {load<V>(p), load<V>(p + lanes<V>)}; }
+    QVR_INLINE void loadB(const T* p) { b = {load<V>(p), load<V>(p + lanes<V>)}; }
+    QVR_INLINE void storeA(T* p) const
+    {
+        store(p, a.v0);
+        store(p + lanes<V>, a.v1);
+    }
+    QVR_INLINE void storeB(T* p) const
+    {
+        store(p, b.v0);
+        store(p + lanes<V>, b.v1);
+    }
+    QVR_INLINE void loadFirstA(const T* p, T re) { a = {firstThen<V>(re, p), load<V>(p + lanes<V>)}; }
+    QVR_INLINE void loadLastB(const T* p, T re, T im) { b = {load<V>(p), thenLast<V>(p + lanes<V>, re, im)}; }
+    QVR_INLINE void storeLastB(T* p) const
+    {
+        store(p, b.v0);
+        storeAllButLast(p + lanes<V>, b.v1);
+    }
+    QVR_INLINE T lastOfB() const { return b.v1[lanes<V> - 2]; }
+};
+
+// ---- Pairs ----------------------------------------------------------------------------------------------------------
+
+// Even lanes of a, odd lanes of b. Of two fused forms that differ in the sign of the summand the compiler makes one.
+template<class V, int... I> QVR_INLINE V interleavedLanes(V a, V b, Indices<I...>)
+{
+    return __builtin_shufflevector(a, b, (I + (I & 1) * lanes<V>)...);
+}
+// Kept from being joined with the shuffles that follow, after which the two forms would be computed in all lanes.
+template<class V> QVR_INLINE V asOne(V v)
+{
+    __asm__("" : "+x"(v));
+    return v;
+}
+// a b - c in even lanes and a b + c in odd ones, and the reverse.
+template<class V> QVR_INLINE V multiplySubAdd(V a, V b, V c)
+{
+    if constexpr (kFma)
+        return asOne(interleavedLanes(fma(a, b, -c), fma(a, b, c), Iota<lanes<V>>{}));
+    else
+        return subAdd(a * b, c);
+}
+template<class V> QVR_INLINE V multiplyAddSub(V a, V b, V c)
+{
+    if constexpr (kFma)
+        return asOne(interleavedLanes(fma(a, b, c), fma(a, b, -c), Iota<lanes<V>>{}));
+    else
+        return subAdd(a * b, -c);
+}
+
+template<class V> QVR_INLINE V evenDup(V v)
+{
+    if constexpr (sizeof(Elem<V>) == 4)
+        return shuffleBlocks<0, 0, 2, 2>(v);
+    else
+        return shuffleBlocks<0, 0>(v);
+}
+template<class V> QVR_INLINE V oddDup(V v)
+{
+    if constexpr (sizeof(Elem<V>) == 4)
+        return shuffleBlocks<1, 1, 3, 3>(v);
+    else
+        return shuffleBlocks<1, 1>(v);
+}
+// Pairs in falling order.
+template<class V> QVR_INLINE V reversedPairs(V v)
+{
+    if constexpr (sizeof(Elem<V>) == 4)
+        return bitcast<V>(reversedLanes(bitcast<Vec<double, lanes<V> / 2>>(v)));
+    else
+        return swapHalves(v);
+}
+
+template<bool, class A, class B> struct Choice {
+    using type = A;
+};
+template<class A, class B> struct Choice<false, A, B> {
+    using type = B;
+};
+
+template<class T> struct RecombinePairs {
+    using V = Full<T>;
+    static constexpr Index points = kLanes<T> / 2;
+    V a, b;
+
+    template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k)
+    {
+        V w;
+        if constexpr (TwoLevel) {
+            const T* const coarse = table + 2 * (kFine + (k >> kFineOrder));
+            const V fine = load<V>(table + 2 * (k & (kFine - 1)));
+            w = multiplySubAdd(fine, splat<V>(coarse[0]), exchanged(fine) * splat<V>(coarse[1]));
+        } else {
+            w = load<V>(table + 2 * k);
+        }
+        V again = w;
+        // A load can repeat floats on its way; the compiler would rather shuffle what it has.
+        if constexpr (!TwoLevel && sizeof(T) == 4) {
+            const T* same = table + 2 * k;
+            __asm__("" : "+r"(same));
+            again = load<V>(same);
+        }
+        const V y = reversedPairs(b), re = evenDup(w), im = oddDup(again);
+        const V v = subAdd(a, y), s = multiplyAddSub(a, splat<V>(T(1)), y), e = exchanged(v) * re;
+        const V t = Inverse ? multiplySubAdd(v, im, e) : multiplyAddSub(v, im, e);
+        a = s + t;
+        b = reversedPairs(multiplyAddSub(t, alternating<V>(T(-1), T(1)), s));
+    }
+    QVR_INLINE void loadA(const T* p) { a = load<V>(p); }
+    QVR_INLINE void loadB(const T* p) { b = load<V>(p); }
+    QVR_INLINE void storeA(T* p) const { store(p, a); }
+    QVR_INLINE void storeB(T* p) const { store(p, b); }
+    QVR_INLINE void loadFirstA(const T* p, T re) { a = firstThen<V>(re, p); }
+    QVR_INLINE void loadLastB(const T* p, T re, T im) { b = thenLast<V>(p, re, im); }
+    QVR_INLINE void storeLastB(T* p) const { storeAllButLast(p, b); }
+    QVR_INLINE T lastOfB() const { return b[lanes<V> - 2]; }
+};
+
+// ---- Ranges ---------------------------------------------------------------------------------------------------------
+
+template<bool Inverse, bool TwoLevel, class T> void recombineRange(RecombineCall<T>& args)
+{
+    using Step = typename Choice<kFma, RecombinePairs<T>, RecombineGroups<T>>::type;
+    constexpr Index P = Step::points;
+    const RecombineCall<T> call = args;
+    Step step;
+    Index i = 0;
+    if (call.k == 0) {
+        T* const back = call.bOut + 2 * (call.count - P);
+        if constexpr (Inverse) {
+            step.loadFirstA(call.aIn, get(call.aIn, 0));
+            step.loadLastB(call.bIn + 2 * (call.count - P), call.last, T{});
+        } else {
+            step.loadA(call.aIn);
+            step.loadLastB(call.bIn + 2 * (call.count - P), get(call.aIn, 0), get(call.aIn, 1));
+        }
+        step.template work<Inverse, TwoLevel>(call.table, 0);
+        step.storeA(call.aOut);
+        step.storeLastB(back);
+        args.last = step.lastOfB();
+        i = P;
+    }
+    for (; (call.count - i) % P != 0; i++)
+        recombineOne<Inverse, TwoLevel>(call, i);
+    for (; i < call.count; i += P) {
+        const Index k = call.k + i, back = 2 * (call.count - i - P);
+        // A vector across the end of the fine entries has two coarse ones.
+        if (TwoLevel && (k & (kFine - 1)) > kFine - P) {
+            for (Index lane = 0; lane < P; lane++)
+                recombineOne<Inverse, TwoLevel>(call, i + lane);
+            continue;
+        }
+        step.loadA(call.aIn + 2 * i);
+        step.loadB(call.bIn + back);
+        step.template work<Inverse, TwoLevel>(call.table, k);
+        step.storeA(call.aOut + 2 * i);
+        step.storeB(call.bOut + back);
+    }
+}
+
+} // namespace
+
+#endif
