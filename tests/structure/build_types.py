@@ -1,4 +1,4 @@
-"""Kernels are optimised in every build type but Debug: build_types.py SOURCE-FOLDER C-COMPILER C++-COMPILER PREFIX-PATH WORK-FOLDER"""
+"""Kernels are optimised in every build type but Debug: build_types.py SOURCE-FOLDER C-COMPILER C++-COMPILER LIBRARY-PATH WORK-FOLDER"""
 import json
 import subprocess
 import sys
@@ -6,12 +6,12 @@ import sys
 import binary
 
 
-def main(source, cc, cxx, prefix, work):
+def main(source, cc, cxx, libraries, work):
     failures = []
     for kind, want in (("None", "-O3"), ("RelWithDebInfo", "-O3"), ("MinSizeRel", "-O3"), ("Debug", "-O1")):
         folder = f"{work}/{kind}"
         subprocess.run(["cmake", "-S", source, "-B", folder, "-G", "Ninja", f"-DCMAKE_C_COMPILER={cc}", f"-DCMAKE_CXX_COMPILER={cxx}",
-                        f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_BUILD_TYPE={kind}", "-DCMAKE_CXX_FLAGS=-O1", "-DQVR_TESTS=OFF"],
+                        f"-DCMAKE_LIBRARY_PATH={libraries}", f"-DCMAKE_BUILD_TYPE={kind}", "-DCMAKE_CXX_FLAGS=-O1", "-DQVR_TESTS=OFF"],
                        check=True, capture_output=True)
         with open(f"{folder}/compile_commands.json") as file:
             for entry in json.load(file):
