@@ -27,7 +27,8 @@ template<class T> struct FftRun {
     // X or 2 Z of bins k .. k + count - 1 and of their partners. Re X[N/2] goes in and out with bin 0.
     T recombine(Index k, const T* aIn, const T* bIn, T* aOut, T* bOut, Index count, T last) const
     {
-        // What initialisation puts into pFwdRecomb would have the values subtracted before they are halved.
+        // By contract: pFwdRecomb holds the folded twiddles, with which values would be subtracted before they are
+        // halved.
         RecombineCall<T> call = {aIn, bIn, aOut, bOut, k, count, spec.pInvRecomb, last};
         kernels.recombine[swap][spec.order >= kFftLimits<T>.twoLevel](call);
         return call.last;

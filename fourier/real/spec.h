@@ -74,8 +74,6 @@ template<class T> using SpecType = typename SpecTypeOf<T>::type;
     QVR_HIDDEN qvrStatus SLOT(ownqvrsFFTInit_R_##tag)(qvrsFFTSpec_R_##tag * *ppSpec, int order, int flag, int hint,    \
                                                       uint8_t* pMemSpec, uint8_t* pMemInit);                           \
     QVR_HIDDEN qvrStatus SLOT(ownqvrsFFTGetBufSize_R_##tag)(const qvrsFFTSpec_R_##tag* pSpec, int32_t* pSize);         \
-    /* Null where an object has no plan: straight-line kernels, first generation. */                                   \
-    QVR_HIDDEN const FftPlan* SLOT(ownqvrsFFTPlan_R_##tag)(const qvrsFFTSpec_R_##tag* pSpec);                          \
     QVR_HIDDEN qvrStatus SLOT(ownqvrsFFTFwd_RToPacked_##tag)(const T* pSrc, T* pDst, const qvrsFFTSpec_R_##tag* pSpec, \
                                                              uint8_t* pBuffer);                                        \
     QVR_HIDDEN qvrStatus SLOT(ownqvrsFFTInv_PackedToR_##tag)(const T* pSrc, T* pDst, const qvrsFFTSpec_R_##tag* pSpec, \

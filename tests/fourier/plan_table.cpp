@@ -26,7 +26,6 @@ std::string text(const FftPlan& plan)
 
 template<class T> void table(const char* title, int largest)
 {
-    using F = Functions<T>;
     std::printf("## %s\n\n| order |", title);
     for (int slot = 1; slot < slots::kCount; slot++)
         std::printf(" %s |", slots::kNames[slot]);
@@ -37,7 +36,7 @@ template<class T> void table(const char* title, int largest)
         std::printf("\n| %d |", order);
         for (int slot = 1; slot < slots::kCount; slot++) {
             Object<T> object(slot, order, qvrFftNoDiv);
-            const FftPlan* plan = F::plan[slot](object);
+            const FftPlan* plan = planOf(slot, object);
             if (plan == nullptr)
                 std::printf(" straight |");
             else

@@ -421,12 +421,11 @@ TYPED_TEST(Spec, RecombinationTables)
 TYPED_TEST(Spec, PlansAreWhole)
 {
     using T = TypeParam;
-    using F = Functions<T>;
     eachSlot([&](int slot) {
         for (int order = 0; order <= 21; order++) {
             SCOPED_TRACE(order);
             Object<T> object(slot, order, 8);
-            const FftPlan* plan = F::plan[slot](object);
+            const FftPlan* plan = planOf(slot, object);
             ASSERT_EQ(plan == nullptr, slot == 0 || order <= kComplex[slot]);
             if (plan == nullptr)
                 continue;
