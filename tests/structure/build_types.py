@@ -1,5 +1,9 @@
-"""Kernels are optimised in every build type but Debug: build_types.py SOURCE-FOLDER C-COMPILER C++-COMPILER LIBRARY-PATH WORK-FOLDER"""
+"""Ways to configure: build_types.py SOURCE-FOLDER C-COMPILER C++-COMPILER LIBRARY-PATH WORK-FOLDER
+
+Kernels are optimised in every build type but Debug, and a preset can be configured again.
+"""
 import json
+import shutil
 import subprocess
 import sys
 
@@ -8,6 +12,12 @@ import binary
 
 def main(source, cc, cxx, libraries, work):
     failures = []
+    shutil.rmtree(work, ignore_errors=True)
+    for preset in ("release", "fuzz"):
+        for turn in ("first", "second"):
+            done = subprocess.run(["cmake", "--preset", preset, "-B", f"{work}/{preset}"], cwd=source, capture_output=True, text=True)
+            if done.returncode != 0:
+                failures.append(f"the {turn} configuration of {preset} fails: {done.stderr}")
     for kind, want in (("None", "-O3"), ("RelWithDebInfo", "-O3"), ("MinSizeRel", "-O3"), ("Debug", "-O1")):
         folder = f"{work}/{kind}"
         subprocess.run(["cmake", "-S", source, "-B", folder, "-G", "Ninja", f"-DCMAKE_C_COMPILER={cc}", f"-DCMAKE_CXX_COMPILER={cxx}",
