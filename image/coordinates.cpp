@@ -12,8 +12,9 @@ namespace {
 // it is meant.
 constexpr double kNearestBack = 1e-10;
 
-constexpr double kCoverStart = 1e-10; // a start this close below a pixel border counts as on it
-constexpr double kLeastCover = 1e-7;  // less of a pixel than this is left out
+constexpr double kLeastCover = 1e-7; // less of a pixel than this is left out
+constexpr int kMostUnits = 512;      // parts of a pixel that covers are counted in
+constexpr double kMostRatio = 1 << 20;
 
 // Taps further than this outside the image are one tap, of the sum of their weights.
 constexpr int64_t kFold = 4096;
@@ -197,6 +198,46 @@ double foldedWeight(const qvrLowPass* l, double centre, int64_t nearest, int64_t
     return sum;
 }
 
+// ---- Supersampling --------------------------------------------------------------------------------------------------
+
+int64_t wholePart(int64_t v, int64_t unit)
+{
+    return v / unit;
+}
+int64_t wholePart(double v, double)
+{
+    return floorOf(v);
+}
+
+// The interval from .. to, in parts of a pixel.
+template<class N> void coverOf(N from, N to, N unit, int64_t length, N least, qvrCover* c)
+{
+    const N end = static_cast<N>(length) * unit;
+    c->tail = 0;
+    c->count = 1;
+    c->head = static_cast<double>(to - from);
+    c->first = to <= 0 ? 0 : length - 1;
+    if (to <= 0 || from >= end)
+        return;
+    const N low = from < 0 ? 0 : from, high = to < end ? to : end;
+    c->first = wholePart(low, unit);
+    int64_t last = wholePart(high, unit);
+    N head = static_cast<N>(c->first + 1) * unit - low, tail = high - static_cast<N>(last) * unit;
+    if (tail <= least && last > c->first) {
+        last--;
+        tail = unit;
+    }
+    if (head <= least && last > c->first) {
+        c->first++;
+        head = unit;
+    }
+    c->count = last - c->first + 1;
+    if (c->count == 1)
+        return;
+    c->head = static_cast<double>(head + (low - from));
+    c->tail = static_cast<double>(tail + (to - high));
+}
+
 } // namespace
 
 extern "C" {
@@ -278,33 +319,44 @@ void qvrLowPassWeights(const qvrLowPass* l, const qvrLowPassTaps* taps, int64_t 
                                 : weightAt(l, static_cast<double>(taps->first - taps->shift + k) - taps->centre);
 }
 
-int qvrIsBlockAxis(const qvrResizeAxis* axis)
+void qvrMakeSuper(const qvrResizeAxis* axis, qvrSuperAxis* s)
 {
-    const double inv = bounded(axis->inv, 0, kFar), start = bounded(sourceOf(axis, axis->first), -kFar, kFar);
-    const double off = start - static_cast<double>(floorOf(start + 0.5));
-    return inv - static_cast<double>(floorOf(inv)) <= kLeastCover && absOf(off) <= kLeastCover;
+    s->inv = bounded(axis->inv, 0, 1e308);
+    s->off = axis->off;
+    s->length = axis->length;
+    s->p = s->q = s->at = 0;
+    for (int q = 1; q <= kMostUnits && s->inv < kMostRatio && absOf(s->off) < kNear; q++) {
+        const double p = s->inv * q, at = s->off * q;
+        const double whole = static_cast<double>(floorOf(p + 0.5)), start = static_cast<double>(floorOf(at + 0.5));
+        if (absOf(p - whole) <= p * kPeriodic && absOf(at - start) <= kLeastCover) {
+            s->p = static_cast<int64_t>(whole);
+            s->q = q;
+            s->at = static_cast<int64_t>(start);
+            break;
+        }
+    }
 }
 
-void qvrCoverOf(const qvrResizeAxis* axis, int blocks, int64_t d, qvrCover* cover)
+void qvrCoverOf(const qvrSuperAxis* s, int whole, int64_t d, qvrCover* cover)
 {
-    const double inv = bounded(axis->inv, 0, kFar);
-    cover->lead = cover->tail = 0;
-    if (blocks) {
-        const int64_t start = floorOf(bounded(sourceOf(axis, axis->first), -kFar, kFar) + 0.5);
-        cover->whole = floorOf(inv);
-        cover->start = start + (d - axis->first) * cover->whole;
+    if (whole) {
+        const int64_t from = d * s->p + s->at;
+        coverOf<int64_t>(from, from + s->p, s->q, s->length, 0, cover);
         return;
     }
-    const double s = bounded(sourceOf(axis, d), -kFar, kFar);
-    cover->start = floorOf(s >= 0 ? s + kCoverStart : s - kCoverStart);
-    cover->lead = 1 - s + static_cast<double>(cover->start);
-    const double rest = inv - cover->lead;
-    cover->whole = rest > 0 ? floorOf(rest) : 0;
-    cover->tail = rest - static_cast<double>(cover->whole);
-    if (cover->lead < kLeastCover)
-        cover->lead = 0;
-    if (cover->tail < kLeastCover)
-        cover->tail = 0;
+    const double from = static_cast<double>(d) * s->inv + s->off;
+    const double start = bounded(from, -s->inv, static_cast<double>(s->length));
+    coverOf<double>(start, start + s->inv, 1, s->length, kLeastCover, cover);
+    // Wider than this, all but the edge pixels is nothing.
+    if (s->inv > kFar) {
+        cover->head *= kFar / s->inv;
+        cover->tail *= kFar / s->inv;
+    }
+}
+
+double qvrCoverSum(const qvrSuperAxis* s)
+{
+    return s->inv > kFar ? kFar : s->inv;
 }
 
 } // extern "C"

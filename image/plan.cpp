@@ -164,7 +164,6 @@ qvrStatus qvrMakeResizePlan(qvriSize srcSize, qvriRect srcRoi, qvriRect dstRoi, 
     plan->xMaxF = x.maxF;
     plan->yMinF = y.minF;
     plan->yMaxF = y.maxF;
-    plan->superArea = method == qvriInterSuper ? xFactor * yFactor : 0;
     plan->method = method;
     plan->flags = interpolation & ~QVR_INTERPOLATION_METHOD;
     return qvrOk;

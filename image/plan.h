@@ -31,18 +31,16 @@ typedef struct {
 
 typedef struct {
     qvrResizeAxis x, y;
-    double superArea;                  // xFactor * yFactor
     double xMinF, xMaxF, yMinF, yMaxF; // the clipped extent of the destination in continuous coordinates
     int32_t method, flags;
 } qvrResizePlan;
 
-// One horizontal band: y holds the rows of the band, wholeY those of the call.
+// One horizontal band: y holds its rows.
 typedef struct {
     const char* src; // pixel 0,0
     char* dst;
     int64_t srcStep, dstStep;
-    qvrResizeAxis x, y, wholeY;
-    double superArea;
+    qvrResizeAxis x, y;
     int32_t method;
     char* buffer;
     int64_t bufferBytes;
@@ -98,14 +96,23 @@ QVR_HIDDEN void qvrLowPassRange(const qvrLowPass* lowPass, int64_t d, qvrLowPass
 QVR_HIDDEN void qvrLowPassWeights(const qvrLowPass* lowPass, const qvrLowPassTaps* taps, int64_t from, int64_t count,
                                   double* weights);
 
-// Supersampling along an axis: position d covers `lead` of pixel `start`, then `whole` pixels, then `tail` of the next.
-// With blocks set the ratio and the start are whole numbers, and every position is a block of `whole` pixels.
+// Supersampling along an axis: position d covers the source from d inv + off to (d + 1) inv + off. Where inv = p / q
+// and off are multiples of 1 / q, all covers are whole numbers of that unit, p for each position; else q is 0.
 typedef struct {
-    int64_t start, whole;
-    double lead, tail;
+    double inv, off;
+    int64_t length, p, q, at; // off = at / q
+} qvrSuperAxis;
+// Pixels first .. first + count - 1 of the image: `head` of the first one and `tail` of the last one, if that is
+// another; the others count whole. What lies outside is added to the edge pixels.
+typedef struct {
+    int64_t first, count;
+    double head, tail;
 } qvrCover;
-QVR_HIDDEN int qvrIsBlockAxis(const qvrResizeAxis* axis);
-QVR_HIDDEN void qvrCoverOf(const qvrResizeAxis* axis, int blocks, int64_t d, qvrCover* cover);
+QVR_HIDDEN void qvrMakeSuper(const qvrResizeAxis* axis, qvrSuperAxis* super);
+// In units of 1 / q if `whole`, else in pixels.
+QVR_HIDDEN void qvrCoverOf(const qvrSuperAxis* super, int whole, int64_t d, qvrCover* cover);
+// What all covers of a position add up to, in pixels.
+QVR_HIDDEN double qvrCoverSum(const qvrSuperAxis* super);
 
 #ifdef __cplusplus
 }

@@ -47,8 +47,6 @@ qvrStatus resize(const void* src, qvriSize srcSize, int srcStep, qvriRect srcRoi
                                  dstStep,
                                  plan.x,
                                  plan.y,
-                                 plan.y,
-                                 plan.superArea,
                                  plan.method,
                                  reinterpret_cast<char*>(buffer),
                                  threadBytes};

@@ -1,15 +1,16 @@
-// Supersampling: every output is the area-weighted sum of the source under it, times superArea.
+// Supersampling: every output is the mean of the source under it, weighted by area.
 //
-// For an output row the source rows are added first, in one line as wide as the source: the leading part of a row,
-// whole rows, the trailing part. The line is then added up in the same way for every output. A part of a pixel below
-// 1e-7 is left out. Each row and column starts from its own position, so nothing is carried from one output to the
-// next.
+// For an output row the source rows are added first, in one line as wide as the source: the covered part of the first
+// row, whole rows, the part of the last. The line is then added up in the same way for every output. A part of a pixel
+// below 1e-7 is left out. Each row and column starts from its own position, so nothing is carried from one output to
+// the next. Pixels outside the image are more of its edge.
 //
-// The outputs of a row go in strips whose columns are worked out once for all rows. Indices outside the image stand for
-// its edge pixel. The line is as long as the buffer allows; an output that needs more is added up in pieces.
+// Bytes at a ratio of small whole numbers are counted in parts of a pixel: sums are whole, in singles below 2^24, and
+// the mean is exact, halves rounded up. Floats are added in double, in groups of eight and those in pairs.
 //
-// Blocks of two by two bytes go straight to their means. Other blocks of bytes whose sums fit 15 bits are added up in
-// words, down and then along; sums that small are exact in single too, so both ways give the same bytes.
+// The outputs of a row go in strips whose columns are worked out once for all rows. The line is as long as the buffer
+// allows; an output that needs more is added up in pieces.
+#include "frame/lookup.h"
 #include "image/halve.h"
 
 namespace {
@@ -17,229 +18,233 @@ namespace {
 // Rows of bytes that 16-bit sums hold.
 constexpr Index kRowsIn16 = 257;
 
-// Outputs of a strip: their columns take 8 KiB of the stack.
-constexpr Index kStrip = 320;
-
-template<class T> struct LineOf {
-    using type = float;
-};
-template<> struct LineOf<double> {
-    using type = double;
-};
+// Outputs of a strip, long enough to read whole pages of a row: their columns take 35 KiB of the stack.
+template<class A> constexpr Index kStrip = 2560 / sizeof(A);
+// Outputs of no more pixels are added up side by side; loads of four pixels may reach past the line.
+constexpr Index kTaps = 8, kPast = 8;
 
 // Columns of a strip, relative to the line's first pixel.
-struct Strip {
+template<class A> struct Strip {
     Index from, to;   // outputs
     Index base, span; // pixels of the line
-    double lead[kStrip], tail[kStrip];
-    int32_t start[kStrip], whole[kStrip];
+    Index taps;       // of the longest output, in fours; 0: more than kTaps
+    int32_t start[kStrip<A>], count[kStrip<A>];
+    double head[kStrip<A>], tail[kStrip<A>];
+    A weight[kTaps][kStrip<A>];
 };
 
-template<class T> struct Super {
-    using A = typename LineOf<T>::type;
+// A: the type of the line and of sums.
+template<class A> struct Super {
     const qvrResizeBand* band;
+    qvrSuperAxis x, y;
     A* line;
     Index room; // pixels in a line
-    int blocks;
-    qvrCover rows; // of the output row at hand
+    int whole;  // covers are counted in parts of a pixel
+    double unitX, unitY;
+    double mean, half; // the output is sum * mean, for bytes + half, cut off
+    bool narrow;       // in singles
+    qvrCover rows;     // of the output row at hand
 };
 
-QVR_INLINE Index wholeAt(const qvrCover& c, int blocks)
-{
-    return c.start + (blocks ? 0 : 1);
-}
-QVR_INLINE Index endOf(const qvrCover& c, int blocks)
-{
-    return wholeAt(c, blocks) + c.whole + (c.tail > 0 ? 1 : 0);
-}
+// Sums of groups of eight, joined in pairs: a sum of n roundings has some log2(n).
+template<class V> struct Pairwise {
+    V level[32], group;
+    uint32_t groups;
+    int top, members;
+    QVR_INLINE void start()
+    {
+        group = V{};
+        groups = 0;
+        top = members = 0;
+    }
+    QVR_INLINE void add(V v)
+    {
+        group += v;
+        if (++members < 8)
+            return;
+        for (uint32_t n = groups++; n & 1; n >>= 1)
+            group = level[--top] + group;
+        level[top++] = group;
+        group = V{};
+        members = 0;
+    }
+    QVR_INLINE V total()
+    {
+        while (top > 0)
+            group = level[--top] + group;
+        return group;
+    }
+};
 
 // ---- Down the columns -----------------------------------------------------------------------------------------------
 
-// The rows of an output row: parts in their order, then whole rows between them.
-struct RowSet {
-    const char *lead, *tail; // null: left out
-    const char* whole;
-    Index step, count;
-    double leadCover, tailCover;
-};
-
-// Bytes: whole rows in 16 bits, parts in single, whose products are off by less than 2^-16.
-template<class V> QVR_INLINE void sumByteBlock(const RowSet& r, Index i, float* line, V)
+// Bytes: whole rows in 16 bits.
+template<class A, class V> QVR_INLINE void sumBytes(const Super<A>& s, const uint8_t* p, Index i, A* line, V)
 {
     constexpr int W = lanes<V>;
-    using F = Vec<float, W>;
-    const auto pixels = [&](const char* row) {
-        return convert<float>(convert<int32_t>(load<Vec<uint8_t, W>>(row + i)));
+    const Index step = s.band->srcStep;
+    const auto part = [&](const uint8_t* row, double cover, V sum) {
+        return fma(convert<A>(convert<int32_t>(load<Vec<uint8_t, W>>(row))), splat<V>(static_cast<A>(cover)), sum);
     };
-    F sum = {};
-    if (r.lead)
-        sum = pixels(r.lead) * static_cast<float>(r.leadCover);
-    const char* p = r.whole + i;
-    for (Index left = r.count; left > 0;) {
+    p += i;
+    V sum = part(p, s.rows.head, V{});
+    p += step;
+    for (Index left = s.rows.count - 2; left > 0;) {
         const Index rows = left < kRowsIn16 ? left : kRowsIn16;
         Vec<uint16_t, W> words = {};
-        for (Index k = 0; k < rows; k++, p += r.step)
+        for (Index k = 0; k < rows; k++, p += step)
             words += convert<uint16_t>(load<Vec<uint8_t, W>>(p));
-        sum += convert<float>(convert<int32_t>(words));
+        sum = fma(convert<A>(convert<int32_t>(words)), splat<V>(static_cast<A>(s.unitY)), sum);
         left -= rows;
     }
-    if (r.tail)
-        sum = fma(pixels(r.tail), splat<F>(static_cast<float>(r.tailCover)), sum);
+    if (s.rows.count > 1)
+        sum = part(p, s.rows.tail, sum);
     store(line + i, sum);
 }
-// Singles and doubles: parts by products in double, rounded to the line's type.
-template<class A, class V> QVR_INLINE void sumBlock(const RowSet& r, Index i, A* line, V)
+template<class T, class V> QVR_INLINE void sumFloats(const Super<double>& s, const T* p, Index i, double* line, V)
 {
-    const auto part = [&](const char* row, double cover) {
-        return convert<double>(load<V>(reinterpret_cast<const A*>(row) + i)) * cover;
+    const auto row = [&](Index k) {
+        const char* const at = reinterpret_cast<const char*>(p + i) + k * s.band->srcStep;
+        return convert<double>(load<Vec<T, lanes<V>>>(at));
     };
-    V sum = {};
-    if (r.lead)
-        sum = convert<A>(part(r.lead, r.leadCover));
-    const A* p = reinterpret_cast<const A*>(r.whole) + i;
-    for (Index k = 0; k < r.count; k++, p = reinterpret_cast<const A*>(reinterpret_cast<const char*>(p) + r.step))
-        sum += load<V>(p);
-    if (r.tail)
-        sum = convert<A>(convert<double>(sum) + part(r.tail, r.tailCover));
+    const Index count = s.rows.count;
+    V sum = row(0) * s.rows.head;
+    if (count > 2 && count <= 9) {
+        V between = row(1);
+        for (Index k = 2; k < count - 1; k++)
+            between += row(k);
+        sum += between;
+    } else if (count > 9) {
+        Pairwise<V> between;
+        between.start();
+        for (Index k = 1; k < count - 1; k++)
+            between.add(row(k));
+        sum += between.total();
+    }
+    if (count > 1)
+        sum += row(count - 1) * s.rows.tail;
     store(line + i, sum);
 }
-template<class T, class A> QVR_INLINE void sumRows(const RowSet& r, A* line, Index n)
+
+// The line for the source pixels from .. from + n - 1.
+template<class T, int NC, class A> void makeLine(const Super<A>& s, Index from, Index n)
 {
-    constexpr int N = sizeof(A) == 4 ? (kAvx2 ? 32 : 16) : 2 * kLanes<A>;
-    const auto block = [&]<class V>(V lanesOf, Index i) {
+    constexpr int N = sizeof(T) == 1 ? 64 : 8;
+    const T* const p = reinterpret_cast<const T*>(sourceRow(s.band, s.rows.first)) + from * NC;
+    const auto block = [&]<class V>(Index at, V v) {
         if constexpr (sizeof(T) == 1)
-            sumByteBlock(r, i, line, lanesOf);
+            sumBytes(s, p, at, s.line, v);
         else
-            sumBlock(r, i, line, lanesOf);
+            sumFloats(s, p, at, s.line, v);
     };
     Index i = 0;
-    for (; i + N <= n; i += N)
-        block(Vec<A, N>{}, i);
-    for (; i + 8 <= n; i += 8)
-        block(Vec<A, 8>{}, i);
-    for (; i < n; i++)
-        block(Vec<A, 1>{}, i);
-}
-
-// line[i] += src[i] * times: rows outside the image, which are its edge rows so many times.
-template<class T, class A> void addOutside(const T* src, Index times, A* line, Index n)
-{
-    for (Index i = 0; i < n; i++) {
-        const auto pixel = convert<double>(load<Vec<T, 1>>(src + i)) * static_cast<double>(times);
-        store(line + i, convert<A>(convert<double>(load<Vec<A, 1>>(line + i)) + pixel));
-    }
-}
-
-// The vertical sums of the elements offset .. offset + n - 1 of a row.
-template<class T> void sumColumns(const Super<T>& s, Index offset, typename Super<T>::A* line, Index n)
-{
-    const Index height = s.band->y.length;
-    const qvrCover& c = s.rows;
-    const auto row = [&](Index y) {
-        return sourceRow(s.band, clampIndex(y, height)) + offset * static_cast<Index>(sizeof(T));
-    };
-    const Index first = wholeAt(c, s.blocks), end = first + c.whole;
-    const Index from = first < 0 ? (end < 0 ? end : 0) : first, to = end < height ? end : height;
-    const RowSet r = {c.lead > 0 ? row(c.start) : nullptr,
-                      c.tail > 0 ? row(end) : nullptr,
-                      row(from),
-                      s.band->srcStep,
-                      to > from ? to - from : 0,
-                      c.lead,
-                      c.tail};
-    sumRows<T>(r, line, n);
-    const Index before = from - first, behind = c.whole - before - r.count;
-    if (before > 0)
-        addOutside(reinterpret_cast<const T*>(row(0)), before, line, n);
-    if (behind > 0)
-        addOutside(reinterpret_cast<const T*>(row(height)), behind, line, n);
-}
-
-// The line for the source pixels from .. from + n - 1, of which those outside the image repeat its edge.
-template<class T, int NC> void makeLine(const Super<T>& s, Index from, Index n)
-{
-    const Index length = s.band->x.length;
-    const Index low = clampIndex(from, length), end = from + n < length ? from + n : length;
-    const Index high = end > low ? end : low + 1;
-    Index at = low - from;
-    if (at < 0 || at >= n)
-        at = at < 0 ? 0 : n - 1;
-    sumColumns(s, low * NC, s.line + at * NC, (high - low) * NC);
-    for (Index i = 0; i < at * NC; i++)
-        s.line[i] = s.line[at * NC + i % NC];
-    const Index done = at + high - low;
-    for (Index i = done * NC; i < n * NC; i++)
-        s.line[i] = s.line[(done - 1) * NC + i % NC];
+    for (; i + N <= n * NC; i += N)
+        block(i, Vec<A, N>{});
+    for (; i + 4 <= n * NC; i += 4)
+        block(i, Vec<A, 4>{});
+    for (; i < n * NC; i++)
+        block(i, Vec<A, 1>{});
+    for (Index k = 0; k < kPast; k++)
+        s.line[i + k] = 0;
 }
 
 // ---- Along the line -------------------------------------------------------------------------------------------------
 
-// sum + pixel * cover; of singles by double products, but for bytes, where singles are near enough.
-template<class T, class V> QVR_INLINE V addPart(V sum, V pixel, double cover)
+template<class T, class A, class V> QVR_INLINE void putOutput(const Super<A>& s, T* dst, V sum)
 {
-    if constexpr (sizeof(T) == 1)
-        return fma(pixel, splat<V>(static_cast<float>(cover)), sum);
+    const auto put = [&]<class P>(P v) {
+        const P mean = splat<P>(static_cast<Elem<P>>(s.mean)), half = splat<P>(static_cast<Elem<P>>(s.half));
+        store(dst, packBytes(toIntTruncate(fma(v, mean, half))));
+    };
+    if constexpr (sizeof(T) != 1)
+        store(dst, convert<T>(sum * s.mean));
+    else if (sizeof(A) == 4 && s.narrow)
+        put(sum);
     else
-        return convert<Elem<V>>(convert<double>(sum) + convert<double>(pixel) * cover);
+        put(convert<double>(sum));
 }
 
-template<class T, class P> QVR_INLINE void putOutput(T* dst, P sum, double area)
+// An output longer than the line, or one of many pixels, which are then at `line`.
+template<class T, int NC, class A>
+void longOutput(const Super<A>& s, const qvrCover& c, Index room, const A* line, T* dst)
 {
-    const auto product = convert<double>(sum) * area;
-    if constexpr (sizeof(T) == 1)
-        store(dst, packBytes(toIntTruncate(product + 0.5)));
-    else
-        store(dst, convert<Elem<P>>(product));
-}
-
-// An output longer than the line.
-template<class T, int NC> void longOutput(const Super<T>& s, const qvrCover& c, T* dst)
-{
-    using P = Vec<typename Super<T>::A, NC>;
-    const Index first = wholeAt(c, s.blocks), tailAt = first + c.whole, end = endOf(c, s.blocks);
-    P sum = {};
-    for (Index from = c.start; from < end; from += s.room) {
-        const Index to = end - from < s.room ? end : from + s.room;
-        makeLine<T, NC>(s, from, to - from);
-        for (Index j = from; j < to; j++) {
-            const P pixel = load<P>(s.line + (j - from) * NC);
-            if (j >= first && j < tailAt)
-                sum += pixel;
-            else
-                sum = addPart<T>(sum, pixel, j < first ? c.lead : c.tail);
-        }
-    }
-    putOutput(dst, sum, s.band->superArea);
-}
-
-// Sums first, then the product with the area for whole vectors of them.
-template<class T, int NC> void stripOutputs(const Super<T>& s, const Strip& strip, T* dst)
-{
-    using A = typename Super<T>::A;
     using P = Vec<A, NC>;
-    constexpr int N = 16;
-    A sums[kStrip * NC];
-    const Index outputs = strip.to - strip.from, n = outputs * NC;
-    for (Index x = 0; x < outputs; x++) {
-        const A* p = s.line + Index{strip.start[x]} * NC;
-        P sum = {};
-        if (!s.blocks) {
-            if (strip.lead[x] > 0)
-                sum = addPart<T>(sum, load<P>(p), strip.lead[x]);
-            p += NC;
+    Pairwise<P> between;
+    between.start();
+    P sum = {};
+    for (Index from = 0; from < c.count; from += room) {
+        const Index to = c.count - from < room ? c.count : from + room;
+        if (line == nullptr)
+            makeLine<T, NC>(s, c.first + from, to - from);
+        const A* p = line == nullptr ? s.line : line;
+        for (Index j = from; j < to; j++, p += NC) {
+            const P pixel = load<P>(p);
+            if (j == 0)
+                sum = pixel * static_cast<A>(c.head);
+            else if (j == c.count - 1)
+                sum = fma(pixel, splat<P>(static_cast<A>(c.tail)), sum + between.total() * static_cast<A>(s.unitX));
+            else
+                between.add(pixel);
         }
-        for (int j = strip.whole[x]; j > 0; j--, p += NC)
-            sum += load<P>(p);
-        if (strip.tail[x] > 0)
-            sum = addPart<T>(sum, load<P>(p), strip.tail[x]);
-        store(sums + x * NC, sum);
     }
-    const double area = s.band->superArea;
-    Index i = 0;
-    for (; i + N <= n; i += N)
-        putOutput(dst + i, load<Vec<A, N>>(sums + i), area);
-    for (; i < n; i++)
-        putOutput(dst + i, load<Vec<A, 1>>(sums + i), area);
+    putOutput(s, dst, sum);
+}
+
+// Neighbouring outputs of one channel.
+template<int N, class A> QVR_INLINE Vec<A, N> sumTaps(const Super<A>& s, const Strip<A>& strip, Index x)
+{
+    using V = Vec<A, N>;
+    V sum = {};
+    for (Index k = 0; k < strip.taps; k += 4) {
+        V t[4];
+        if constexpr (N == 1) {
+            for (int i = 0; i < 4; i++)
+                t[i] = load<V>(s.line + strip.start[x] + k + i);
+        } else if constexpr (sizeof(A) == 4) {
+            fourColumns([&](int i) { return s.line + strip.start[x + i] + k; }, t);
+        } else {
+            pairColumns([&](int i) { return s.line + strip.start[x + i] + k; }, t[0], t[1]);
+            pairColumns([&](int i) { return s.line + strip.start[x + i] + k + 2; }, t[2], t[3]);
+        }
+        for (int i = 0; i < 4; i++)
+            sum = fma(t[i], load<V>(strip.weight[k + i] + x), sum);
+    }
+    return sum;
+}
+
+template<class T, int NC, class A> void stripOutputs(const Super<A>& s, const Strip<A>& strip, T* dst)
+{
+    const Index outputs = strip.to - strip.from;
+    Index x = 0;
+    if constexpr (sizeof(T) == 1 && NC == 1) {
+        if (strip.taps > 0) {
+            constexpr int N = kLanes<A>;
+            for (; x + 4 * N <= outputs; x += 4 * N) {
+                const auto low = concat(sumTaps<N>(s, strip, x), sumTaps<N>(s, strip, x + N));
+                const auto high = concat(sumTaps<N>(s, strip, x + 2 * N), sumTaps<N>(s, strip, x + 3 * N));
+                putOutput(s, dst + x, concat(low, high));
+            }
+            for (; x < outputs; x++)
+                putOutput(s, dst + x, sumTaps<1>(s, strip, x));
+        }
+    }
+    for (; x < outputs; x++) {
+        using P = Vec<A, NC>;
+        const A* const p = s.line + Index{strip.start[x]} * NC;
+        const Index last = strip.count[x] - 1;
+        if (sizeof(T) != 1 && last > 8) {
+            const qvrCover c = {0, strip.count[x], strip.head[x], strip.tail[x]};
+            longOutput<T, NC>(s, c, c.count, p, dst + x * NC);
+            continue;
+        }
+        P sum = load<P>(p) * static_cast<A>(strip.head[x]), between = {};
+        for (Index j = 1; j < last; j++)
+            between += load<P>(p + j * NC);
+        if (last > 0)
+            sum = fma(load<P>(p + last * NC), splat<P>(static_cast<A>(strip.tail[x])),
+                      sum + between * static_cast<A>(s.unitX));
+        putOutput(s, dst + x * NC, sum);
+    }
 }
 
 // ---- Small blocks of bytes ------------------------------------------------------------------------------------------
@@ -312,106 +317,102 @@ template<int NC> QVR_INLINE void addAlong(uint16_t* words, Index width, Index ou
     }
 }
 
-// The outputs of a row of whole blocks; 0 if they are not small or reach over the image.
-template<int NC> QVR_INLINE int smallBlocks(const Super<uint8_t>& s, const Strip& strip, uint8_t* dst)
+// The outputs of a row of whole blocks; false if they are not small.
+template<int NC, class A> QVR_INLINE bool smallBlocks(const Super<A>& s, const Strip<A>& strip, uint8_t* dst)
 {
-    Index width = strip.whole[0];
-    const Index rows = s.rows.whole, outputs = strip.to - strip.from, n = outputs * NC, pixels = width * rows;
-    if (!s.blocks || width < 1 || rows < 1 || pixels > kBlockPixels || s.rows.start < 0 ||
-        s.rows.start + rows > s.band->y.length || strip.base < 0 || strip.base + strip.span > s.band->x.length)
-        return 0;
+    Index width = s.x.p;
+    const Index rows = s.y.p, outputs = strip.to - strip.from, n = outputs * NC, pixels = width * rows;
+    if (s.whole == 0 || s.x.q != 1 || s.y.q != 1 || pixels > kBlockPixels || s.rows.count != rows ||
+        strip.span != outputs * width || s.rows.head != 1 || strip.head[0] != 1 || strip.tail[outputs - 1] > 1)
+        return false;
     uint16_t* const words = reinterpret_cast<uint16_t*>(s.line);
-    addDown(sourceRow(s.band, s.rows.start) + strip.base * NC, s.band->srcStep, rows, words, strip.span * NC);
+    addDown(sourceRow(s.band, s.rows.first) + strip.base * NC, s.band->srcStep, rows, words, strip.span * NC);
     for (; width % 2 == 0; width /= 2)
         addPairs<NC>(words, outputs * width / 2);
     if (width > 1)
         addAlong<NC>(words, width, outputs);
-
-    const double area = s.band->superArea;
     constexpr int N = 32;
-    Index i = 0;
-    if ((pixels & (pixels - 1)) == 0 && area * static_cast<double>(pixels) == 1) {
+    const auto each = [&](const auto& put) {
+        Index i = 0;
+        for (; i + N <= n; i += N)
+            put(i, load<Vec<uint16_t, N>>(words + i));
+        for (; i < n; i++)
+            put(i, load<Vec<uint16_t, 1>>(words + i));
+    };
+    if ((pixels & (pixels - 1)) == 0) {
         const auto half = static_cast<uint16_t>(pixels / 2);
         const auto shift = static_cast<uint16_t>(__builtin_ctzll(static_cast<unsigned long long>(pixels)));
-        for (; i + N <= n; i += N)
-            store(dst + i, convert<uint8_t>((load<Vec<uint16_t, N>>(words + i) + half) >> shift));
-        for (; i < n; i++)
-            dst[i] = static_cast<uint8_t>((words[i] + half) >> shift);
-        return 1;
+        each([&](Index i, auto w) { store(dst + i, convert<uint8_t>((w + half) >> shift)); });
+    } else {
+        each([&](Index i, auto w) { putOutput(s, dst + i, convert<A>(convert<int32_t>(w))); });
     }
-    for (; i + N <= n; i += N)
-        putOutput(dst + i, convert<float>(convert<int32_t>(load<Vec<uint16_t, N>>(words + i))), area);
-    for (; i < n; i++)
-        putOutput(dst + i, convert<float>(convert<int32_t>(load<Vec<uint16_t, 1>>(words + i))), area);
-    return 1;
+    return true;
 }
 
 // The strip from output `from` on, as far as columns and line reach; empty if not even one output fits.
-template<class T> void makeStrip(const Super<T>& s, Index from, Strip& strip)
+template<class T, int NC, class A> void makeStrip(const Super<A>& s, Index from, Strip<A>& strip)
 {
     const qvrResizeBand* const b = s.band;
     strip.from = strip.to = from;
-    for (; strip.to < b->x.count && strip.to - from < kStrip; strip.to++) {
+    Index most = 0;
+    for (; strip.to < b->x.count && strip.to - from < kStrip<A>; strip.to++) {
         qvrCover c;
-        qvrCoverOf(&b->x, s.blocks, b->x.first + strip.to, &c);
+        qvrCoverOf(&s.x, s.whole, b->x.first + strip.to, &c);
         if (strip.to == from)
-            strip.base = c.start;
-        const Index span = endOf(c, s.blocks) - strip.base, x = strip.to - from;
+            strip.base = c.first;
+        const Index span = c.first + c.count - strip.base, x = strip.to - from;
         if (span > s.room)
             break;
         strip.span = span;
-        strip.start[x] = static_cast<int32_t>(c.start - strip.base);
-        strip.whole[x] = static_cast<int32_t>(c.whole);
-        strip.lead[x] = c.lead;
+        strip.start[x] = static_cast<int32_t>(c.first - strip.base);
+        strip.count[x] = static_cast<int32_t>(c.count);
+        strip.head[x] = c.head;
         strip.tail[x] = c.tail;
+        most = c.count > most ? c.count : most;
     }
+    strip.taps = sizeof(T) == 1 && NC == 1 && s.x.inv <= kTaps - 1 ? qvrAlignUp(most, Index{4}) : 0;
+    for (Index x = 0; x < strip.to - from; x++)
+        for (Index k = 0; k < strip.taps; k++) {
+            const Index last = strip.count[x] - 1;
+            const double w = k == 0 ? strip.head[x] : k < last ? s.unitX : k == last ? strip.tail[x] : 0;
+            strip.weight[k][x] = static_cast<A>(w);
+        }
 }
 
-// The whole band, where it is made of blocks of two by two inside the image; 0 if not.
-template<int NC> int halveBand(const Super<uint8_t>& s)
+// The whole band, where it is made of blocks of two by two inside the image; false if not.
+template<int NC, class A> bool halveBand(const Super<A>& s)
 {
     const qvrResizeBand* const b = s.band;
-    if (!s.blocks || b->superArea != 0.25)
-        return 0;
-    qvrCover column, row;
-    qvrCoverOf(&b->x, 1, b->x.first, &column);
-    qvrCoverOf(&b->wholeY, 1, b->y.first, &row);
-    if (column.whole != 2 || row.whole != 2 || column.start < 0 || row.start < 0 ||
-        column.start + 2 * b->x.count > b->x.length || row.start + 2 * b->y.count > b->y.length)
-        return 0;
+    const Index left = 2 * b->x.first + s.x.at, top = 2 * b->y.first + s.y.at;
+    if (s.x.q != 1 || s.y.q != 1 || s.x.p != 2 || s.y.p != 2 || left < 0 || top < 0 ||
+        left + 2 * b->x.count > b->x.length || top + 2 * b->y.count > b->y.length)
+        return false;
     for (Index n = 0; n < b->y.count; n++) {
-        const uint8_t* const upper =
-            reinterpret_cast<const uint8_t*>(sourceRow(b, row.start + 2 * n)) + column.start * NC;
+        const uint8_t* const upper = reinterpret_cast<const uint8_t*>(sourceRow(b, top + 2 * n)) + left * NC;
         halveRow<NC>(upper, upper + b->srcStep, reinterpret_cast<uint8_t*>(outputRow(b, n, NC)), b->x.count * NC);
     }
-    return 1;
+    return true;
 }
 
-template<class T, int NC> void superBand(const qvrResizeBand* b)
+template<class T, int NC, class A> void superBand(Super<A>& s)
 {
-    using A = typename Super<T>::A;
+    const qvrResizeBand* const b = s.band;
     Carver carver = bufferOf(b);
-    Super<T> s = {};
-    s.band = b;
     s.line = carver.take<A>(0, 16);
-    s.room = (carver.end - carver.at) / static_cast<Index>(sizeof(A)) / NC;
-    s.blocks = qvrIsBlockAxis(&b->x) && qvrIsBlockAxis(&b->wholeY);
-    if constexpr (sizeof(T) == 1 && kCanHalve<NC>)
-        if (halveBand<NC>(s))
-            return;
+    s.room = ((carver.end - carver.at) / static_cast<Index>(sizeof(A)) - kPast) / NC;
     const Index width = b->x.count;
     const auto output = [&](Index n, Index x) {
-        qvrCoverOf(&b->wholeY, s.blocks, b->y.first + n, &s.rows);
+        qvrCoverOf(&s.y, s.whole, b->y.first + n, &s.rows);
         return reinterpret_cast<T*>(outputRow(b, n, NC * static_cast<Index>(sizeof(T)))) + x * NC;
     };
-    Strip strip;
+    Strip<A> strip;
     for (Index x = 0; x < width; x = strip.to) {
-        makeStrip(s, x, strip);
+        makeStrip<T, NC>(s, x, strip);
         if (strip.to == x) {
             qvrCover c;
-            qvrCoverOf(&b->x, s.blocks, b->x.first + x, &c);
+            qvrCoverOf(&s.x, s.whole, b->x.first + x, &c);
             for (Index n = 0; n < b->y.count; n++)
-                longOutput<T, NC>(s, c, output(n, x));
+                longOutput<T, NC>(s, c, s.room, static_cast<const A*>(nullptr), output(n, x));
             strip.to++;
         } else {
             for (Index n = 0; n < b->y.count; n++) {
@@ -426,16 +427,48 @@ template<class T, int NC> void superBand(const qvrResizeBand* b)
     }
 }
 
+template<class T, int NC> void super(const qvrResizeBand* b)
+{
+    Super<double> s = {};
+    s.band = b;
+    qvrMakeSuper(&b->x, &s.x);
+    qvrMakeSuper(&b->y, &s.y);
+    s.unitX = s.unitY = 1;
+    s.half = 0.5;
+    s.mean = 1 / (qvrCoverSum(&s.x) * qvrCoverSum(&s.y));
+    if constexpr (sizeof(T) == 1) {
+        if constexpr (kCanHalve<NC>)
+            if (halveBand<NC>(s))
+                return;
+        // Sums are at most 255 times the parts of an output. sum / parts + 1/2 is a multiple of 1 / (2 parts): with
+        // half of that more, no rounding takes it to the other side of a whole number.
+        const double parts = static_cast<double>(s.x.p) * static_cast<double>(s.y.p);
+        if (parts > 0 && parts < 0x1p44) {
+            s.whole = 1;
+            s.unitX = static_cast<double>(s.x.q);
+            s.unitY = static_cast<double>(s.y.q);
+            s.mean = 1 / parts;
+            s.half = 0.5 + 0.25 / parts;
+            if (parts * 255 < 0x1p24) {
+                // In single the error is below 4e-5.
+                Super<float> f = {b, s.x, s.y, nullptr, 0, 1, s.unitX, s.unitY, s.mean, s.half, parts <= 4096, {}};
+                return superBand<T, NC>(f);
+            }
+        }
+    }
+    superBand<T, NC>(s);
+}
+
 } // namespace
 
 extern "C" void SLOT(ownResizeSuper)(const qvrResizeBand* band, int pixel)
 {
     if (pixel == qvrPixel_8u_C1)
-        superBand<uint8_t, 1>(band);
+        super<uint8_t, 1>(band);
     else if (pixel == qvrPixel_8u_C4)
-        superBand<uint8_t, 4>(band);
+        super<uint8_t, 4>(band);
     else if (pixel == qvrPixel_32f_C1)
-        superBand<float, 1>(band);
+        super<float, 1>(band);
     else
-        superBand<double, 1>(band);
+        super<double, 1>(band);
 }

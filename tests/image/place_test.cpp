@@ -128,8 +128,7 @@ TEST(ResizePlace, SlotsAgreeOnBytes)
             });
         };
         for (const Pieces& p : kPieces)
-            if (p.method != qvriInterSuper)
-                compare(p.method, p.fx, p.fy);
+            compare(p.method, p.fx, p.fy);
         for (int method : {qvriInterNearest, qvriInterLinear})
             for (double f : {0.3, 0.75, 1.6})
                 compare(method, f, f);
@@ -141,6 +140,113 @@ TEST(ResizePlace, SlotsAgreeOnBytes)
     for (size_t i = 0; i < ramp.values.size(); i++)
         ramp.values[i] = uint8_t(i % 421 * 255 / 421 + i / 421 % 3);
     check(ramp);
+}
+
+// ---- Means against whole numbers -----------------------------------------------------------------------------------
+
+// What position d of an axis of ratio p / q covers of every pixel, in parts of 1 / q; the edge pixels go on outside.
+std::vector<int64_t> covers(int length, int64_t p, int64_t q, int64_t at, int d)
+{
+    std::vector<int64_t> w(static_cast<size_t>(length));
+    for (int64_t part = d * p + at; part < (d + 1) * p + at; part++)
+        w[size_t(std::clamp<int64_t>(part >= 0 ? part / q : -1, 0, length - 1))]++;
+    return w;
+}
+template<int NC> void checkMeans(const Source<uint8_t, NC>& s, int px, int qx, int py, int qy, int at)
+{
+    const int dw = int(int64_t{s.w} * qx / px), dh = int(int64_t{s.h} * qy / py);
+    if (dw == 0 || dh == 0)
+        return;
+    const double fx = double(qx) / px, fy = double(qy) / py, xShift = -double(at) / qx * fx;
+    slots::each(tableOf<uint8_t, NC>(), [&](auto resize, int) {
+        std::vector<uint8_t> got(size_t(dw) * dh * NC);
+        resizeInto(resize, s, {0, 0, s.w, s.h}, got, dw, {0, 0, dw, dh}, fx, fy, xShift, 0, qvriInterSuper);
+        const int last = int(std::trunc((s.w * fx + xShift) + 0.5000000001));
+        int wrong = 0;
+        for (int y = 0; y < dh; y++)
+            for (int x = 0; x < std::min(dw, last); x++)
+                for (int c = 0; c < NC; c++) {
+                    const auto wx = covers(s.w, px, qx, at, x), wy = covers(s.h, py, qy, 0, y);
+                    int64_t sum = 0;
+                    for (int v = 0; v < s.h; v++)
+                        for (int u = 0; wy[size_t(v)] > 0 && u < s.w; u++)
+                            sum += wx[size_t(u)] * wy[size_t(v)] * s.values[size_t(s.elementAt(u, v)) + c];
+                    const int64_t parts = int64_t{px} * py;
+                    wrong += got[(size_t(y) * dw + x) * NC + c] != (2 * sum + parts) / (2 * parts);
+                }
+        EXPECT_EQ(wrong, 0) << px << "/" << qx << " by " << py << "/" << qy << " from " << at;
+    });
+}
+
+TEST(ResizePlace, MeansOfBytesAreExact)
+{
+    const int ratios[][4] = {{4, 3, 4, 3}, {3, 2, 5, 4},   {64, 25, 720, 281},   {125, 47, 8, 5}, {37, 4, 3, 1},
+                             {1, 1, 7, 1}, {61, 1, 59, 1}, {499, 257, 383, 211}, {9, 8, 17, 16}};
+    for (const auto& r : ratios)
+        for (int at : {0, 1, 3}) {
+            checkMeans(Source<uint8_t, 1>{128, 73}, r[0], r[1], r[2], r[3], at);
+            checkMeans(Source<uint8_t, 4>{70, 41}, r[0], r[1], r[2], r[3], at);
+        }
+    // Many halves.
+    Source<uint8_t, 1> steps = {128, 73};
+    for (size_t i = 0; i < steps.values.size(); i++)
+        steps.values[i] = uint8_t(i % 128 / 2 * 2 + i / 128 % 2);
+    for (const auto& r : ratios)
+        checkMeans(steps, r[0], r[1], r[2], r[3], 0);
+}
+
+// A constant stays that constant at every size, a large one of floats to 4 units in the last place.
+TEST(ResizePlace, MeansOfConstants)
+{
+    for (double f : {0.75, 0.3, 0.123456789, 0.9999, 1.0 / 7, 0.0101, 1.0})
+        for (int value : {1, 100, 127, 255}) {
+            const Source<uint8_t, 1> s = {210, 130, std::vector<uint8_t>(210 * 130, uint8_t(value))};
+            const int dw = int(210 * f + 0.5), dh = int(130 * f + 0.5);
+            slots::each(tableOf<uint8_t, 1>(), [&](auto resize, int) {
+                std::vector<uint8_t> got(size_t(dw) * dh);
+                resizeInto(resize, s, {0, 0, 210, 130}, got, dw, {0, 0, dw, dh}, f, f, 0.17, 0.29, qvriInterSuper);
+                EXPECT_EQ(std::count(got.begin(), got.end(), value), dw * dh) << value << " " << f;
+            });
+        }
+    const auto large = [&]<class T>(T value, int size) {
+        const Source<T, 1> s = {size, size, std::vector<T>(size_t(size) * size, value)};
+        slots::each(tableOf<T, 1>(), [&](auto resize, int slot) {
+            if (slot != slots::mx && slot != slots::l9)
+                return;
+            std::vector<T> got(1);
+            resizeInto(resize, s, {0, 0, size, size}, got, 1, {0, 0, 1, 1}, 1.0 / size, 1.0 / size, 0, 0,
+                       qvriInterSuper);
+            const double unit = std::nextafter(value, T(1e9)) - value;
+            EXPECT_LE(std::abs(double(got[0]) - double(value)), 4 * unit) << value << " " << size;
+        });
+    };
+    for (float value : {100.0f, 0.1f, 12345.678f}) {
+        large(value, 1000);
+        large(value, 3000);
+        large(double(value) / 3, 3000);
+    }
+}
+
+// Most of the covered source is outside: what is left of the centre is the left edge, and so on.
+TEST(ResizePlace, MeansOfExtremeFactors)
+{
+    const auto check = [&]<class T, int NC>(Source<T, NC> s) {
+        const double left = double(s.values[size_t(s.elementAt(0, 0))]);
+        for (double f : {1e-9, 1e-12, 1e-17, 1e-100, 1e-300, 1e-308})
+            slots::each(tableOf<T, NC>(), [&](auto resize, int) {
+                std::vector<T> got(NC);
+                resizeInto(resize, s, {0, 0, s.w, s.h}, got, 1, {0, 0, 1, 1}, f, f, 0.5, 0.5, qvriInterSuper);
+                const double corners = (left + double(s.values[size_t(s.elementAt(s.w - 1, 0))]) +
+                                        double(s.values[size_t(s.elementAt(0, s.h - 1))]) +
+                                        double(s.values[size_t(s.elementAt(s.w - 1, s.h - 1))])) /
+                                       4;
+                EXPECT_NEAR(double(got[0]), corners, sizeof(T) == 1 ? 0.51 : 1e-4) << "factor " << f;
+            });
+    };
+    check(Source<uint8_t, 1>{64, 48});
+    check(Source<uint8_t, 4>{64, 48});
+    check(Source<float, 1>{64, 48});
+    check(Source<double, 1>{64, 48});
 }
 
 // ---- Low-pass sums against long doubles -----------------------------------------------------------------------------
