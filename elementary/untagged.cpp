@@ -27,13 +27,6 @@ template<class Op> QVR_INLINE void eachBlock(const float* src, float* dst, Index
     }
 }
 
-// v of numbers that are not negative: whether a lane is above the limit, or a NaN. A comparison of floats would raise
-// the invalid flag for a NaN.
-template<class V> QVR_INLINE Mask<V> isAbove(V v, float limit)
-{
-    return bitcast<Mask<V>>(v) > __builtin_bit_cast(int32_t, limit);
-}
-
 // Every lane by a scalar function, where a block has something special.
 template<class V, class F> V byLanes(V x, F f)
 {
@@ -96,6 +89,9 @@ template<class V> QVR_INLINE V unitQuotient(V a)
     const Mask<V> x = bitcast<Mask<V>>(a), one = bitcast<Mask<V>>(splat<V>(1));
     if constexpr (kAvx2 || (kSse41 && !kAvx)) {
         return bitcast<V>(min(x, one)) / bitcast<V>(max(x, one));
+    } else if constexpr (kAvx) {
+        const Mask<V> wide = isAbove(a, 1);
+        return (wide ? splat<V>(1) : a) / (wide ? a : splat<V>(1));
     } else {
         const Mask<V> exchange = (x ^ one) & isAbove(a, 1);
         return bitcast<V>(x ^ exchange) / bitcast<V>(one ^ exchange);
@@ -111,7 +107,7 @@ template<bool kNearest, class V> QVR_INLINE V plainArcTangent(V x)
     return oddZero<kNearest>(x, withSign(isAbove(a, 1) ? folded : p, signOf(x)));
 }
 
-template<bool kNearest> __attribute__((noinline)) void arcTangents(const float* src, float* dst, Index n)
+template<bool kNearest> QVR_INLINE void arcTangents(const float* src, float* dst, Index n)
 {
     eachBlock(src, dst, n, [](auto x) { return plainArcTangent<kNearest>(x); });
 }

@@ -244,6 +244,18 @@ QVR_INLINE bool isZero(float x)
     return isZero(Vec<float, 1>{x})[0] != 0;
 }
 
+// Of floats that are not negative: whether a lane is above the limit, or a NaN. The usual comparison of floats would
+// raise the invalid flag for a NaN; the bits are ordered as the numbers.
+template<class V> QVR_INLINE Mask<V> isAbove(V v, float limit)
+{
+    if constexpr (kAvx && !kAvx2 && sizeof(V) == 32)
+        return bitcast<Mask<V>>(_mm256_cmp_ps(bitcast<__m256>(v), _mm256_set1_ps(limit), _CMP_NLE_UQ));
+    else if constexpr (kAvx && !kAvx2 && sizeof(V) > 32)
+        return concat(isAbove(lo(v), limit), isAbove(hi(v), limit));
+    else
+        return bitcast<Mask<V>>(v) > __builtin_bit_cast(int32_t, limit);
+}
+
 // Two floats twice, any other vector as it is. Instructions work on whole registers: what is in unused lanes could
 // raise exceptions that no element raises. What is computed of it is made opaque before its lanes are taken.
 template<class V> QVR_INLINE auto wholeRegister(V v)
