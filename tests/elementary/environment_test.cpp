@@ -8,6 +8,8 @@
 #include "support/elementwise.h"
 #include "support/environment.h"
 
+extern "C" void pendingDivision(uint16_t* control, void (*call)(void*), void* argument);
+
 namespace {
 
 using Invoke = std::function<void(const float*, float*, int)>;
@@ -95,6 +97,29 @@ TEST(ElementaryEnvironment, UnmaskedX87)
         __asm__ volatile("fnclex\n fldcw %0" : : "m"(open));
         run(kProvoking, y, 12);
         __asm__ volatile("fnclex\n fldcw %0" : : "m"(usual));
+    });
+}
+
+// An exception of the caller that waits to be delivered is not delivered in the middle of a call.
+TEST(ElementaryEnvironment, PendingX87)
+{
+    eachCall([&](const Invoke& run) {
+        struct Job {
+            const Invoke* run;
+            float y[12];
+        } job{&run, {}};
+        uint16_t control;
+        pendingDivision(
+            &control,
+            [](void* argument) {
+                Job& j = *static_cast<Job*>(argument);
+                (*j.run)(kProvoking, j.y, 12);
+            },
+            &job);
+        EXPECT_EQ(control, 0x37B);
+        float y[12];
+        run(kProvoking, y, 12);
+        EXPECT_EQ(memcmp(job.y, y, sizeof y), 0);
     });
 }
 
