@@ -9,7 +9,9 @@
  *
  * - Result. A qvrStatus: 0 is success, a negative value an error, a positive value a warning. After an error no
  *   output element has been written; the two column movers are exceptions, and say so. After a warning all of them
- *   have, some with a substitute value that the warning announces.
+ *   have, some with a substitute value that the warning announces. Where success or a warning comes with nothing written
+ *   (empty image regions, resize without memory, unknown filter types and a few more), the function says so, and the page
+ *   on statuses lists all cases.
  * - Order of checks. Pointers first (qvrErrNullPointer), then the tag of a state object (qvrErrBadContext), then
  *   lengths (qvrErrBadSize below 1; an empty array is an error), then the other arguments in the order a function
  *   states. A function that departs from this says so.
@@ -105,7 +107,7 @@ enum {
     qvrWarnRoiOutside = 29,           /**< the source rectangle lies outside the image; output unchanged */
     qvrWarnNoProcessorId = 36,        /**< identification is not available */
     qvrWarnCacheUnknown = 37,         /**< the cache size could not be determined */
-    qvrWarnNoAntialiasing = 46        /**< the antialiasing flag was ignored */
+    qvrWarnNoAntialiasing = 46        /**< the antialiasing flag was ignored; Morven_qvriResize_* write nothing then */
 };
 
 typedef uint8_t qvr8u;   /**< unsigned 8-bit element */
