@@ -1541,21 +1541,27 @@ qvrStatus Morven_qvrsSampleDown_16s(const qvr16s* src, int srcLen, qvr16s* dst, 
  * - qvriInterLanczos: sinc(t) sinc(t / 3), six taps on each axis, from a table of hundredths with linear interpolation
  *   between entries. The weights are not normalised.
  * - qvriInterSuper: every output is the area-weighted mean of the source under it. Factors up to 1 only. Parts of a
- * pixel below 1e-7 are left out.
+ * pixel below 1e-7 are left out. Of bytes, where 1 / factor is a ratio p / q and shift / factor a multiple of 1 / q with
+ * q up to 512 on both axes, it is the exact mean, halves rounded up; else it is formed in double. A constant stays
+ * that constant.
  *
  * A source image below 6 pixels in either direction turns Lanczos into qvriInterCubic; one below 4 turns the cubics
  * into linear. Sums of 8-bit images are rounded to nearest, half up, and clamped to 0..255. Sums of 8-bit and 32-bit
- * images run in single, those of 64-bit images in double; a NaN passes through all sums. Singles may differ by a
- * rounding between processors with and without fused multiply-add.
+ * images run in single, those of 64-bit images in double; means, and with qvriAntialias sums along rows, in double
+ * throughout. A NaN passes through all sums. Bytes are the same on all processors but for the cubics and Lanczos without
+ * qvriAntialias, where a byte may differ by one with fused multiply-add; singles and doubles may differ by a rounding
+ * there. With qvriAntialias and with qvriInterSuper an output is the same bit for bit wherever it stands: tiles of
+ * `dstRoi` make the same image as one call.
  *
  * @section resize-flags Flags
  * At most one of:
  * - qvriEdgeBlend: a border pixel that the region covers by the fraction a becomes old + a * (inner - old), with `old`
  * what the destination holds and `inner` the nearest produced pixel; a corner by the product of its two fractions.
  * - qvriEdgeFade: the same with a * inner.
- *   Both write one pixel round what is produced, also outside `dstRoi`.
+ *   Both write one pixel round what is produced, also outside `dstRoi`. A fraction below 1e-10 is none.
  * - qvriAntialias: the weights are stretched by 1 / factor where an axis is reduced, and divided by their sum; taps
- * stand at whole source positions around (d + 0.5) / factor - shift / factor. Ignored, with the warning
+ * stand at whole source positions around (d + 0.5) / factor - shift / factor. Taps outside the image take its edge
+ * pixel; those more than 4096 outside count as one tap, of the sum of their weights. Ignored, with the warning
  * qvrWarnNoAntialiasing, by qvriInterNearest and qvriInterSuper.
  *
  * @section resize-memory Work buffer and threads
