@@ -91,12 +91,5 @@ template<class T, int NC> void treatEdges(const qvrResizePlan* plan, char* dst, 
 
 extern "C" void SLOT(ownResizeEdges)(const qvrResizePlan* plan, char* dst, int64_t dstStep, int pixel)
 {
-    if (pixel == qvrPixel_8u_C1)
-        treatEdges<uint8_t, 1>(plan, dst, dstStep);
-    else if (pixel == qvrPixel_8u_C4)
-        treatEdges<uint8_t, 4>(plan, dst, dstStep);
-    else if (pixel == qvrPixel_32f_C1)
-        treatEdges<float, 1>(plan, dst, dstStep);
-    else
-        treatEdges<double, 1>(plan, dst, dstStep);
+    byPixel(pixel, [&]<class T, int NC>() { treatEdges<T, NC>(plan, dst, dstStep); });
 }

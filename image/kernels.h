@@ -22,6 +22,19 @@ namespace {
 
 using Index = int64_t;
 
+// f<T, NC>() for the element type and the channels of a form.
+template<class F> QVR_INLINE void byPixel(int pixel, const F& f)
+{
+    if (pixel == qvrPixel_8u_C1)
+        f.template operator()<uint8_t, 1>();
+    else if (pixel == qvrPixel_8u_C4)
+        f.template operator()<uint8_t, 4>();
+    else if (pixel == qvrPixel_32f_C1)
+        f.template operator()<float, 1>();
+    else
+        f.template operator()<double, 1>();
+}
+
 // Arrays cut one behind the other from a band's buffer.
 struct Carver {
     char *at, *end;

@@ -3,7 +3,7 @@
 // A weight is trunc(frac 2^14 + 1e-7). Inside, a row is filtered to 16 bits once, h = (w1 s[i+1] + w0 s[i] + 128) >> 8,
 // and two rows make out = (h[upper] (2^14 - wy) + h[lower] wy + 2^19) >> 20. Where only one row or one column of the
 // image is involved there is one rounding: (w0 a + w1 b + 2^13) >> 14.
-#include "image/kernels.h"
+#include "image/halve.h"
 
 namespace {
 
@@ -155,6 +155,10 @@ template<int NC> void linear(const qvrResizeBand* b)
         c.from++;
     while (c.to > c.from && start[c.to - 1] >= length - 1)
         c.to--;
+    // Every output the mean of two by two pixels: h is 32 (a + b) and out (a + b + c + d + 2) >> 2.
+    bool halves = kCanHalve<NC> && c.from == 0 && c.to == width;
+    for (Index x = 0; halves && x < width; x++)
+        halves = w[x].w1 == kOne / 2 && start[x] == start[0] + 2 * x;
     // Two rows of less than 2^30 elements, on cache lines.
     int16_t* const rows[2] = {carver.take<int16_t>(width * NC + 64, 64), carver.take<int16_t>(width * NC + 64, 64)};
     Index filtered[2] = {-1, -1};
@@ -172,6 +176,11 @@ template<int NC> void linear(const qvrResizeBand* b)
         }
         const int wy = weightOf(fy);
         const auto at = [&](Index k) { return reinterpret_cast<const uint8_t*>(sourceRow(b, y + k)); };
+        if constexpr (kCanHalve<NC>)
+            if (halves && wy == kOne / 2) {
+                halveRow<NC>(at(0) + Index{start[0]} * NC, at(1) + Index{start[0]} * NC, dst, width * NC);
+                continue;
+            }
         for (Index k = 0; k < 2; k++) {
             const Index slot = (y + k) % 2;
             if (filtered[slot] != y + k)

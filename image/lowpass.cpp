@@ -542,12 +542,5 @@ template<class T, int NC> void lowPass(const qvrResizeBand* b)
 
 extern "C" void SLOT(ownResizeLowPass)(const qvrResizeBand* band, int pixel)
 {
-    if (pixel == qvrPixel_8u_C1)
-        lowPass<uint8_t, 1>(band);
-    else if (pixel == qvrPixel_8u_C4)
-        lowPass<uint8_t, 4>(band);
-    else if (pixel == qvrPixel_32f_C1)
-        lowPass<float, 1>(band);
-    else
-        lowPass<double, 1>(band);
+    byPixel(pixel, [&]<class T, int NC>() { lowPass<T, NC>(band); });
 }

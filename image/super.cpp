@@ -46,6 +46,15 @@ template<class A> struct Super {
     qvrCover rows;     // of the output row at hand
 };
 
+// Sums of singles are whole and fuse at will; those of doubles are the same on every level.
+template<class V> QVR_INLINE V addProduct(V a, V b, V sum)
+{
+    if constexpr (sizeof(Elem<V>) == 4)
+        return fma(a, b, sum);
+    else
+        return sum + a * b;
+}
+
 // Sums of groups of eight, joined in pairs: a sum of n roundings has some log2(n).
 template<class V> struct Pairwise {
     V level[32], group;
@@ -84,7 +93,8 @@ template<class A, class V> QVR_INLINE void sumBytes(const Super<A>& s, const uin
     constexpr int W = lanes<V>;
     const Index step = s.band->srcStep;
     const auto part = [&](const uint8_t* row, double cover, V sum) {
-        return fma(convert<A>(convert<int32_t>(load<Vec<uint8_t, W>>(row))), splat<V>(static_cast<A>(cover)), sum);
+        return addProduct(convert<A>(convert<int32_t>(load<Vec<uint8_t, W>>(row))), splat<V>(static_cast<A>(cover)),
+                          sum);
     };
     p += i;
     V sum = part(p, s.rows.head, V{});
@@ -94,7 +104,7 @@ template<class A, class V> QVR_INLINE void sumBytes(const Super<A>& s, const uin
         Vec<uint16_t, W> words = {};
         for (Index k = 0; k < rows; k++, p += step)
             words += convert<uint16_t>(load<Vec<uint8_t, W>>(p));
-        sum = fma(convert<A>(convert<int32_t>(words)), splat<V>(static_cast<A>(s.unitY)), sum);
+        sum = addProduct(convert<A>(convert<int32_t>(words)), splat<V>(static_cast<A>(s.unitY)), sum);
         left -= rows;
     }
     if (s.rows.count > 1)
@@ -154,7 +164,7 @@ template<class T, class A, class V> QVR_INLINE void putOutput(const Super<A>& s,
 {
     const auto put = [&]<class P>(P v) {
         const P mean = splat<P>(static_cast<Elem<P>>(s.mean)), half = splat<P>(static_cast<Elem<P>>(s.half));
-        store(dst, packBytes(toIntTruncate(fma(v, mean, half))));
+        store(dst, packBytes(toIntTruncate(addProduct(v, mean, half))));
     };
     if constexpr (sizeof(T) != 1)
         store(dst, convert<T>(sum * s.mean));
@@ -182,7 +192,8 @@ void longOutput(const Super<A>& s, const qvrCover& c, Index room, const A* line,
             if (j == 0)
                 sum = pixel * static_cast<A>(c.head);
             else if (j == c.count - 1)
-                sum = fma(pixel, splat<P>(static_cast<A>(c.tail)), sum + between.total() * static_cast<A>(s.unitX));
+                sum = addProduct(pixel, splat<P>(static_cast<A>(c.tail)),
+                                 sum + between.total() * static_cast<A>(s.unitX));
             else
                 between.add(pixel);
         }
@@ -207,7 +218,7 @@ template<int N, class A> QVR_INLINE Vec<A, N> sumTaps(const Super<A>& s, const S
             pairColumns([&](int i) { return s.line + strip.start[x + i] + k + 2; }, t[2], t[3]);
         }
         for (int i = 0; i < 4; i++)
-            sum = fma(t[i], load<V>(strip.weight[k + i] + x), sum);
+            sum = addProduct(t[i], load<V>(strip.weight[k + i] + x), sum);
     }
     return sum;
 }
@@ -241,8 +252,8 @@ template<class T, int NC, class A> void stripOutputs(const Super<A>& s, const St
         for (Index j = 1; j < last; j++)
             between += load<P>(p + j * NC);
         if (last > 0)
-            sum = fma(load<P>(p + last * NC), splat<P>(static_cast<A>(strip.tail[x])),
-                      sum + between * static_cast<A>(s.unitX));
+            sum = addProduct(load<P>(p + last * NC), splat<P>(static_cast<A>(strip.tail[x])),
+                             sum + between * static_cast<A>(s.unitX));
         putOutput(s, dst + x * NC, sum);
     }
 }
@@ -463,12 +474,5 @@ template<class T, int NC> void super(const qvrResizeBand* b)
 
 extern "C" void SLOT(ownResizeSuper)(const qvrResizeBand* band, int pixel)
 {
-    if (pixel == qvrPixel_8u_C1)
-        super<uint8_t, 1>(band);
-    else if (pixel == qvrPixel_8u_C4)
-        super<uint8_t, 4>(band);
-    else if (pixel == qvrPixel_32f_C1)
-        super<float, 1>(band);
-    else
-        super<double, 1>(band);
+    byPixel(pixel, [&]<class T, int NC>() { super<T, NC>(band); });
 }
