@@ -3,18 +3,22 @@
 //
 //   accuracy_report [stride [function]]
 //
-// takes every stride-th float of the domain (1: all of them) against the C library in double; the worst arguments found
-// are then measured again against MPFR. Functions of two arguments take random pairs against extended precision.
+// takes every stride-th float of the domain (1: all of them), and 128 times as many, up to all of them, where most of
+// the errors are made, against the C library in double; the worst arguments found are then measured again against MPFR.
+// Functions of two arguments take random pairs against extended precision.
 #include <gnu/libc-version.h>
 #include <mpfr.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <random>
 #include <string>
+#include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "elementary/kernels.h"
@@ -237,8 +241,8 @@ double exact(Mpfr1 f, float x)
     return y;
 }
 
-// The rows of what exports offer, and of the classes that exist beside them.
-std::string offered, others;
+// The rows of what exports offer, and of the classes that exist beside them, as this thread's job makes them.
+thread_local std::string offered, others;
 
 bool isOffered(const std::string& function, const std::string& kind)
 {
@@ -287,6 +291,37 @@ bool inOneRoutine(const std::string& name, const std::vector<float>& x)
            std::all_of(x.begin(), x.end(), [](float v) { return std::fabs(v) > kOneRoutine; });
 }
 
+// Magnitudes from 2^-12 to 2^14 are stepped through more closely.
+struct Segment {
+    uint64_t from, to, step;
+};
+std::vector<Segment> segments(uint64_t stride)
+{
+    const uint64_t close = std::max<uint64_t>(1, stride / 128);
+    const uint64_t low = bitsOf(0x1p-12f), high = bitsOf(0x1p14f), half = uint64_t{1} << 31;
+    std::vector<Segment> all;
+    for (uint64_t sign : {uint64_t{0}, half})
+        for (const Segment& s : {Segment{0, low, stride}, {low, high, close}, {high, half, stride}})
+            all.push_back({sign + s.from, sign + s.to, s.step});
+    return all;
+}
+
+// The floats of the domain, a chunk at a time.
+void eachChunk(const Function1& f, uint64_t stride, const std::function<void(std::vector<float>& x)>& body)
+{
+    for (const Segment& s : segments(stride))
+        for (uint64_t start = s.from; start < s.to; start += s.step * kChunk) {
+            std::vector<float> x;
+            for (uint64_t b = start; b < std::min(s.to, start + s.step * kChunk); b += s.step) {
+                const float v = floatOf(static_cast<uint32_t>(b));
+                if (v >= f.low && v <= f.high)
+                    x.push_back(v);
+            }
+            if (!x.empty())
+                body(x);
+        }
+}
+
 void oneArgument(const Function1& f, uint64_t stride)
 {
     const Reference& reference = referenceOf(f.name);
@@ -302,27 +337,19 @@ void oneArgument(const Function1& f, uint64_t stride)
                     addContender(contenders, slot, "untagged", alone(u.table[slot]));
     addPeers(f.name, contenders);
 
-    std::vector<float> x(kChunk);
     std::vector<double> want(kChunk);
     int chunk = 0;
-    for (uint64_t start = 0; start < (uint64_t{1} << 32); start += stride * kChunk) {
-        int n = 0;
-        for (uint64_t b = start; b < (uint64_t{1} << 32) && b < start + stride * kChunk; b += stride) {
-            const float v = floatOf(static_cast<uint32_t>(b));
-            if (v >= f.low && v <= f.high)
-                x[n++] = v;
-        }
-        if (n == 0)
-            continue;
-        while (n % 8) // peers take whole vectors
-            x[n] = x[n - 1], n++;
+    eachChunk(f, stride, [&](std::vector<float>& x) {
+        while (x.size() % 8) // peers take whole vectors
+            x.push_back(x.back());
+        const int n = static_cast<int>(x.size());
         for (int i = 0; i < n; i++)
             want[i] = reference.libm(x[i]);
         if (chunk++ % 16 && inOneRoutine(f.name, x))
             measureFirst(contenders, x.data(), want.data(), n);
         else
             measureAll(contenders, x.data(), nullptr, want.data(), n);
-    }
+    });
     // The worst arguments again, alone and against MPFR.
     print(f.name, contenders, false, [&](const Contender& c) {
         Worst confirmed;
@@ -434,16 +461,44 @@ void complexNumbers(const char* function, decltype(qvrTable_qvrsPhase_32fc) cons
     });
 }
 
+// Rows by what stands behind the slots' names, and by the results.
+class SlotRows {
+public:
+    template<class T> void takeResults(const std::vector<T>& y)
+    {
+        hash_ =
+            hash_ * 31 + std::hash<std::string_view>()({reinterpret_cast<const char*>(y.data()), y.size() * sizeof(T)});
+    }
+    void add(int slot, const char* rest)
+    {
+        const std::pair<size_t, std::string> key(std::exchange(hash_, 0), rest);
+        auto row = std::find_if(rows_.begin(), rows_.end(), [&](const auto& r) { return r.first == key; });
+        if (row == rows_.end())
+            row = rows_.insert(rows_.end(), {key, ""});
+        row->second += std::string(slots::kNames[slot]) + " ";
+    }
+    void print(const char* function) const
+    {
+        for (const auto& [key, names] : rows_)
+            offered += std::string("| ") + function + " | " + names + "untagged | " + key.second + " |\n";
+    }
+
+private:
+    size_t hash_ = 0;
+    std::vector<std::pair<std::pair<size_t, std::string>, std::string>> rows_;
+};
+
 // Results in double: units in the last place against extended precision.
 void magnitudes64(int pairs)
 {
-    std::mt19937_64 engine(1);
+    SlotRows rows;
     std::uniform_real_distribution<double> d(0, 1);
     std::vector<qvr64fc> z(kChunk);
     std::vector<double> y(kChunk);
     for (int slot = 0; slot < slots::kCount; slot++) {
-        if (!slots::canRun(slot) || slots::kShared[slot] != slot)
+        if (!slots::canRun(slot))
             continue;
+        std::mt19937_64 engine(1);
         double worst = 0, relative = 0;
         qvr64fc at{}, relativeAt{};
         for (int done = 0; done < pairs; done += kChunk) {
@@ -451,6 +506,7 @@ void magnitudes64(int pairs)
                 v = {(2 * d(engine) - 1) * exp2(400 * (2 * d(engine) - 1)),
                      (2 * d(engine) - 1) * exp2(400 * (2 * d(engine) - 1))};
             qvrTable_qvrsMagnitude_64fc[slot](z.data(), y.data(), kChunk);
+            rows.takeResults(y);
             for (int i = 0; i < kChunk; i++) {
                 const long double want = hypotl(z[i].re, z[i].im);
                 int exponent;
@@ -465,22 +521,23 @@ void magnitudes64(int pairs)
             }
         }
         char row[512];
-        snprintf(row, sizeof row, "| Magnitude_64fc | %s untagged | %.3f | %.9g, %.9g | %.2f | %.9g, %.9g | | |\n",
-                 slots::kNames[slot], std::ceil(worst * 1000) / 1000, at.im, at.re,
-                 std::floor(-log2(relative) * 100) / 100, relativeAt.im, relativeAt.re);
-        offered += row;
+        snprintf(row, sizeof row, "%.3f | %.9g, %.9g | %.2f | %.9g, %.9g | |", std::ceil(worst * 1000) / 1000, at.im,
+                 at.re, std::floor(-log2(relative) * 100) / 100, relativeAt.im, relativeAt.re);
+        rows.add(slot, row);
     }
+    rows.print("Magnitude_64fc");
 }
 
 // Results in integers: units against the exact root, by every scale factor that leaves a choice.
 void magnitudes16(int pairs)
 {
-    std::mt19937 engine(1);
+    SlotRows rows;
     std::vector<qvr16sc> z(kChunk);
     std::vector<qvr16s> y(kChunk);
     for (int slot = 0; slot < slots::kCount; slot++) {
-        if (!slots::canRun(slot) || slots::kShared[slot] != slot)
+        if (!slots::canRun(slot))
             continue;
+        std::mt19937 engine(1);
         double worst = 0;
         qvr16sc at{};
         for (int done = 0; done < pairs; done += kChunk) {
@@ -491,6 +548,7 @@ void magnitudes16(int pairs)
                 for (qvr16sc& v : z)
                     v = {static_cast<qvr16s>(v.re >> -scale), static_cast<qvr16s>(v.im >> -scale)};
             qvrTable_qvrsMagnitude_16sc_Sfs[slot](z.data(), y.data(), kChunk, scale);
+            rows.takeResults(y);
             for (int i = 0; i < kChunk; i++) {
                 const long double want = std::min(32767.0L, ldexpl(hypotl(z[i].re, z[i].im), -scale));
                 const double error = static_cast<double>(fabsl(y[i] - want));
@@ -499,10 +557,10 @@ void magnitudes16(int pairs)
             }
         }
         char row[512];
-        snprintf(row, sizeof row, "| Magnitude_16sc | %s untagged | %.6f | %d, %d | | | | |\n", slots::kNames[slot],
-                 std::ceil(worst * 1e6) / 1e6, at.im, at.re);
-        offered += row;
+        snprintf(row, sizeof row, "%.6f | %d, %d | | | |", std::ceil(worst * 1e6) / 1e6, at.im, at.re);
+        rows.add(slot, row);
     }
+    rows.print("Magnitude_16sc_Sfs");
 }
 
 std::string processorName()
@@ -526,43 +584,66 @@ int main(int argc, char** argv)
 {
     const uint64_t stride = argc > 1 ? strtoull(argv[1], nullptr, 10) : 257;
     const std::string only = argc > 2 ? argv[2] : "";
-    for (const Function1& f : kFunctions1)
-        if (only.empty() || only == f.name)
-            oneArgument(f, stride);
     const int pairs = stride > 1000 ? 100000 : stride > 1 ? 2000000 : 50000000;
-    if (only.empty() || only == "Pow")
-        powers(false, pairs);
-    if (only.empty() || only == "Powx")
-        powers(true, pairs);
-    if (only.empty() || only == "Atan2")
-        angles(pairs);
-    if (only.empty() || only == "Phase")
-        complexNumbers("Phase", qvrTable_qvrsPhase_32fc, atan2l, pairs, -4, 60);
-    if (only.empty() || only == "Magnitude") {
+    std::vector<std::function<void()>> jobs;
+    const auto add = [&](const char* name, std::function<void()> job) {
+        if (only.empty() || only == name)
+            jobs.push_back(std::move(job));
+    };
+    for (const Function1& f : kFunctions1)
+        add(f.name, [&f, stride] { oneArgument(f, stride); });
+    add("Pow", [&] { powers(false, pairs); });
+    add("Powx", [&] { powers(true, pairs); });
+    add("Atan2", [&] { angles(pairs); });
+    add("Phase", [&] { complexNumbers("Phase", qvrTable_qvrsPhase_32fc, atan2l, pairs, -4, 60); });
+    add("Magnitude", [&] {
         complexNumbers("Magnitude_32fc", qvrTable_qvrsMagnitude_32fc, hypotl, pairs, 0x1p-62, 60);
         magnitudes64(pairs / 4);
         magnitudes16(pairs / 4);
-    }
+    });
+
+    std::vector<std::string> offeredBy(jobs.size()), othersBy(jobs.size());
+    std::vector<std::thread> threads;
+    std::atomic<size_t> next{0};
+    for (unsigned i = 0; i < std::max(1u, std::thread::hardware_concurrency()); i++)
+        threads.emplace_back([&] {
+            for (size_t k; (k = next++) < jobs.size();) {
+                jobs[k]();
+                offeredBy[k] = std::exchange(offered, {});
+                othersBy[k] = std::exchange(others, {});
+            }
+        });
+    for (std::thread& t : threads)
+        t.join();
+    for (size_t k = 0; k < jobs.size(); k++)
+        offered += offeredBy[k], others += othersBy[k];
+
     const char* const head = "| function | kernel | worst ulp | at | correct bits | at | absolute bits | at |\n"
                              "|---|---|---|---|---|---|---|---|\n";
     if (!only.empty()) {
         printf("%s%s\n%s%s", head, offered.c_str(), head, others.c_str());
         return 0;
     }
-    const std::string every = stride == 1 ? "every float" : "one float in " + std::to_string(stride);
+    const auto one = [](uint64_t step) {
+        return step == 1 ? std::string("every float") : "one float in " + std::to_string(step);
+    };
+    const std::string every = one(std::max<uint64_t>(1, stride / 128)) + " from 2^-12 to 2^14 in magnitude and on " +
+                              one(stride) + " elsewhere";
     printf(
         "# Accuracy of the elementary functions\n\n"
-        "The worst error on %s of the domain (%d random pairs for two arguments and for complex numbers, the\n"
-        "imaginary part first): in units in the last place (ulp), as correct bits (relative error), and as bits "
-        "behind\n"
-        "the binary point (absolute error), each with its argument. Errors are rounded up, bits down. Slots whose\n"
-        "results are the same, bit for bit, share a row; slot `mx` has one kernel for all classes. Peers ran on the\n"
-        "same arguments.\n\n"
+        "The worst error on %s,\n"
+        "within the domain (%d random pairs for two arguments and for complex numbers, the imaginary part first;\n"
+        "a quarter of that for the 64-bit and 16-bit magnitudes): in units in the last place (ulp), as correct bits\n"
+        "(relative error), and as bits behind the binary point (absolute error), each with its argument. Errors are\n"
+        "rounded up, bits down. Slots whose results are the same, bit for bit, share a row; slot `mx` has one kernel\n"
+        "for all classes. Peers ran on the same arguments.\n\n"
         "%s; glibc %s; round to nearest, denormals kept, exceptions masked. Made by\n"
         "`accuracy_report %llu`.\n\n"
-        "Sine and cosine of class A11 promise an absolute error next to their zeros. Beyond 10000 sine, cosine and\n"
-        "tangent are one routine in all slots and classes: there one kernel took every argument, the others one in\n"
-        "16. The 16-bit magnitude counts in units of its result, which is exact to half of one.\n\n"
+        "Untagged are `Exp_32f`, `Ln_32f` and, in the rows of `Atan`, `Arctan_32f`. Sine and cosine of class A11\n"
+        "promise an absolute error next to their zeros. Beyond 10000 sine, cosine and tangent are one routine in all\n"
+        "slots and classes: there one kernel took every argument, the others one in 16. The 16-bit magnitude counts "
+        "in\n"
+        "units of its result, which is exact to half of one.\n\n"
         "Left out are arguments outside the domain, results beyond the floats and, of relative errors, denormal\n"
         "results; further exponentials below -87.33655, powers below 2^-125, floating-point magnitudes outside\n"
         "2^-62 .. 2^61 (32fc, whose contract gives 0 for small ones) and 2^-400 .. 2^401 (64fc), and angles of parts\n"

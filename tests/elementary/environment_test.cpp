@@ -308,7 +308,8 @@ TEST(ElementaryEnvironment, PowersNextToTheLargestFloat)
         }
 }
 
-// Results of the form in extended precision go the way that the caller rounds, and it takes denormals as the caller does.
+// Results of the form in extended precision go the way that the caller rounds, and it takes denormals as the caller
+// does.
 TEST(ElementaryEnvironment, ExtendedForms)
 {
     for (int slot = 0; slot < slots::kCount; slot++) {
