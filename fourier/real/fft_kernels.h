@@ -18,8 +18,11 @@ template<class T> constexpr FftKernels<T> makeKernels()
     k.recombine[0][1] = recombineRange<false, true, T>;
     k.recombine[1][0] = recombineRange<true, false, T>;
     k.recombine[1][1] = recombineRange<true, true, T>;
-    k.straight[0] = straight<false, T>;
-    k.straight[1] = straight<true, T>;
+    constexpr int most = kFftLimits<T>.complex - 1;
+    k.straight[0] = straight<StraightPlain, most, T>;
+    k.straight[1] = straight<StraightSwapped, most, T>;
+    k.straightForward = straight<StraightForward, kInRegisters<T>.forward, T>;
+    k.straightInverse = straight<StraightInverse, kInRegisters<T>.inverse, T>;
     if constexpr (kFirstGeneration) {
         k.firstGeneration[0] = firstGenTransform<false, T>;
         k.firstGeneration[1] = firstGenTransform<true, T>;

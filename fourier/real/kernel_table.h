@@ -76,6 +76,13 @@ template<class T> struct FirstGenCall {
     T factor;
 };
 
+// Straight-line transforms of up to 2^this many complex points recombine in registers; of longer ones the vectors are
+// too many, or those of the recombination by itself are wider.
+struct InRegisters {
+    int forward, inverse;
+};
+template<class T> constexpr InRegisters kInRegisters = {!kFma && kLanes<T> <= 4 ? 5 : 4, 5};
+
 // Forms of a stage: products first, or a chain of radix-2 steps.
 enum : int { formProducts, formSteps };
 
@@ -86,6 +93,8 @@ template<class T> struct FftKernels {
     void (*last[2][2][2])(const StageCall<T>&);                 // by swap, form, radix
     void (*recombine[2][2])(RecombineCall<T>&);                 // forward and inverse, table of one and of two levels
     void (*straight[2])(int m, const T* src, T* dst, T factor); // by swap: 16, 32, 64 points
+    void (*straightForward)(int m, const T* src, T* dst, T factor);         // to the packed spectrum
+    void (*straightInverse)(int m, const T* src, T last, T* dst, T factor); // from bins and Re X[N/2]
     void (*deal)(const T* src, T* dst, int m, int f, Index from, Index count);
     void (*reverse)(T* data, int m, T* work);
     void (*columns[2])(const ColumnsCall<T>&); // by swap; the threaded band

@@ -296,6 +296,8 @@ template<class T> inline void complexTransform(const FftRun<T>& run, const T* sr
 // To the packed spectrum.
 template<class T> inline void forwardTransform(const FftRun<T>& run, const T* src, T* dst)
 {
+    if (run.spec.order - 1 <= kInRegisters<T>.forward)
+        return run.kernels.straightForward(run.spec.order - 1, src, dst, run.factor);
     const Index M = Index{1} << (run.spec.order - 1);
     runComplex(run, src, dst, areaOf(run, src, dst));
     put(dst, 1, run.recombine(dst, dst, 0, M / 2, T{}));
@@ -308,6 +310,8 @@ template<class T> inline void forwardTransform(const FftRun<T>& run, const T* sr
 template<class T> inline void inverseTransform(const FftRun<T>& run, const T* src, T* dst, T last)
 {
     const FftClass c = classOf<T>(run.spec.order);
+    if (run.spec.order - 1 <= kInRegisters<T>.inverse)
+        return run.kernels.straightInverse(run.spec.order - 1, src, last, dst, run.factor);
     const Index M = Index{1} << (run.spec.order - 1);
     const Vec<T, 2> middle = {2 * get(src, M), -2 * get(src, M + 1)};
     T* const area = areaOf(run, src, dst);
