@@ -1,7 +1,7 @@
 """A kernel for one level, as CONTRIBUTING tells: one_level.py SOURCE-FOLDER C-COMPILER C++-COMPILER WORK-FOLDER
 
 A small project on the library's own frame has a function in one file for all slots and in a second one for l9: it links,
-and the tables would reach the second one from l9 alone.
+and the tables would reach the second one from l9 alone. A row of numbers by slot that is a value short does not compile.
 """
 import pathlib
 import shutil
@@ -23,7 +23,15 @@ add_executable(show)
 foreach(slot IN LISTS QVR_SLOTS ITEMS plain)
     target_link_libraries(show PRIVATE slot_${slot})
 endforeach()
+foreach(rows whole short)
+    add_library(${rows} OBJECT EXCLUDE_FROM_ALL ${rows}.cpp)
+    target_link_libraries(${rows} PRIVATE declarations)
+    target_compile_options(${rows} PRIVATE $<TARGET_PROPERTY:slot_mx,COMPILE_OPTIONS>)
+    target_compile_definitions(${rows} PRIVATE $<TARGET_PROPERTY:slot_mx,COMPILE_DEFINITIONS>)
+endforeach()
 """,
+    "whole.cpp": '#include "frame/slot.h"\nextern const int kWhole = PerSlot<int>{1, 2, 3, 4, 5, 6, 7}.here();\n',
+    "short.cpp": '#include "frame/slot.h"\nextern const int kShort = PerSlot<int>{1, 2, 3, 4, 5, 6}.here();\n',
     "sums/CMakeLists.txt": "qvr_sources(SHARED level.cpp ALL_SLOTS other.cpp ONLY_l9 level_l9.cpp PLAIN show.cpp)\n",
     "sums/level.cpp": '#include "frame/slot.h"\nextern "C" int SLOT(level)(void) { return kSlot; }\n',
     "sums/level_l9.cpp": '#include "frame/slot.h"\nextern "C" int SLOT(level)(void) { return 100 + kSlot; }\n',
@@ -55,7 +63,12 @@ def main(source, cc, cxx, work):
                      "-DCMAKE_BUILD_TYPE=Release"], ["cmake", "--build", work / "build", "--target", "show"]):
         subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
     text = binary.run(work / "build/show")
-    binary.finish("one level", [] if text.split() == ["0", "1", "2", "2", "4", "5", "106"] else [f"the slots are reached as {text}"])
+    failures = [] if text.split() == ["0", "1", "2", "2", "4", "5", "106"] else [f"the slots are reached as {text}"]
+    for rows, compiles in (("whole", True), ("short", False)):
+        done = subprocess.run(["cmake", "--build", work / "build", "--target", rows], capture_output=True, text=True)
+        if (done.returncode == 0) != compiles or not compiles and "missing field" not in done.stdout:
+            failures.append(f"a {rows} row of numbers by slot: {done.stdout}")
+    binary.finish("one level", failures)
 
 
 if __name__ == "__main__":
