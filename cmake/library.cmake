@@ -17,7 +17,7 @@ target_include_directories(morvenqvr PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
 target_link_options(morvenqvr PRIVATE
     -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map
-    -Wl,-z,relro,-z,now,-z,noexecstack -Wl,--as-needed -Wl,-O2)
+    -Wl,-z,relro,-z,now,-z,noexecstack,-z,shstk -Wl,--as-needed -Wl,-O2)
 if(NOT QVR_SANITIZE)
     target_link_options(morvenqvr PRIVATE -nostdlib++ -Wl,-z,defs)
 endif()

@@ -43,8 +43,21 @@ qvrTable_\name:
 
     .hidden qvrCpuIndex
 
+# Nothing here moves the stack pointer, so one entry of the unwind tables serves the whole section.
+    .section .text.dispatch, "ax", @progbits
+    .cfi_startproc
 #define QVR_SHARED(name) export_dispatched name, shared;
 #define QVR_OWN(name) export_dispatched name, own;
 #include "frame/exports.def"
+
+    .section .text.dispatch, "ax", @progbits
+    .cfi_endproc
+
+# The mark of code that works under a shadow stack: property 0xC0000002, bit 1.
+    .section .note.gnu.property, "a", @note
+    .p2align 3
+    .long   4, 16, 5
+    .asciz  "GNU"
+    .long   0xC0000002, 4, 2, 0
 
     .section .note.GNU-stack, "", @progbits

@@ -160,8 +160,10 @@ HOOK = "static volatile int done; __attribute__((constructor)) static void qvrLo
 
 def form_of_shared_object():
     def check(source=HOOK, *flags):
-        return shared_object.check(shared("s.so", source, *flags))
+        return shared_object.check(shared("s.so", source, "-Wl,-z,shstk", *flags))
     expect(check(), None)
+    expect(check(HOOK + "int Morven_a(void) { return 1; }", "-fno-asynchronous-unwind-tables"), "Morven_a has no unwind table")
+    expect(shared_object.check(shared("s.so", HOOK)), "shadow stacks")
     expect(check(HOOK, "-Wl,-rpath,/opt/x", "-Wl,--disable-new-dtags"), "has a RPATH")
     expect(check(HOOK, "-Wl,-rpath,/opt/x", "-Wl,--enable-new-dtags"), "has a RUNPATH")
     expect(check(HOOK, "-Wl,-z,execstack"), "executable stack")

@@ -1,4 +1,5 @@
 """Form of the shared object: shared_object.py SHARED-OBJECT"""
+import bisect
 import re
 import struct
 import sys
@@ -7,6 +8,8 @@ import binary
 
 NEEDED = {"libomp.so.5", "libc.so.6", "libm.so.6"}
 COMPILERS_OWN = {"frame_dummy"}
+# The C runtime's start and end code, which comes with the compiler.
+STARTUP = {"_init", "_fini", "deregister_tm_clones", "register_tm_clones", "__do_global_dtors_aux", "frame_dummy"}
 HOOK = "qvrLoadHook"
 
 
@@ -26,8 +29,23 @@ def section_words(path, name):
     return words
 
 
+def without_unwind_table(library):
+    """Functions of which no entry of the unwind tables tells the frame."""
+    dump = binary.run(f"llvm-dwarfdump-{binary.LLVM}", "--eh-frame", library)
+    ranges = sorted((int(a, 16), int(b, 16)) for a, b in re.findall(r" FDE cie=\w+ pc=(\w+)\.\.\.(\w+)", dump))
+    starts = [first for first, _ in ranges]
+
+    def covered(address):
+        place = bisect.bisect_right(starts, address) - 1
+        return place >= 0 and address < ranges[place][1]
+    return [s.name for s in binary.symbols(library)
+            if s.defined and s.kind == "FUNC" and s.name not in STARTUP and not covered(s.value)]
+
+
 def check(library):
-    failures = []
+    failures = [f"{name} has no unwind table" for name in without_unwind_table(library)]
+    if "SHSTK" not in binary.readelf("-n", library):
+        failures.append("is not marked as fit for shadow stacks")
     dynamic, segments = binary.readelf("-d", library), binary.readelf("-l", library)
     for name in re.findall(r"\(NEEDED\).*\[(.*)\]", dynamic):
         if name not in NEEDED:
