@@ -42,6 +42,10 @@
 
 #include <stdint.h>
 
+#define MORVENQVR_VERSION_MAJOR 1 /**< changes with the binary interface, as the soname does */
+#define MORVENQVR_VERSION_MINOR 0 /**< changes with additions */
+#define MORVENQVR_VERSION_PATCH 0 /**< changes with corrections */
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -109,6 +113,119 @@ enum {
     qvrWarnCacheUnknown = 37,         /**< the cache size could not be determined */
     qvrWarnNoAntialiasing = 46        /**< the antialiasing flag was ignored; Morven_qvriResize_* write nothing then */
 };
+
+/**
+ * The name of a status, such as "qvrErrBadSize".
+ * @param status a result of any function
+ * @return a constant string; "unknown status" for a number that is none
+ */
+static inline const char* qvrStatusName(qvrStatus status)
+{
+    switch (status) {
+    case qvrOk:
+        return "qvrOk";
+    case qvrErrBadArgument:
+        return "qvrErrBadArgument";
+    case qvrErrBadSize:
+        return "qvrErrBadSize";
+    case qvrErrBadSelector:
+        return "qvrErrBadSelector";
+    case qvrErrNullPointer:
+        return "qvrErrNullPointer";
+    case qvrErrNoMemory:
+        return "qvrErrNoMemory";
+    case qvrErrDivByZero:
+        return "qvrErrDivByZero";
+    case qvrErrBadBitSize:
+        return "qvrErrBadBitSize";
+    case qvrErrBadStep:
+        return "qvrErrBadStep";
+    case qvrErrFFTOrder:
+        return "qvrErrFFTOrder";
+    case qvrErrFFTFlag:
+        return "qvrErrFFTFlag";
+    case qvrErrBadContext:
+        return "qvrErrBadContext";
+    case qvrErrBadInterpolation:
+        return "qvrErrBadInterpolation";
+    case qvrErrBadFactor:
+        return "qvrErrBadFactor";
+    case qvrErrBadOrder:
+        return "qvrErrBadOrder";
+    case qvrErrBadTapsLen:
+        return "qvrErrBadTapsLen";
+    case qvrErrBadMultiRatePhase:
+        return "qvrErrBadMultiRatePhase";
+    case qvrErrBadMultiRateFactor:
+        return "qvrErrBadMultiRateFactor";
+    case qvrErrBadSamplePhase:
+        return "qvrErrBadSamplePhase";
+    case qvrErrBadSampleFactor:
+        return "qvrErrBadSampleFactor";
+    case qvrErrBadShift:
+        return "qvrErrBadShift";
+    case qvrErrBadWindowLength:
+        return "qvrErrBadWindowLength";
+    case qvrErrBadOffset:
+        return "qvrErrBadOffset";
+    case qvrErrBadColumns:
+        return "qvrErrBadColumns";
+    case qvrErrTonePhase:
+        return "qvrErrTonePhase";
+    case qvrErrToneFrequency:
+        return "qvrErrToneFrequency";
+    case qvrErrToneMagnitude:
+        return "qvrErrToneMagnitude";
+    case qvrErrBadChannels:
+        return "qvrErrBadChannels";
+    case qvrErrBadCount:
+        return "qvrErrBadCount";
+    case qvrErrMatrixStride:
+        return "qvrErrMatrixStride";
+    case qvrErrSingularMatrix:
+        return "qvrErrSingularMatrix";
+    case qvrErrBadFilterOrder:
+        return "qvrErrBadFilterOrder";
+    case qvrErrBadCutoff:
+        return "qvrErrBadCutoff";
+    case qvrErrBadRipple:
+        return "qvrErrBadRipple";
+    case qvrWarnNothingToDo:
+        return "qvrWarnNothingToDo";
+    case qvrWarnNegativeInput:
+        return "qvrWarnNegativeInput";
+    case qvrWarnEvenMask:
+        return "qvrWarnEvenMask";
+    case qvrWarnDivByZero:
+        return "qvrWarnDivByZero";
+    case qvrWarnLnZeroArg:
+        return "qvrWarnLnZeroArg";
+    case qvrWarnLnNegArg:
+        return "qvrWarnLnNegArg";
+    case qvrWarnOverflow:
+        return "qvrWarnOverflow";
+    case qvrWarnUnderflow:
+        return "qvrWarnUnderflow";
+    case qvrWarnSingularity:
+        return "qvrWarnSingularity";
+    case qvrWarnDomain:
+        return "qvrWarnDomain";
+    case qvrWarnForeignProcessor:
+        return "qvrWarnForeignProcessor";
+    case qvrWarnUnknownProcessorType:
+        return "qvrWarnUnknownProcessorType";
+    case qvrWarnRoiOutside:
+        return "qvrWarnRoiOutside";
+    case qvrWarnNoProcessorId:
+        return "qvrWarnNoProcessorId";
+    case qvrWarnCacheUnknown:
+        return "qvrWarnCacheUnknown";
+    case qvrWarnNoAntialiasing:
+        return "qvrWarnNoAntialiasing";
+    default:
+        return "unknown status";
+    }
+}
 
 typedef uint8_t qvr8u;   /**< unsigned 8-bit element */
 typedef uint16_t qvr16u; /**< unsigned 16-bit element */

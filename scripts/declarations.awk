@@ -7,8 +7,6 @@
 #   form=slot_tables  its tables, for tests
 # Comments never reach the output, so that a change of the reference text rebuilds nothing.
 FNR == NR {
-    if (/^#/)
-        next
     while (match($0, /\/\*/)) {
         before = substr($0, 1, RSTART - 1)
         rest = substr($0, RSTART + 2)
@@ -20,7 +18,11 @@ FNR == NR {
     gsub(/[ \t]+/, " ")
     sub(/^ /, "")
     sub(/ $/, "")
-    if ($0 == "" || /^extern "C"/ || /^}$/)
+    # The header's own inline function is for users.
+    if (/^static inline/)
+        while (!/^}/ && (getline) > 0)
+            ;
+    if ($0 == "" || /^#/ || /^extern "C"/ || /^}$/)
         next
     statement = statement (statement == "" ? "" : " ") $0
     depth += gsub(/{/, "{") - gsub(/}/, "}")
