@@ -25,10 +25,10 @@ template<> struct Breakpoints<double> {
 // atan(sqrt z) / sqrt z for sqrt z <= tan(pi/14), minimax in relative error: 2^-13.9, 2^-27.0, 2^-33.9.
 template<Accuracy A, class V> QVR_INLINE V arcTangentSeries(V z)
 {
-    if constexpr (A == Accuracy::ha)
+    if constexpr (A == Accuracy::a24)
         return polynomial(z, 9.9981562671806302e-2, -0.14235718362390326, 0.19999072196317868, -0.3333332727862568,
                           0.9999999999366442);
-    else if constexpr (A == Accuracy::la)
+    else if constexpr (A == Accuracy::a21)
         return polynomial(z, -0.132209, 0.19967917, -0.33333054, 1.0);
     else
         return polynomial(z, -0.32316908, 0.99993396);
@@ -41,7 +41,7 @@ template<class V> QVR_INLINE V fineArcTangentSeries(V z)
                       -0.33333333333333331, 1.0);
 }
 
-// row[index] for an interval index given as comparisons: entered holds the mask of values beyond each meeting place.
+// The row's entry of an interval: m1, m2, m3 tell the lanes beyond each meeting place.
 template<class V> QVR_INLINE V chooseByMasks(const Elem<V> (&row)[4], Mask<V> m1, Mask<V> m2, Mask<V> m3)
 {
     const V low = m1 ? splat<V>(row[1]) : splat<V>(row[0]);
@@ -49,7 +49,8 @@ template<class V> QVR_INLINE V chooseByMasks(const Elem<V> (&row)[4], Mask<V> m1
     return m3 ? splat<V>(row[3]) : middle;
 }
 
-// atan(y / x) for y, x >= 0, not both zero, finite. kEstimate: the quotient by reciprocal estimate and one Newton step.
+// atan(y / x) for y, x >= 0, not both zero, finite; in class A11 the quotient is the reciprocal estimate and one Newton
+// step. kFine: the series of full double precision.
 template<Accuracy A, bool kFine = false, class V> QVR_INLINE V arcTangentOfQuotient(V y, V x)
 {
     using T = Elem<V>;
@@ -79,7 +80,7 @@ template<Accuracy A, bool kFine = false, class V> QVR_INLINE V arcTangentOfQuoti
         return offset + t * arcTangentSeries<A>(t * t);
 }
 
-// atan x. Beyond 2^20 (2^60 in double) the result no longer depends on x, which keeps products finite. A NaN gets
+// atan x. Beyond 2^30 (2^60 in double) the result no longer depends on x, which keeps products finite. A NaN gets
 // through.
 template<Accuracy A, class V> QVR_INLINE V arcTangent(V x)
 {
@@ -112,7 +113,7 @@ QVR_INLINE double wideArcTangent2(float yf, float xf)
         x = __builtin_copysign(1.0, x);
     }
     using V = Vec<double, 1>;
-    return arcTangent2<Accuracy::ha, true, false>(V{y}, V{x})[0];
+    return arcTangent2<Accuracy::a24, true, false>(V{y}, V{x})[0];
 }
 
 } // namespace

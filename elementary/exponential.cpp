@@ -30,7 +30,7 @@ template<Accuracy A, bool kNearest, bool kScaled, class V> QVR_INLINE V signific
     if constexpr (kScaled)
         hi = timesPower(hi, k);
     V square = r * r * 0.5f;
-    if constexpr (A == Accuracy::la)
+    if constexpr (A == Accuracy::a21)
         square = r * r * polynomial(r, 0.16666667, 0.5);
     return fma(square + (r + lo), hi, hi);
 }
@@ -41,7 +41,7 @@ template<Accuracy A, bool kNearest> struct Exponential {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return ~(abs(x) < splat<V>(kLimit)); }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha) {
+        if constexpr (A == Accuracy::a24) {
             return narrow<kNearest>(exponential<kNearest>(convert<double>(x)));
         } else {
             // A fused step rounds the result alone, so the power of two may come first. A product of its own must not
@@ -62,7 +62,7 @@ template<Accuracy A, bool kNearest> struct Exponential {
             return __builtin_inff();
         if (x < kUnderflow)
             return 0;
-        if constexpr (A == Accuracy::ha) {
+        if constexpr (A == Accuracy::a24) {
             return eval(V{x})[0];
         } else {
             Bits<V> k;

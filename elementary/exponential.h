@@ -1,4 +1,5 @@
-// Exponential and natural logarithm in double by tables of 128 rows: the ha kernels of the family, and powers.
+// Exponential and natural logarithm in double by tables of 128 rows, after Tang (ACM TOMS 15, 1989, and 16, 1990): the
+// a24 kernels of the family, and powers.
 #ifndef QVR_ELEMENTARY_EXPONENTIAL_H
 #define QVR_ELEMENTARY_EXPONENTIAL_H
 

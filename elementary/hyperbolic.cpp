@@ -24,7 +24,7 @@ template<class V> struct Hyperbolic {
     V sine, cosine;    // of r
 };
 
-// Minimax in relative error for |r| <= ln 2 / 2. sinh(sqrt z) / sqrt z: 2^-15.5 (a11), 2^-26.1 (la), 2^-37.7 (ha);
+// Minimax in relative error for |r| <= ln 2 / 2. sinh(sqrt z) / sqrt z: 2^-15.5 (a11), 2^-26.1 (a21), 2^-37.7 (a24);
 // cosh(sqrt z): 2^-13.3, 2^-33.2, 2^-46.1.
 template<Accuracy A, bool kNearest, class V> QVR_INLINE Hyperbolic<V> split(V a)
 {
@@ -37,11 +37,11 @@ template<Accuracy A, bool kNearest, class V> QVR_INLINE Hyperbolic<V> split(V a)
     const V down = bitcast<V>(bits(splat<V>(T(0.5))) - (k << mantissa));
     const V z = r * r;
     V s, c;
-    if constexpr (A == Accuracy::ha) {
+    if constexpr (A == Accuracy::a24) {
         s = r * polynomial(z, 1.9907704424788547e-4, 8.3332833593316342e-3, 0.16666666786827394, 0.9999999999954937);
         c = polynomial(z, 2.4884486620953864e-5, 1.3888801765122565e-3, 4.1666667039833778e-2, 0.49999999999441713,
                        1.0);
-    } else if constexpr (A == Accuracy::la) {
+    } else if constexpr (A == Accuracy::a21) {
         s = r * polynomial(z, 8.3668474e-3, 0.16666541, 1.0);
         c = polynomial(z, 1.3935784e-3, 4.1666456e-2, 0.5, 1.0);
     } else {
@@ -66,7 +66,7 @@ template<Accuracy A, bool kNearest, class V> QVR_INLINE V cosine(V x)
     return fma(h.sum, h.cosine, h.difference * h.sine);
 }
 
-// x (z^3 + 378 z^2 + 17325 z + 135135) / (28 z^3 + 3150 z^2 + 62370 z + 135135), z = x^2: the continued fraction
+// x (z^3 + 378 z^2 + 17325 z + 135135) / (28 z^3 + 3150 z^2 + 62370 z + 135135), z = x^2: Lambert's continued fraction
 // x / (1 + z / (3 + z / (5 + ...))) cut off. From 4.97 on both it and 1 are within 2^-13.3 of the result.
 template<class V> QVR_INLINE void shortTangentParts(V x, V& num, V& den)
 {
@@ -131,7 +131,7 @@ template<Accuracy A, bool kNearest> struct HyperbolicSine {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return ~(abs(x) <= splat<V>(kLimit)); }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return oddZero<kNearest>(x, convert<float>(sine<A, kNearest>(convert<double>(x))));
         else
             return oddZero<kNearest>(x, sine<A, kNearest>(x));
@@ -145,7 +145,7 @@ template<Accuracy A, bool kNearest> struct HyperbolicCosine {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return ~(abs(x) <= splat<V>(kLimit)); }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return convert<float>(cosine<A, kNearest>(convert<double>(x)));
         else
             return cosine<A, kNearest>(x);
@@ -163,7 +163,7 @@ template<Accuracy A, bool kNearest> struct HyperbolicTangent {
     template<class V> QVR_INLINE Mask<V> care(V) const { return Mask<V>{}; }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return oddZero<kNearest>(x, convert<float>(tangent<A, kNearest>(convert<double>(x))));
         else
             return oddZero<kNearest>(x, tangent<A, kNearest>(x));

@@ -16,20 +16,20 @@ template<class T> constexpr T kHalfPiLow = sizeof(T) == 4 ? T(-4.371139e-08) : T
 template<class T> constexpr T kPi = 2 * kHalfPi<T>;
 template<class T> constexpr T kPiLow = 2 * kHalfPiLow<T>;
 
-// asin(sqrt z) / sqrt z on [0, 1/4], minimax in relative error: 2^-15.0, 2^-23.4, 2^-31.9; of la only the part behind
+// asin(sqrt z) / sqrt z on [0, 1/4], minimax in relative error: 2^-15.0, 2^-23.4, 2^-31.9; of a21 only the part behind
 // the one, over z.
 template<Accuracy A, class V> QVR_INLINE V arcSineSeries(V z)
 {
-    if constexpr (A == Accuracy::ha)
+    if constexpr (A == Accuracy::a24)
         return polynomial(z, 3.7898826560891107e-2, 1.413035129412178e-2, 3.1903151847328691e-2, 4.4502811195781547e-2,
                           7.5006055428778778e-2, 0.16666656917555992, 1.0000000002554226);
-    else if constexpr (A == Accuracy::la)
+    else if constexpr (A == Accuracy::a21)
         return polynomial(z, 5.0017424e-2, 4.0002082e-2, 7.5410597e-2, 0.16665554);
     else
         return polynomial(z, 9.5999368e-2, 0.16453663, 1.0000311);
 }
 
-// The smaller angle asin t, its part behind t in class la, and whether it was folded.
+// The smaller angle asin t, its part behind t in class a21, and whether it was folded.
 template<class V> struct FoldedAngle {
     V angle, t, rest;
     Mask<V> folded;
@@ -40,7 +40,7 @@ template<Accuracy A, class V> QVR_INLINE FoldedAngle<V> foldedArcSine(V x)
     const Mask<V> folded = a >= half;
     const V z = folded ? (splat<V>(1) - a) * half : a * a;
     const V t = folded ? sqrt(z) : a;
-    if constexpr (A == Accuracy::la) {
+    if constexpr (A == Accuracy::a21) {
         const V rest = t * (z * arcSineSeries<A>(z));
         return {t + rest, t, rest, folded};
     } else {
@@ -54,7 +54,7 @@ template<Accuracy A, class V> QVR_INLINE V arcSine(V x)
     const FoldedAngle<V> p = foldedArcSine<A>(x);
     const V halfPi = splat<V>(kHalfPi<T>);
     V unfolded;
-    if constexpr (A == Accuracy::la) // the first difference is exact where the result is small
+    if constexpr (A == Accuracy::a21) // the first difference is exact where the result is small
         unfolded = (halfPi - (p.t + p.t)) - (p.rest + p.rest - kHalfPiLow<T>);
     else
         unfolded = halfPi - (p.angle + p.angle - kHalfPiLow<T>);
@@ -96,7 +96,7 @@ template<Accuracy A, bool> struct ArcSine {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideUnit(x); }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return convert<float>(arcSine<A>(convert<double>(x)));
         else
             return arcSine<A>(x);
@@ -110,7 +110,7 @@ template<Accuracy A, bool kNearest> struct ArcCosine {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideUnit(x); }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return zeroAt<kNearest>(1, x, convert<float>(arcCosine<A>(convert<double>(x))));
         else
             return zeroAt<kNearest>(1, x, arcCosine<A>(x));
@@ -125,7 +125,7 @@ template<Accuracy A, bool kNearest> struct ArcTangent {
     template<class V> QVR_INLINE Mask<V> care(V) const { return Mask<V>{}; }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return oddZero<kNearest>(x, convert<float>(arcTangent<A>(convert<double>(x))));
         else
             return oddZero<kNearest>(x, arcTangent<A>(x));
@@ -144,7 +144,7 @@ template<Accuracy A, bool> struct ArcTangent2 {
     }
     template<class V> QVR_INLINE V eval(V y, V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return convert<float>(arcTangent2<A>(convert<double>(y), convert<double>(x)));
         else
             return arcTangent2<A>(y, x);

@@ -1,7 +1,7 @@
 // The frame of the accuracy-tagged functions.
 //
 // A function has a table of three kernels, one for each accuracy class; an export picks its class from the table. A
-// kernel is the whole call: checks, environment, loop, status. Slot mx has one kernel, of class ha, in all three
+// kernel is the whole call: checks, environment, loop, status. Slot mx has one kernel, of class a24, in all three
 // places.
 //
 // The loop goes in blocks. A block without special elements runs straight through the formula; in any other block every
@@ -25,12 +25,10 @@
 
 namespace {
 
-using Index = int64_t;
-
 // The classes in the order of a kernel table.
 enum class Accuracy {
-    la,  // tag A21: float arithmetic with more steps than a11
-    ha,  // tag A24: double arithmetic inside
+    a21, // tag A21: float arithmetic with more steps than a11
+    a24, // tag A24: double arithmetic inside
     a11, // tag A11: float arithmetic with the shortest polynomial and reduction
 };
 
@@ -46,10 +44,10 @@ constexpr uint32_t kSmallestNormal = 0x00800000;
 template<class V> constexpr bool kIsDouble = sizeof(Elem<V>) == 8;
 
 // Floats in a block: enough independent vectors to hide latencies, few enough to stay in registers.
-template<Accuracy A> constexpr int kBlockOf = A == Accuracy::ha ? (kSlot == qvrSlot_mx ? 4 : 8) : kAvx ? 16 : 8;
+template<Accuracy A> constexpr int kBlockOf = A == Accuracy::a24 ? (kSlot == qvrSlot_mx ? 4 : 8) : kAvx ? 16 : 8;
 
 // Floats whose arithmetic fills a register.
-template<Accuracy A> constexpr int kRegisterOf = kVecBytes / (A == Accuracy::ha ? 8 : 4);
+template<Accuracy A> constexpr int kRegisterOf = kVecBytes / (A == Accuracy::a24 ? 8 : 4);
 
 // ---- Formula helpers ------------------------------------------------------------------------------------------------
 
@@ -320,15 +318,16 @@ template<template<bool> class K> qvrStatus kernelC(const float* src, float value
 // Sine<Accuracy, bool>. Hidden, so that tests reach every class.
 #define QVR_KERNELS(name, Type, maker, Formula)                                                                        \
     namespace {                                                                                                        \
-    template<bool kNearest> using Formula##La = Formula<kSlot == qvrSlot_mx ? Accuracy::ha : Accuracy::la, kNearest>;  \
-    template<bool kNearest> using Formula##Ha = Formula<Accuracy::ha, kNearest>;                                       \
     template<bool kNearest>                                                                                            \
-    using Formula##A11 = Formula<kSlot == qvrSlot_mx ? Accuracy::ha : Accuracy::a11, kNearest>;                        \
+    using Formula##A21 = Formula<kSlot == qvrSlot_mx ? Accuracy::a24 : Accuracy::a21, kNearest>;                       \
+    template<bool kNearest> using Formula##A24 = Formula<Accuracy::a24, kNearest>;                                     \
+    template<bool kNearest>                                                                                            \
+    using Formula##A11 = Formula<kSlot == qvrSlot_mx ? Accuracy::a24 : Accuracy::a11, kNearest>;                       \
     }                                                                                                                  \
     extern "C" QVR_HIDDEN Type* const SLOT(name)[3];                                                                   \
-    extern "C" Type* const SLOT(name)[3] = {maker<Formula##La>, maker<Formula##Ha>, maker<Formula##A11>};
+    extern "C" Type* const SLOT(name)[3] = {maker<Formula##A21>, maker<Formula##A24>, maker<Formula##A11>};
 
 #define QVR_CLASS_NAME(kAccuracy, name)                                                                                \
-    (kAccuracy == Accuracy::ha ? "s" name "_HA" : kAccuracy == Accuracy::la ? "s" name "_LA" : "s" name "_A11")
+    (kAccuracy == Accuracy::a24 ? "s" name "_HA" : kAccuracy == Accuracy::a21 ? "s" name "_LA" : "s" name "_A11")
 
 #endif

@@ -24,7 +24,7 @@ template<Accuracy A, class V> QVR_INLINE V natural(V x, float shift = 0)
 {
     const Parted<V> p = part(x);
     const V e = p.e + shift;
-    if constexpr (A == Accuracy::la) {
+    if constexpr (A == Accuracy::a21) {
         // e times the short part of ln 2 plus hi is exact.
         V inverse, hi, lo;
         lookUpTriples(&qvrLogTable[0].log, p.index, inverse, hi, lo);
@@ -45,7 +45,7 @@ template<Accuracy A, bool kNearest> struct NaturalLogarithm {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideNormal(x); }
     template<class V> QVR_INLINE V shifted(V x, float shift) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return convert<float>(naturalLogarithm(x, static_cast<double>(shift)));
         else
             return natural<A>(x, shift);
@@ -85,7 +85,7 @@ template<Accuracy A, class V> QVR_INLINE V decimal(V x)
     lookUpTriples(&qvrLog10Table[0].a, p.index, a, hi, lo);
     const V w = productLess(p.m, a, kScale);
     V high = fma(p.e, splat<V>(kExponentHigh), hi);
-    if constexpr (A == Accuracy::la) {
+    if constexpr (A == Accuracy::a21) {
         high = addProduct(high, p.e, kExponentMiddle);
         const V low = addProduct(lo, p.e, kExponentRest);
         const V q = polynomial(w, 5.667, -3.0718327, 1.7758979, -1.1550168, 0.0016161024);
@@ -102,7 +102,7 @@ template<Accuracy A, bool kNearest> struct DecimalLogarithm {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outsideNormal(x); }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return zeroAt<kNearest>(1, x, convert<float>(naturalLogarithm(x) * 0.4342944819032518));
         else
             return zeroAt<kNearest>(1, x, decimal<A>(x));
@@ -121,7 +121,7 @@ template<Accuracy A, bool kNearest> struct DecimalLogarithm {
         if (x >= 0x1p-126f)
             return eval(V{x})[0];
         const V scaled = {x * kDenormalScale};
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return convert<float>(naturalLogarithm(scaled, -23) * 0.4342944819032518)[0];
         else
             return decimal<A>(scaled)[0] - kDenormalCorrection;
@@ -147,7 +147,7 @@ qvrStatus SLOT(qvrsLog10_32f_A11)(const qvr32f* pSrc, qvr32f* pDst, int len)
 
 qvrStatus SLOT(qvrsLog10_32f_A21)(const qvr32f* pSrc, qvr32f* pDst, int len)
 {
-    return SLOT(log10Kernels)[static_cast<int>(Accuracy::la)](pSrc, pDst, len);
+    return SLOT(log10Kernels)[static_cast<int>(Accuracy::a21)](pSrc, pDst, len);
 }
 
 } // extern "C"

@@ -6,8 +6,6 @@
 
 namespace {
 
-using Index = int64_t;
-
 constexpr bool kHasRegion = kSlot >= qvrSlot_u8;
 constexpr bool kHasRegion64 = kSlot >= qvrSlot_u8 && kSlot <= qvrSlot_y8;
 constexpr int kRegionFrom = 2048, kRegionFrom64 = 256;

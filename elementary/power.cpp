@@ -1,6 +1,6 @@
 // Powers, with an exponent for each element and with one for all.
 //
-// Class ha: x^y = e^(y ln x), both in double by tables. The float classes: 2^(y log2 x) with log2 of the mantissa in
+// Class a24: x^y = e^(y ln x), both in double by tables. The float classes: 2^(y log2 x) with log2 of the mantissa in
 // [sqrt(1/2), sqrt 2) as a polynomial and 2^f on [0, 1) as another. The product may be as large as 128, so the
 // logarithm has 9 bits more than the class promises.
 #include "elementary/exponential.h"
@@ -92,7 +92,8 @@ template<bool kNearest, class V> __attribute__((noinline)) V nearOverflow(V x, V
     return power;
 }
 
-// 2^(y log2 x) in floats, to 11 bits (a11) or 2^-21 and its share of y log2 x (la); results below the normals are zero.
+// 2^(y log2 x) in floats, to 11 bits (a11) or 2^-21 and its share of y log2 x (a21); results below the normals are
+// zero.
 template<Accuracy A, bool kNearest, class V> QVR_INLINE V shortPower(V x, V y)
 {
     // x = 2^e m, m in [sqrt(1/2), sqrt 2)
@@ -166,7 +167,7 @@ qvrStatus SLOT(qvrsPow_32f_A11)(const qvr32f* pSrcX, const qvr32f* pSrcY, qvr32f
 
 qvrStatus SLOT(qvrsPow_32f_A24)(const qvr32f* pSrcX, const qvr32f* pSrcY, qvr32f* pDst, int len)
 {
-    return SLOT(powKernels)[static_cast<int>(Accuracy::ha)](pSrcX, pSrcY, pDst, len);
+    return SLOT(powKernels)[static_cast<int>(Accuracy::a24)](pSrcX, pSrcY, pDst, len);
 }
 
 qvrStatus SLOT(qvrsPowx_32f_A11)(const qvr32f* pSrcX, qvr32f y, qvr32f* pDst, int len)
@@ -176,7 +177,7 @@ qvrStatus SLOT(qvrsPowx_32f_A11)(const qvr32f* pSrcX, qvr32f y, qvr32f* pDst, in
 
 qvrStatus SLOT(qvrsPowx_32f_A24)(const qvr32f* pSrcX, qvr32f y, qvr32f* pDst, int len)
 {
-    return SLOT(powxKernels)[static_cast<int>(Accuracy::ha)](pSrcX, y, pDst, len);
+    return SLOT(powxKernels)[static_cast<int>(Accuracy::a24)](pSrcX, y, pDst, len);
 }
 
 } // extern "C"

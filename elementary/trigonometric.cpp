@@ -5,7 +5,8 @@
 // Tangent: N = round(x * 2/pi), r = x - N pi/2, tan x = tan r, or -1 / tan r for odd N
 //
 // pi is subtracted in parts whose products with N are exact, so r keeps its relative precision; class a11 of sine and
-// cosine takes two parts only, so near the zeros of the function its error is absolute, at most 2^-12.68.
+// cosine takes two parts only, so near the zeros of the function its error is absolute, at most 2^-12.68. The method is
+// Cody and Waite's (Software Manual for the Elementary Functions, 1980).
 #include "elementary/functions.h"
 #include "elementary/kernel.h"
 
@@ -27,10 +28,10 @@ template<class V> QVR_INLINE Mask<V> outside(V x, float limit)
 // x - n * pi in the parts of a class.
 template<Accuracy A, class V> QVR_INLINE V lessMultipleOfPi(V x, V n)
 {
-    if constexpr (A == Accuracy::ha) {
+    if constexpr (A == Accuracy::a24) {
         // 35 bits of pi, then the next 53.
         return subtractProduct(subtractProduct(x, n, 3.1415926535846666), n, 5.126688303189038e-12);
-    } else if constexpr (A == Accuracy::la) {
+    } else if constexpr (A == Accuracy::a21) {
         const V r = subtractProduct(subtractProduct(x, n, 3.140625f), n, 0.00096750259f);
         return subtractProduct(subtractProduct(r, n, 1.5099067e-07f), n, 5.1266881e-12f);
     } else {
@@ -42,9 +43,9 @@ template<Accuracy A, class V> QVR_INLINE V lessMultipleOfPi(V x, V n)
 template<Accuracy A, class V> QVR_INLINE V sineOfRest(V r)
 {
     const V r2 = r * r;
-    if constexpr (A == Accuracy::ha)
+    if constexpr (A == Accuracy::a24)
         return r * polynomial(r2, 2.608e-06, -0.000198107, 0.008333075, -0.166666589, 1.000000002);
-    else if constexpr (A == Accuracy::la)
+    else if constexpr (A == Accuracy::a21)
         return r * polynomial(r2, 2.608e-06, -0.00019810699, 0.008333075, -0.16666658, 1.0);
     else
         return r * polynomial(r2, -0.00019809602, 0.0083330665, -0.1666666, 1.0);
@@ -79,7 +80,7 @@ template<Accuracy A, bool kNearest> struct Sine {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outside(x, kSineLimit<A>); }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return oddZero<kNearest>(x, convert<float>(sineOrCosine<A, kNearest, false>(convert<double>(x))));
         else
             return oddZero<kNearest>(x, sineOrCosine<A, kNearest, false>(x));
@@ -93,7 +94,7 @@ template<Accuracy A, bool kNearest> struct Cosine {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outside(x, kSineLimit<A>); }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return convert<float>(sineOrCosine<A, kNearest, true>(convert<double>(x)));
         else
             return sineOrCosine<A, kNearest, true>(x);
@@ -107,7 +108,7 @@ template<Accuracy A, bool kNearest, class V> QVR_INLINE V tangent(V x)
     V n;
     const Bits<V> k = nearestInteger<kNearest>(x, kTwoOverPi, n);
     V r;
-    if constexpr (A == Accuracy::ha) {
+    if constexpr (A == Accuracy::a24) {
         r = subtractProduct(subtractProduct(x, n, 1.5707963267923333), n, 2.56334415159e-12);
     } else {
         // Halves of the parts of pi: at most 11 bits each but the last, exact times 13 bits of n.
@@ -133,7 +134,7 @@ template<Accuracy A, bool kNearest> struct Tangent {
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outside(x, kTangentLimit); }
     template<class V> QVR_INLINE V eval(V x) const
     {
-        if constexpr (A == Accuracy::ha)
+        if constexpr (A == Accuracy::a24)
             return oddZero<kNearest>(x, convert<float>(tangent<A, kNearest>(convert<double>(x))));
         else
             return oddZero<kNearest>(x, tangent<A, kNearest>(x));

@@ -187,7 +187,7 @@ template<bool kNearest, int B> QVR_INLINE void phaseBlock(const float* src, floa
             store(dst + i, angle);
         }
     } else {
-        const auto angle = arcTangent2<Accuracy::ha, true, kNearest>(convert<double>(im), convert<double>(re));
+        const auto angle = arcTangent2<Accuracy::a24, true, kNearest>(convert<double>(im), convert<double>(re));
         storeFirst(dst, convert<float>(angle), n);
     }
 }

@@ -3,7 +3,8 @@
 //
 // n = round(x * 32/pi), r = x - n pi/32 as a high and a low part, and with S, C the sine and cosine of n pi/32
 //   sin x = S + (S (p(r^2) - 1) + C r q(r^2)),  p(z) = cos sqrt z,  q(z) = sin(sqrt z) / sqrt z.
-// From 2^17 on x is first reduced by multiples of pi/2, by a product with enough bits of 2/pi.
+// From 2^17 on x is first reduced by multiples of pi/2, by a product with enough bits of 2/pi (Payne and
+// Hanek, SIGNUM Newsletter 18, 1983). Sums and products of pairs are Knuth's and Dekker's (Numer. Math. 18, 1971).
 #include "elementary/tables.h"
 
 namespace {

@@ -3,13 +3,13 @@
 #define QVR_FILTERS_FIR_H
 
 #include "filters/fir_state_record.h"
+#include "frame/element.h"
 #include "frame/simd.h"
 #include "frame/status.h"
+#include "vector/narrow.h"
 #include "vector/shared.h"
 
 namespace {
-
-using Index = int64_t;
 
 constexpr int kFirTransformFrom = 512; // samples: fewer never go through the transform path
 constexpr int kFirForkFrom = 1601;     // samples, or iterations of a multi-rate run: fewer are never forked
@@ -41,7 +41,7 @@ constexpr Index firBuffered(Index limit)
     return limit > kFirShortRun ? limit : kFirShortRun;
 }
 
-// The type forms. Output: whether results are narrowed from the taps' type.
+// The type forms. mixed: the samples are not of the taps' type.
 struct Fir32f {
     using Tap = float;
     using Data = float;
@@ -76,16 +76,6 @@ struct Fir64f_16s {
     static constexpr bool mixed = true, forks = true;
 };
 
-// One element of a caller's array, which may start at any byte.
-template<class T> QVR_INLINE T elementOf(const T* p, Index i)
-{
-    return load<Vec<T, 1>>(p + i)[0];
-}
-template<class T> QVR_INLINE void setElement(T* p, Index i, T x)
-{
-    store(p + i, Vec<T, 1>{x});
-}
-
 // Whole elements, source and destination overlapping or not.
 template<class T> QVR_INLINE void moveElements(const T* src, T* dst, Index n)
 {
@@ -98,7 +88,7 @@ template<class T> QVR_INLINE void zeroElements(T* p, Index n)
     for (; i + lanes<V> <= n; i += lanes<V>)
         store(p + i, V{});
     for (; i < n; i++)
-        setElement(p, i, T{0});
+        put(p, i, T{0});
 }
 
 // Samples in the taps' type.
@@ -129,11 +119,11 @@ QVR_INLINE int scaleExponent(int scale)
 }
 QVR_INLINE double firScale64(int scale)
 {
-    return __builtin_bit_cast(double, static_cast<uint64_t>(1023 + scaleExponent(scale)) << 52);
+    return powerOfTwo64(scaleExponent(scale));
 }
 QVR_INLINE float firScale32(int scale)
 {
-    return __builtin_bit_cast(float, static_cast<uint32_t>(127 + scaleExponent(scale)) << 23);
+    return powerOfTwo32(scaleExponent(scale));
 }
 
 // To 16 bits: saturated, then rounded half away from zero by adding a half and truncating; a NaN gives 0.
@@ -144,12 +134,6 @@ template<class V> QVR_INLINE Vec<int16_t, lanes<V>> roundedTo16(V v)
     v = max(min(v, splat<V>(T(32767))), splat<V>(T(-32768)));
     const Bits<V> sign = bits(v) & bits(splat<V>(T(-0.0)));
     return packSaturate(toIntTruncate(v + bitcast<V>(sign | bits(splat<V>(T(0.5))))));
-}
-template<class V> QVR_INLINE Vec<float, lanes<V>> narrowed(V v)
-{
-    const V largest = splat<V>(3.4028234663852886e38);
-    // The sample stands second in both: a NaN passes.
-    return convert<float>(min(largest, max(-largest, v)));
 }
 
 } // namespace

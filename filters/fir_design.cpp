@@ -148,11 +148,11 @@ qvrStatus design(double* taps, int tapsLen, int window, int normalize, Band band
     }
     const bool antisymmetric = band == Band::high && !d.odd;
     for (Index i = 0; i < d.h; i++) {
-        setElement(taps, i, half[i]);
-        setElement(taps, d.n - 1 - i, antisymmetric ? -half[i] : half[i]);
+        put(taps, i, half[i]);
+        put(taps, d.n - 1 - i, antisymmetric ? -half[i] : half[i]);
     }
     if (d.odd)
-        setElement(taps, d.h, half[d.h]);
+        put(taps, d.h, half[d.h]);
     release(highWave);
     release(lowWave);
     return qvrOk;

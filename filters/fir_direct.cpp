@@ -125,7 +125,7 @@ template<int G, class T> QVR_INLINE void laneSums(const T* x, T* y, const T* t, 
     if (vectors && taps - head >= Turn) {
         for (; k < head; k++)
             for (int g = 0; g < G; g++)
-                sum[g] += t[k] * elementOf(x, g + k);
+                sum[g] += t[k] * get(x, g + k);
         V acc[G];
         for (int g = 0; g < G; g++) {
             acc[g] = V{};
@@ -144,9 +144,9 @@ template<int G, class T> QVR_INLINE void laneSums(const T* x, T* y, const T* t, 
     }
     for (; k < taps; k++)
         for (int g = 0; g < G; g++)
-            sum[g] += t[k] * elementOf(x, g + k);
+            sum[g] += t[k] * get(x, g + k);
     for (int g = 0; g < G; g++)
-        setElement(y, g, sum[g]);
+        put(y, g, sum[g]);
 }
 
 // In single precision the boundary is 16 bytes of the taps, in double 32 bytes of the window's fourth element.

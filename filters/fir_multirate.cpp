@@ -33,12 +33,7 @@ template<class Tap, class Data> QVR_INLINE void storeOne(Tap y, Data* dst, doubl
     const Vec<Tap, 4> four = {y, y, y, y};
     Data out[4];
     storeGroup(four, out, factor);
-    setElement(dst, 0, out[0]);
-}
-
-template<class Tap, class T> QVR_INLINE Tap sampleAt(const T* w, Index i)
-{
-    return static_cast<Tap>(elementOf(w, i));
+    put(dst, 0, out[0]);
 }
 
 // The tables of a state, and outputs from windows w by them. Positions count from the start of the first window.
@@ -74,12 +69,12 @@ template<class Form> struct MultiRate {
             const Tap* t = taps + g * M * kGroup;
             const T* x = w + r.at[0];
             for (Index m = 0; m < M; m++)
-                acc += load<V>(t + kGroup * m) * splat<V>(sampleAt<Tap>(x, m));
+                acc += load<V>(t + kGroup * m) * splat<V>(static_cast<Tap>(get(x, m)));
         } else {
             const Tap* t = mode == 2 ? taps : taps + g * M * kGroup;
             for (Index m = 0; m < M; m++) {
-                const V x = {sampleAt<Tap>(w, r.at[0] + m), sampleAt<Tap>(w, r.at[1] + m),
-                             sampleAt<Tap>(w, r.at[2] + m), sampleAt<Tap>(w, r.at[3] + m)};
+                const V x = {static_cast<Tap>(get(w, r.at[0] + m)), static_cast<Tap>(get(w, r.at[1] + m)),
+                             static_cast<Tap>(get(w, r.at[2] + m)), static_cast<Tap>(get(w, r.at[3] + m))};
                 acc += x * (mode == 2 ? splat<V>(t[kGroup * m]) : load<V>(t + kGroup * m));
             }
         }
@@ -93,7 +88,7 @@ template<class Form> struct MultiRate {
         const Index count = end - place < M ? end - place : M;
         Tap sum = 0;
         for (Index m = 0; m < count; m++)
-            sum += t[kGroup * m] * sampleAt<Tap>(w, place + m);
+            sum += t[kGroup * m] * static_cast<Tap>(get(w, place + m));
         return sum;
     }
 
@@ -150,7 +145,7 @@ void multiRateRun(typename Form::State* state, const typename Form::Data* src, t
     const bool small = state->multiRateMode == 2 ? inputs < C : inputs <= C;
     const Index taken = small ? inputs : C;
     for (Index i = 0; i < taken; i++)
-        w[V + i] = static_cast<History>(elementOf(src, i));
+        w[V + i] = static_cast<History>(get(src, i));
     if (small) {
         const Index whole = outputs / period * period;
         rate.outputs(w, 0, whole, outputs - whole, V + inputs, dst);
@@ -163,7 +158,7 @@ void multiRateRun(typename Form::State* state, const typename Form::Data* src, t
     if (inputs < V)
         moveElements(w + inputs, store, V);
     for (Index i = inputs < V ? V - inputs : 0; i < V; i++)
-        store[i] = static_cast<History>(elementOf(src, inputs - V + i));
+        store[i] = static_cast<History>(get(src, inputs - V + i));
 
     Index whole = (outputs - prologue) / period * period;
     whole -= whole >= 1 ? period : 0;

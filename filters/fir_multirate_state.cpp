@@ -11,7 +11,7 @@
 // The history has K = ceil(tapsLen / U) samples, the longest phase, and stands before the input in the delay buffer:
 // a window's place is k + 1. Outputs repeat their pattern after 4 U outputs and 4 D samples.
 #include "filters/fir.h"
-#include "filters/fir_layout.h"
+#include "frame/arena.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ struct Pattern {
     template<class Tap> Tap windowTap(const Tap* all, Index q, Index i) const
     {
         const Index k = q + (K - 1 - i) * U;
-        return i >= 0 && i < K && k < taps ? elementOf(all, k) : Tap{0};
+        return i >= 0 && i < K && k < taps ? get(all, k) : Tap{0};
     }
 };
 
@@ -71,39 +71,33 @@ qvrStatus createMultiRate(typename Form::State** statePtr, const typename Form::
     const Index blocks = mode == 2 ? 1 : U, entries = mode == 1 ? U : kGroup * U;
     const Index scratch = U > kFirScratch ? U : kFirScratch;
 
-    FirLayout layout = {sizeof(State)};
-    const Index tapsAt = layout.take<Tap>(L);
-    const Index phasesAt = layout.take<Tap>(M > INT32_MAX / blocks ? Index{INT32_MAX} : blocks * M * kGroup);
-    const Index tableAt = layout.take<int32_t>(entries + 1);
-    const Index delayAt = layout.take<History>(K + room);
-    const Index scratchAt = layout.take<Tap>(scratch);
-    if (layout.used > INT32_MAX)
+    State* state;
+    State regions = {};
+    if (!build([&](Arena& arena) {
+            state = arena.take<State>(1);
+            regions.tapsStore = arena.take<Tap>(L);
+            regions.laneTaps = arena.take<Tap>(M > INT32_MAX / blocks ? Index{INT32_MAX} : blocks * M * kGroup);
+            regions.phaseTable = arena.take<int32_t>(entries + 1);
+            regions.delayStore = reinterpret_cast<Tap*>(arena.take<History>(K + room));
+            regions.scratch = arena.take<Tap>(scratch);
+        }))
         return qvrErrNoMemory;
-    char* block = allocate<char>(static_cast<int>(layout.used));
-    if (block == nullptr)
-        return qvrErrNoMemory;
-    State* state = reinterpret_cast<State*>(block);
-    *state = {};
+    *state = regions;
     *statePtr = state;
     state->tag = Form::multiRateTag;
-    state->tapsStore = reinterpret_cast<Tap*>(block + tapsAt);
-    state->delayStore = reinterpret_cast<Tap*>(block + delayAt);
     state->tapsLen = tapsLen;
     state->upFactor = upFactor;
     state->directLimit = static_cast<int32_t>(room);
     state->downFactor = downFactor;
     state->prologueOutputs = static_cast<int32_t>(periods * kGroup * U);
     state->fftLen = -1;
-    state->phaseTable = reinterpret_cast<int32_t*>(block + tableAt);
-    state->laneTaps = reinterpret_cast<Tap*>(block + phasesAt);
     state->phaseTapsLen = static_cast<int32_t>(M);
     state->multiRateMode = mode;
     state->delayLen = static_cast<int32_t>(K);
-    state->scratch = reinterpret_cast<Tap*>(block + scratchAt);
     state->owned = 1;
 
     for (Index k = 0; k < L; k++)
-        state->tapsStore[k] = elementOf(taps, L - 1 - k);
+        state->tapsStore[k] = get(taps, L - 1 - k);
     for (Index g = 0; g < blocks; g++)
         for (Index j = 0; j < kGroup; j++) {
             const Index o = kGroup * g + j, shift = mode == 1 ? pattern.newest(o) - pattern.newest(kGroup * g) : 0;
@@ -121,7 +115,7 @@ qvrStatus createMultiRate(typename Form::State** statePtr, const typename Form::
     state->phaseTable[entries] = static_cast<int32_t>(kGroup * D - (mode == 1 ? sum : 0));
     History* d = reinterpret_cast<History*>(state->delayStore);
     for (Index k = 0; k < K; k++)
-        d[K - 1 - k] = dlyLine != nullptr ? static_cast<History>(elementOf(dlyLine, k)) : History{0};
+        d[K - 1 - k] = dlyLine != nullptr ? static_cast<History>(get(dlyLine, k)) : History{0};
     return qvrOk;
 }
 

@@ -137,7 +137,7 @@ struct ScaledTo16 {
 };
 
 // A few sums to outputs that stand `stride` apart.
-template<class V, class Data, class Finish> QVR_INLINE void put(V y, Data* dst, Index stride, const Finish& finish)
+template<class V, class Data, class Finish> QVR_INLINE void putGroup(V y, Data* dst, Index stride, const Finish& finish)
 {
     const auto out = finish(y);
     if (stride == 1) {
@@ -146,11 +146,11 @@ template<class V, class Data, class Finish> QVR_INLINE void put(V y, Data* dst, 
     }
 #pragma unroll
     for (int i = 0; i < lanes<V>; i++)
-        setElement(dst, i * stride, out[i]);
+        put(dst, i * stride, out[i]);
 }
 template<class Tap, class Data, class Finish> QVR_INLINE void putOne(Tap y, Data* dst, const Finish& finish)
 {
-    setElement(dst, 0, finish(Vec<Tap, 2>{y, y})[0]);
+    put(dst, 0, finish(Vec<Tap, 2>{y, y})[0]);
 }
 
 QVR_INLINE void widenBlock(const float* src, double* dst, Index n)
@@ -167,7 +167,7 @@ template<class Tap, class Data> void layOutSamples(const Data* src, const Data* 
 {
     Index i = 0;
     for (; i < n && from + i < 0; i++)
-        w[i] = static_cast<Tap>(elementOf(dlyLine, -1 - (from + i)));
+        w[i] = static_cast<Tap>(get(dlyLine, -1 - (from + i)));
     if (i < n)
         widenBlock(src + from + i, w + i, n - i);
 }
@@ -186,13 +186,13 @@ void runBlocks(const Data* src, Data* dst, Index outputs, const Tap* taps, const
         for (Index r = 0; r < rate.period && r < count; r++, stepPlace(rate, place)) {
             const Index n = rate.tapsOf(place.q);
             for (Index m = 0; m < n; m++)
-                h[n - 1 - m] = elementOf(taps, place.q + m * rate.U);
+                h[n - 1 - m] = get(taps, place.q + m * rate.U);
             const Tap* x = w + (place.k - n + 1 - from);
             Index i = r;
             for (; i + 3 * rate.period < count; i += 4 * rate.period) {
                 Tap y[4];
                 foldedSums<4>(x, rate.periodAdvance, h, n, y);
-                put(load<Vec<Tap, 4>>(y), dst + o + i, rate.period, finish);
+                putGroup(load<Vec<Tap, 4>>(y), dst + o + i, rate.period, finish);
                 x += 4 * rate.periodAdvance;
             }
             for (; i < count; i += rate.period) {
@@ -213,8 +213,8 @@ void runInPieces(const Data* src, Data* dst, Index outputs, const Tap* taps, con
     for (Index o = 0; o < outputs; o++, stepPlace(rate, place)) {
         const Tap y = orderedSum<Tap>(rate.tapsOf(place.q), [&](Index m) {
             const Index k = place.k - m;
-            const Data x = k < 0 ? elementOf(dlyLine, -1 - k) : elementOf(src, k);
-            return static_cast<Tap>(x) * elementOf(taps, place.q + m * rate.U);
+            const Data x = k < 0 ? get(dlyLine, -1 - k) : get(src, k);
+            return static_cast<Tap>(x) * get(taps, place.q + m * rate.U);
         });
         putOne(y, dst + o, finish);
     }
@@ -226,7 +226,7 @@ template<class Data> void advanceDelay(const Data* src, Index inputs, Data* dlyL
     if (inputs < K)
         moveElements(dlyLine, dlyLine + inputs, K - inputs);
     for (Index k = 0; k < inputs && k < K; k++)
-        setElement(dlyLine, k, elementOf(src, inputs - 1 - k));
+        put(dlyLine, k, get(src, inputs - 1 - k));
 }
 
 // Every check in its order.

@@ -107,7 +107,7 @@ inline void directBlocks(typename Form::State* state, const typename Form::Data*
     }
 }
 
-// Transform and Engine: the entries of the form, (state, src, dst, count, scale).
+// transform: the entry of the form, (state, src, dst, count, scale).
 template<class Form, class Transform>
 inline qvrStatus outOfPlace(typename Form::State* state, const typename Form::Data* src, typename Form::Data* dst,
                             int n, int scale, const Transform& transform)

@@ -7,10 +7,11 @@
 // From the tap thresholds below a state has a transform plan: order p + 1 with p >= 2 the least that makes 2^p exceed
 // the number of taps.
 #include "filters/fir.h"
-#include "filters/fir_layout.h"
 #include "filters/functions.h"
 
 #include "fourier/real/spec.h"
+#include "frame/arena.h"
+#include "frame/threads.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ template<class Tap> TapCopies tapCopies(Index taps)
 
 template<class Tap> void storeTaps(const Tap* taps, Index n, const TapCopies& copies, Tap* tapsStore, Tap* laneTaps)
 {
-    const auto reversed = [=](Index k) { return k >= 0 && k < n ? elementOf(taps, n - 1 - k) : Tap{0}; };
+    const auto reversed = [=](Index k) { return k >= 0 && k < n ? get(taps, n - 1 - k) : Tap{0}; };
     for (int row = 0; row < copies.rows; row++)
         for (Index k = 0; k < copies.stride; k++)
             *tapsStore++ = reversed(k - row);
@@ -46,7 +47,7 @@ template<class Tap> void storeTaps(const Tap* taps, Index n, const TapCopies& co
             *tapsStore++ = reversed(m - j);
     for (Index k = 0; k < n; k++)
         for (int r = 0; r < copies.repeats; r++)
-            *laneTaps++ = elementOf(taps, k);
+            *laneTaps++ = get(taps, k);
 }
 
 // Element k of a first delay line, by the tag's own type.
@@ -54,14 +55,14 @@ template<class Tap> Tap delayElement(const void* dlyLine, Index k, uint32_t tag)
 {
     switch (tag) {
     case qvrTagFir_64f:
-        return static_cast<Tap>(elementOf(static_cast<const double*>(dlyLine), k));
+        return static_cast<Tap>(get(static_cast<const double*>(dlyLine), k));
     case qvrTagFir_32f:
     case qvrTagFir64f_32f:
-        return elementOf(static_cast<const float*>(dlyLine), k);
+        return get(static_cast<const float*>(dlyLine), k);
     case qvrTagFir64f_32s:
-        return static_cast<Tap>(elementOf(static_cast<const int32_t*>(dlyLine), k));
+        return static_cast<Tap>(get(static_cast<const int32_t*>(dlyLine), k));
     default:
-        return elementOf(static_cast<const int16_t*>(dlyLine), k);
+        return get(static_cast<const int16_t*>(dlyLine), k);
     }
 }
 
@@ -126,67 +127,51 @@ qvrStatus create(typename Form::State** statePtr, const typename Form::Tap* taps
     const Index used = L + firBuffered(limit) + kFirSlack, delay = 3 * L > used ? 3 * L : used;
     constexpr Index scratchPerThread = sizeof(Tap) == 8 ? 2 : 4;
 
-    struct Regions {
-        Index taps, lanes, delay, statuses, spectrum, work, blocks, scratch, narrow, widened, plan, end;
-    };
-    const auto regionsFor = [&](Index threads) {
-        FirLayout layout = {sizeof(State)};
-        Regions r;
-        r.taps = layout.take<Tap>((copies.rows + copies.tableLanes) * copies.stride);
-        r.lanes = layout.take<Tap>(copies.repeats * L);
-        r.delay = layout.take<Tap>(delay);
-        r.statuses = layout.take<int32_t>(threads);
-        r.spectrum = layout.take<Tap>(N);
-        r.work = layout.take<uint8_t>(threads * workSize);
-        r.blocks = layout.take<Tap>(threads * N);
-        r.scratch = layout.take<Tap>(kFirScratch + scratchPerThread * threads);
-        r.narrow = layout.take<Data>(sizeof(Tap) == 8 ? kFirScratch : 0);
-        r.widened = layout.take<Tap>(Form::mixed ? kFirMixedBlock : 0);
-        r.plan = layout.take<uint8_t>(sizeof(Tap) == 8 && planned ? planSize : 0);
-        r.end = layout.used;
-        return r;
+    State* state;
+    State regions = {};
+    uint8_t* planBlock;
+    Index threads = 1;
+    const auto layOut = [&](Arena& arena) {
+        state = arena.take<State>(1);
+        regions.tapsStore = arena.take<Tap>((copies.rows + copies.tableLanes) * copies.stride);
+        regions.laneTaps = arena.take<Tap>(copies.repeats * L);
+        regions.delayStore = arena.take<Tap>(delay);
+        regions.threadStatus = arena.take<int32_t>(threads);
+        regions.tapSpectrum = arena.take<Tap>(N);
+        regions.fftWork = arena.take<uint8_t>(threads * workSize);
+        regions.fftBlocks = arena.take<Tap>(threads * N);
+        regions.scratch = arena.take<Tap>(kFirScratch + scratchPerThread * threads);
+        regions.narrowScratch = arena.take<Data>(sizeof(Tap) == 8 ? kFirScratch : 0);
+        regions.widened = arena.take<Tap>(Form::mixed ? kFirMixedBlock : 0);
+        planBlock = arena.take<uint8_t>(sizeof(Tap) == 8 && planned ? planSize : 0);
     };
     // As many threads as the budget has and memory holds: runs need no more than one.
-    Regions at = regionsFor(1);
-    if (at.end > INT32_MAX)
+    const Index least = bytesOf(layOut);
+    if (least > INT32_MAX)
         return qvrErrNoMemory;
     const Index perThread = qvrAlignUp<Index>(N * sizeof(Tap) + workSize + 64, 64);
-    const Index fitting = 1 + (INT32_MAX - at.end) / perThread, budget = qvrNumThreadsValue();
-    const Index threads = budget < fitting ? budget : fitting;
-    at = regionsFor(threads);
-    if (at.end > INT32_MAX)
+    const Index fitting = 1 + (INT32_MAX - least) / perThread, budget = qvrNumThreadsValue();
+    threads = budget < fitting ? budget : fitting;
+    if (bytesOf(layOut) > INT32_MAX)
         return qvrErrNoMemory;
 
     decltype(State::fftPlan) plan = nullptr;
     if constexpr (sizeof(Tap) == 4)
         if (planned && SLOT(qvrsFFTInitAlloc_R_32f)(&plan, order, qvrFftDivInvByN, qvrHintNone) != qvrOk)
             return qvrErrNullPointer;
-    char* block = allocate<char>(static_cast<int>(at.end));
-    if (block == nullptr) {
+    if (!build(layOut)) {
         if (plan != nullptr)
             Transform<Form>::free(plan);
         return qvrErrNoMemory;
     }
-    State* state = reinterpret_cast<State*>(block);
-    const auto region = [=](Index from, bool there) { return reinterpret_cast<Tap*>(there ? block + from : nullptr); };
-    *state = {};
+    *state = regions;
     *statePtr = state;
     state->tag = tag;
-    state->tapsStore = region(at.taps, true);
-    state->delayStore = region(at.delay, true);
     state->tapsLen = state->delayLen = tapsLen;
     state->directLimit = static_cast<int32_t>(limit);
     state->fftLen = planned ? static_cast<int32_t>(N) : -1;
-    state->laneTaps = region(at.lanes, copies.repeats != 0);
-    state->tapSpectrum = region(at.spectrum, planned);
-    state->fftBlocks = region(at.blocks, planned);
-    state->fftWork = reinterpret_cast<uint8_t*>(region(at.work, workSize > 0));
     state->fftWorkSize = workSize;
-    state->scratch = region(at.scratch, true);
-    state->threadStatus = reinterpret_cast<int32_t*>(region(at.statuses, true));
     state->owned = 1;
-    state->narrowScratch = reinterpret_cast<Data*>(region(at.narrow, sizeof(Tap) == 8));
-    state->widened = region(at.widened, Form::mixed);
     state->threads = static_cast<int32_t>(threads);
 
     storeTaps(taps, L, copies, state->tapsStore, state->laneTaps);
@@ -198,14 +183,12 @@ qvrStatus create(typename Form::State** statePtr, const typename Form::Tap* taps
     if constexpr (sizeof(Tap) == 8) {
         // What initialisation needs by the way, a quarter wave, fits the first transform block.
         static_assert(alignof(FftSpec<double>) <= 64);
-        SLOT(ownqvrsFFTInit_R_64f)(&plan, order, qvrFftDivInvByN, qvrHintNone,
-                                   reinterpret_cast<uint8_t*>(block + at.plan),
+        SLOT(ownqvrsFFTInit_R_64f)(&plan, order, qvrFftDivInvByN, qvrHintNone, planBlock,
                                    reinterpret_cast<uint8_t*>(state->fftBlocks));
     }
     state->fftPlan = plan;
     // Runs have threads of their own, one for each block.
-    if constexpr (kThreadedBand)
-        plan->threadLimit.value = 1;
+    forkNothing(plan);
     moveElements(taps, state->tapSpectrum, L);
     zeroElements(state->tapSpectrum + L, N - L);
     const qvrStatus status = Transform<Form>::forward(state->tapSpectrum, state->tapSpectrum, plan, state->fftWork);
@@ -234,12 +217,12 @@ template<class Form> qvrStatus destroy(typename Form::State* state)
 template<class T, class Data> void readDelay(const T* d, Index n, Data* dlyLine)
 {
     for (Index k = 0; k < n; k++)
-        setElement(dlyLine, k, static_cast<Data>(d[n - 1 - k]));
+        put(dlyLine, k, static_cast<Data>(d[n - 1 - k]));
 }
 template<class T, class Data> void writeDelay(T* d, Index n, const Data* dlyLine)
 {
     for (Index k = 0; k < n; k++)
-        d[n - 1 - k] = dlyLine != nullptr ? static_cast<T>(elementOf(dlyLine, k)) : T{0};
+        d[n - 1 - k] = dlyLine != nullptr ? static_cast<T>(get(dlyLine, k)) : T{0};
 }
 
 // A multi-rate state may keep its history in a type of its own.
@@ -330,7 +313,7 @@ qvrStatus SLOT(qvrsFIRGetTaps_32f)(const qvrsFIRState_32f* state, qvr32f* taps)
     if (const qvrStatus status = checkTag<Fir32f>(state))
         return status;
     for (Index k = 0; k < state->tapsLen; k++)
-        setElement(taps, k, state->tapsStore[state->tapsLen - 1 - k]);
+        put(taps, k, state->tapsStore[state->tapsLen - 1 - k]);
     return qvrOk;
 }
 

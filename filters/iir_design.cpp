@@ -1,7 +1,7 @@
 // Design of Butterworth and Chebyshev (type I) low- and high-pass filters.
 //
-// The prototype's poles p, of unit cut-off, go to the digital plane by the bilinear transform s = 4 (z - 1) / (z + 1)
-// after the frequency transformation, with W = 4 tan(pi f):
+// The prototype's poles p, of unit cut-off, go to the digital plane by the bilinear transform (Tustin 1947) s = 4 (z -
+// 1) / (z + 1) after the frequency transformation, with W = 4 tan(pi f):
 //   low-pass   z = (1 + p W / 4) / (1 - p W / 4)
 //   high-pass  the same with W / p in place of p W
 // All n zeros lie at z = -1 (low-pass) or z = 1 (high-pass). The gain is set at the opposite point of the circle.

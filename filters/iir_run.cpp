@@ -15,21 +15,11 @@
 #include "filters/functions.h"
 #include "filters/iir.h"
 
+#include "frame/element.h"
 #include "frame/simd.h"
 #include "frame/status.h"
 
 namespace {
-
-using Index = int64_t;
-
-double loadSample(const double* p, Index i)
-{
-    return load<Vec<double, 1>>(p + i)[0];
-}
-void storeSample(double* p, Index i, double x)
-{
-    store(p + i, Vec<double, 1>{x});
-}
 
 void sampleSteps(const double* src, double* dst, Index n, const qvrsIIRState_64f* state)
 {
@@ -38,7 +28,7 @@ void sampleSteps(const double* src, double* dst, Index n, const qvrsIIRState_64f
     const double* a = b + L; // a[1..L]
     double* d = state->delayStore;
     for (Index i = 0; i < n; i++) {
-        const double x = loadSample(src, i);
+        const double x = get(src, i);
         const double y = b[0] * x + d[0];
         Index k = 0;
         using V = Full<double>;
@@ -46,7 +36,7 @@ void sampleSteps(const double* src, double* dst, Index n, const qvrsIIRState_64f
             store(d + k, load<V>(b + k + 1) * x - load<V>(a + k + 1) * y + load<V>(d + k + 1));
         for (; k < L; k++)
             d[k] = b[k + 1] * x - a[k + 1] * y + d[k + 1];
-        storeSample(dst, i, y);
+        put(dst, i, y);
     }
 }
 
@@ -56,10 +46,10 @@ void firstOrder(const double* src, double* dst, Index n, const qvrsIIRState_64f*
     const double b0 = state->tapsStore[0], b1 = state->tapsStore[1], a1 = state->tapsStore[2];
     double d = state->delayStore[0];
     for (Index i = 0; i < n; i++) {
-        const double x = loadSample(src, i);
+        const double x = get(src, i);
         const double y = b0 * x + d;
         d = b1 * x - a1 * y;
-        storeSample(dst, i, y);
+        put(dst, i, y);
     }
     state->delayStore[0] = d;
 }
@@ -74,7 +64,7 @@ void samplePairs(const double* src, double* dst, Index n, const qvrsIIRState_64f
     using V = Full<double>;
     Index i = 0;
     for (; i + 2 <= n; i += 2) {
-        const double x0 = loadSample(src, i), x1 = loadSample(src, i + 1);
+        const double x0 = get(src, i), x1 = get(src, i + 1);
         const double y0 = b[0] * x0 + d[0];
         const double y1 = b[0 + 1] * x0 + d[1] + b[0] * x1 - a[1] * y0;
         Index k = 0;
@@ -84,8 +74,8 @@ void samplePairs(const double* src, double* dst, Index n, const qvrsIIRState_64f
         for (; k <= L - 2; k++)
             d[k] = b[k + 1] * x1 - a[k + 1] * y1 + b[k + 2] * x0 - a[k + 2] * y0 + d[k + 2];
         d[L - 1] = b[L] * x1 - a[L] * y1;
-        storeSample(dst, i, y0);
-        storeSample(dst, i + 1, y1);
+        put(dst, i, y0);
+        put(dst, i + 1, y1);
     }
     sampleSteps(src + i, dst + i, n - i, state);
 }
@@ -103,7 +93,7 @@ void nonRecursive(const double* src, Index n, const qvrsIIRState_64f* state)
     const auto single = [=](Index t, Index from) {
         double s = 0;
         for (Index k = from; k <= (t < L ? t : L); k++)
-            s += b[2 * k] * loadSample(src, t - k);
+            s += b[2 * k] * get(src, t - k);
         return s;
     };
     Index t = 0;
@@ -143,7 +133,7 @@ template<class Put> QVR_INLINE void owedSums(const double* taps, const double* x
     const auto partial = [=](Index k, Index least) {
         double s = 0;
         for (Index j = L - k < n ? L - k : n; j > least; j--)
-            s += taps[k + j] * loadSample(x, n - j);
+            s += taps[k + j] * get(x, n - j);
         return s;
     };
     Index k = 0;
@@ -155,7 +145,7 @@ template<class Put> QVR_INLINE void owedSums(const double* taps, const double* x
         V s0 = load<V>(sums), s1 = load<V>(sums + N), s2 = load<V>(sums + 2 * N), s3 = load<V>(sums + 3 * N);
         for (Index j = common; j >= 1; j--) {
             const double* p = taps + k + j;
-            const V sample = splat<V>(loadSample(x, n - j));
+            const V sample = splat<V>(get(x, n - j));
             s0 = fma(load<V>(p), sample, s0);
             s1 = fma(load<V>(p + N), sample, s1);
             s2 = fma(load<V>(p + 2 * N), sample, s2);
@@ -186,8 +176,8 @@ void singleOutputs(const double* w, double* dst, Index first, Index n, const dou
     for (Index t = first; t < n; t++) {
         double y = w[t];
         for (Index k = (order < t ? order : t) - 1; k >= 0; k--)
-            y = addTerm(c[k], loadSample(dst, t - 1 - k), y);
-        storeSample(dst, t, y);
+            y = addTerm(c[k], get(dst, t - 1 - k), y);
+        put(dst, t, y);
     }
 }
 
@@ -202,7 +192,7 @@ QVR_INLINE void recursive(const double* w, double* dst, Index first, Index n, co
     // Four outputs before t, then the four from t on.
     double y[8] = {};
     for (int j = 0; j < 4 && first > 0; j++)
-        y[j] = loadSample(dst, first - 4 + j);
+        y[j] = get(dst, first - 4 + j);
     Index t = first;
     for (; t + 4 <= n; t += 4) {
         Quad s = load<Quad>(w + t);
@@ -211,11 +201,11 @@ QVR_INLINE void recursive(const double* w, double* dst, Index first, Index n, co
             Quad other{};
             Index k = (order < t ? order : t) - 1;
             for (; k >= 5; k -= 2) {
-                s = fma(load<Quad>(c + k), splat<Quad>(loadSample(dst, t - 1 - k)), s);
-                other = fma(load<Quad>(c + k - 1), splat<Quad>(loadSample(dst, t - k)), other);
+                s = fma(load<Quad>(c + k), splat<Quad>(get(dst, t - 1 - k)), s);
+                other = fma(load<Quad>(c + k - 1), splat<Quad>(get(dst, t - k)), other);
             }
             if (k == 4)
-                s = fma(load<Quad>(c + 4), splat<Quad>(loadSample(dst, t - 5)), s);
+                s = fma(load<Quad>(c + 4), splat<Quad>(get(dst, t - 5)), s);
             s += other;
         }
 #pragma clang loop unroll(full)
@@ -240,7 +230,7 @@ void recursiveAnyOrder(const double* w, double* dst, Index first, Index n, const
 {
     recursive<0>(w, dst, first, n, c, order);
     const auto finite = [=](Index t) {
-        const double y = loadSample(dst, t);
+        const double y = get(dst, t);
         return y - y == 0;
     };
     if (finite(n - 1))
@@ -265,7 +255,7 @@ void recursiveHighOrder(double* w, double* dst, Index n, const double* c, Index 
         // Near the chunk's begin some coefficients meet outputs from its first on only.
         for (Index i = t + 1; i < end && t < order; i++)
             for (Index k = (order < i ? order : i) - 1; k >= t && k >= kNear; k--)
-                w[i] = addTerm(c[k], loadSample(dst, i - 1 - k), w[i]);
+                w[i] = addTerm(c[k], get(dst, i - 1 - k), w[i]);
         V s = load<V>(w + t);
         for (Index k = (order < t ? order : t) - 1; k >= kNear; k--)
             s = fma(splat<V>(c[k]), load<V>(dst + t - 1 - k), s);
@@ -345,11 +335,11 @@ void oneSection(const double* src, double* dst, Index n, const double taps[5], d
     const double b0 = taps[0], b1 = taps[1], b2 = taps[2], a1 = taps[3], a2 = taps[4];
     double d0 = delay[0], d1 = delay[1];
     for (Index i = 0; i < n; i++) {
-        const double x = loadSample(src, i);
+        const double x = get(src, i);
         const double y = b0 * x + d0;
         d0 = b1 * x + d1 - a1 * y;
         d1 = b2 * x - a2 * y;
-        storeSample(dst, i, y);
+        put(dst, i, y);
     }
     delay[0] = d0;
     delay[1] = d1;
@@ -361,14 +351,14 @@ void twoSections(const double* src, double* dst, Index n, const double taps[10],
     const double b0 = taps[0], b1 = taps[1], b2 = taps[2], a1 = taps[3], a2 = taps[4];
     const double e0 = taps[5], e1 = taps[6], e2 = taps[7], f1 = taps[8], f2 = taps[9];
     double d0 = delay[0], d1 = delay[1], g0 = delay[2], g1 = delay[3];
-    double x = loadSample(src, 0);
+    double x = get(src, 0);
     double y = b0 * x + d0;
     d0 = b1 * x + d1 - a1 * y;
     d1 = b2 * x - a2 * y;
     for (Index i = 1; i <= n; i++) {
         const double mid = y;
         if (i < n) {
-            x = loadSample(src, i);
+            x = get(src, i);
             y = b0 * x + d0;
             d0 = b1 * x + d1 - a1 * y;
             d1 = b2 * x - a2 * y;
@@ -376,7 +366,7 @@ void twoSections(const double* src, double* dst, Index n, const double taps[10],
         const double z = e0 * mid + g0;
         g0 = e1 * mid + g1 - f1 * z;
         g1 = e2 * mid - f2 * z;
-        storeSample(dst, i - 1, z);
+        put(dst, i - 1, z);
     }
     delay[0] = d0;
     delay[1] = d1;
@@ -399,7 +389,7 @@ void runCascade(const double* src, double* dst, Index n, const qvrsIIRState_64f*
             oneSection(from, to, chunk, state->tapsStore + 5 * s, state->delayStore + 2 * s);
         if (sections == 0 && from != to)
             for (Index k = 0; k < chunk; k++)
-                storeSample(to, k, loadSample(from, k));
+                put(to, k, get(from, k));
     }
 }
 

@@ -10,7 +10,8 @@
 #include "filters/functions.h"
 #include "filters/iir.h"
 
-#include "frame/memory.h"
+#include "frame/arena.h"
+#include "frame/element.h"
 #include "frame/status.h"
 
 namespace {
@@ -28,19 +29,6 @@ void fillLookAhead(const double* a, int64_t order, double* rows)
     }
 }
 
-// Regions behind the header, each on a boundary of 64 bytes.
-int64_t regionBytes(int64_t doubles)
-{
-    return qvrAlignUp<int64_t>(doubles * 8, 64);
-}
-
-double loadDouble(const double* p, int64_t i)
-{
-    double x;
-    __builtin_memcpy(&x, reinterpret_cast<const char*>(p) + 8 * i, 8);
-    return x;
-}
-
 } // namespace
 
 extern "C" qvrStatus SLOT(qvrsIIRInitAlloc_64f)(qvrsIIRState_64f** statePtr, const qvr64f* taps, int order,
@@ -50,41 +38,37 @@ extern "C" qvrStatus SLOT(qvrsIIRInitAlloc_64f)(qvrsIIRState_64f** statePtr, con
         return qvrErrNullPointer;
     if (order < 1)
         return qvrErrBadOrder;
-    const int64_t L = order, header = qvrAlignUp<int64_t>(sizeof(qvrsIIRState_64f), 64);
-    const int64_t tapsBytes = regionBytes(2 * L + 1), delayBytes = regionBytes(L + 1);
-    const int64_t pairBytes = kHasIirBlocks ? regionBytes(2 * (L + 1)) : 0;
-    const int64_t rowBytes = kHasIirBlocks ? regionBytes(4 * L) : 0;
-    const int64_t blockBytes = kHasIirBlocks ? regionBytes(kIirChunk) : 0;
-    const int64_t total = header + tapsBytes + delayBytes + pairBytes + rowBytes + blockBytes;
-    if (total > INT32_MAX)
+    const int64_t L = order;
+    qvrsIIRState_64f* state;
+    qvrsIIRState_64f regions = {};
+    if (!build([&](Arena& arena) {
+            state = arena.take<qvrsIIRState_64f>(1);
+            regions.tapsStore = arena.take<double>(2 * L + 1);
+            regions.delayStore = arena.take<double>(L + 1);
+            regions.pairTaps = arena.take<double>(kHasIirBlocks ? 2 * (L + 1) : 0);
+            regions.lookAheadRows = arena.take<double>(kHasIirBlocks ? 4 * L : 0);
+            regions.blockBuffer = arena.take<double>(kHasIirBlocks ? kIirChunk : 0);
+        }))
         return qvrErrNoMemory;
-    char* block = allocate<char>(static_cast<int>(total));
-    if (block == nullptr)
-        return qvrErrNoMemory;
-    auto* state = reinterpret_cast<qvrsIIRState_64f*>(block);
-    const auto take = [&block](int64_t bytes) {
-        double* region = reinterpret_cast<double*>(block);
-        block += bytes;
-        return bytes != 0 ? region : nullptr;
-    };
-    block += header;
-    *state = {qvrTagIir,      take(tapsBytes),  take(delayBytes), order, take(pairBytes),
-              take(rowBytes), take(blockBytes), nullptr,          1};
+    *state = regions;
+    state->tag = qvrTagIir;
+    state->order = order;
+    state->owned = 1;
     *statePtr = state;
 
     for (int64_t k = 0; k < L; k++)
-        state->delayStore[k] = dlyLine != nullptr ? loadDouble(dlyLine, k) : 0;
+        state->delayStore[k] = dlyLine != nullptr ? get(dlyLine, k) : 0;
     state->delayStore[L] = 0;
-    const double a0 = loadDouble(taps, L + 1);
+    const double a0 = get(taps, L + 1);
     if (a0 == 0) {
         release(state);
         return qvrErrDivByZero;
     }
     const double r = 1.0 / a0;
     for (int64_t k = 0; k <= L; k++)
-        state->tapsStore[k] = loadDouble(taps, k) * r;
+        state->tapsStore[k] = get(taps, k) * r;
     for (int64_t k = 1; k <= L; k++)
-        state->tapsStore[L + k] = loadDouble(taps, L + 1 + k) * r;
+        state->tapsStore[L + k] = get(taps, L + 1 + k) * r;
     if constexpr (kHasIirBlocks) {
         for (int64_t k = 0; k <= L; k++)
             state->pairTaps[2 * k] = state->pairTaps[2 * k + 1] = state->tapsStore[k];

@@ -9,13 +9,12 @@
 // neighbour above (entering >= leaving) or below (entering < leaving)
 //   a < leaving ? a : min(b, max(a, entering))          a > leaving ? a : max(b, min(a, entering))
 #include "filters/functions.h"
+#include "frame/element.h"
 #include "frame/memory.h"
 #include "frame/simd.h"
 #include "frame/status.h"
 
 namespace {
-
-using Index = int64_t;
 
 template<class V> QVR_INLINE V medianOfThree(V a, V b, V c)
 {
@@ -27,11 +26,6 @@ template<class V> QVR_INLINE V medianOfFive(V a, V b, V c, V d, V e)
 {
     const V low = max(min(a, b), min(c, d)), high = min(max(a, b), max(c, d));
     return medianOfThree(low, high, e);
-}
-
-QVR_INLINE float at(const float* x, Index i)
-{
-    return load<Vec<float, 1>>(x + i)[0];
 }
 
 void median3(float* x, Index n)
@@ -46,7 +40,7 @@ void median3(float* x, Index n)
         before = next;
     }
     using S = Vec<float, 1>;
-    S previous = {i == 1 ? at(x, 0) : before[0]};
+    S previous = {i == 1 ? get(x, 0) : before[0]};
     for (; i < n - 1; i++) {
         const S here = load<S>(x + i);
         store(x + i, medianOfThree(previous, here, load<S>(x + i + 1)));
@@ -59,7 +53,7 @@ void median5(float* x, Index n)
     using V = Full<float>;
     using S = Vec<float, 1>;
     constexpr int N = kLanes<float>;
-    const auto sample = [=](Index i) { return S{at(x, i < n ? i : n - 1)}; };
+    const auto sample = [=](Index i) { return S{get(x, i < n ? i : n - 1)}; };
     // The window of output 1 reaches one place before the vector.
     S back2 = sample(0), back1 = sample(0);
     Index i = 1;
@@ -184,7 +178,7 @@ void medianGeneral(float* x, Index n, Index m, float* sorted, float* ring)
 {
     const Index h = m / 2;
     Window w = {sorted, m, 0, false};
-    const auto firstWindow = [=](Index k) { return at(x, k < h ? 0 : k - h < n ? k - h : n - 1); };
+    const auto firstWindow = [=](Index k) { return get(x, k < h ? 0 : k - h < n ? k - h : n - 1); };
     for (Index k = 0; k < m; k++) {
         sorted[k] = firstWindow(k);
         w.otherZeros += isOtherZero(sorted[k]);
@@ -200,10 +194,10 @@ void medianGeneral(float* x, Index n, Index m, float* sorted, float* ring)
         sorted[-k] = -__builtin_inff();
     for (Index k = m; k < qvrAlignUp<Index>(m, 8) + 8; k++)
         sorted[k] = __builtin_inff();
-    const float lastInput = at(x, n - 1);
+    const float lastInput = get(x, n - 1);
     Index position = 0;
     for (Index out = 1; out < n - 1; out++) {
-        const float entering = out + h < n ? at(x, out + h) : lastInput;
+        const float entering = out + h < n ? get(x, out + h) : lastInput;
         const float leaving = ring[position];
         ring[position] = entering;
         position = position + 1 < m ? position + 1 : 0;

@@ -1,27 +1,16 @@
 // Complex numbers in vectors.
 //
-// Outside, points are (re, im) pairs. Inside a transform they stand in the running format: groups of one vector of real
+// Outside, points are (re, im) pairs. Inside a transform they stand in split-complex form: groups of one vector of real
 // parts and one of imaginary parts. Both directions of the change use shuffles within 16-byte blocks only, so on the
 // wide levels the lanes of a group are not in rising order: lane l holds point laneIndex(l). Element-wise work does not
 // see it, and twiddles are stored in the same order.
 #ifndef QVR_FOURIER_LANES_H
 #define QVR_FOURIER_LANES_H
 
+#include "frame/element.h"
 #include "frame/simd.h"
 
 namespace {
-
-using Index = int64_t;
-
-// One element at any address.
-template<class T> QVR_INLINE T get(const T* p, Index i)
-{
-    return load<Vec<T, 1>>(p + i)[0];
-}
-template<class T> QVR_INLINE void put(T* p, Index i, T v)
-{
-    store(p + i, Vec<T, 1>{v});
-}
 
 // A group of points.
 template<class V> struct Cx {

@@ -26,6 +26,9 @@
 
 namespace {
 
+// Places and counts: never 32 bits, so that sums and products of lengths cannot wrap.
+using Index = int64_t;
+
 constexpr int kSlot = QVR_PASTE(qvrSlot, QVR_SLOT_PREFIX);
 
 // The level as constants for `if constexpr`. Preprocessor tests on the level belong in simd.h alone.

@@ -27,11 +27,11 @@ template<class A> struct TapColumns {
     Index width, from, to, length;
 };
 
-template<class A> QVR_INLINE Vec<A, 1> elementOf(const A* s)
+template<class A> QVR_INLINE Vec<A, 1> get(const A* s)
 {
     return load<Vec<A, 1>>(s);
 }
-QVR_INLINE Vec<float, 1> elementOf(const uint8_t* s)
+QVR_INLINE Vec<float, 1> get(const uint8_t* s)
 {
     return Vec<float, 1>{static_cast<float>(*s)};
 }
@@ -48,7 +48,7 @@ template<class T, int NC, int NT> QVR_INLINE void filterOne(const T* s, const Ta
     using A = Sum<T>;
     using V = Vec<A, 1>;
     for (int k = 0; k < NC; k++) {
-        const auto pixel = [&](Index n) { return elementOf(s + clampIndex(c.start[x] + n, c.length) * NC + k); };
+        const auto pixel = [&](Index n) { return get(s + clampIndex(c.start[x] + n, c.length) * NC + k); };
         const auto weight = [&](Index n) { return load<V>(c.w + x * c.perPosition + n * c.perTap); };
         V sum = {};
         if constexpr (NT == 2) {

@@ -16,14 +16,14 @@ QVR_EXPORTED qvrStatus Morven_qvrsCopyColumn_Indirect_16s_D2(const qvr16s* pSrc,
     if (srcCols > srcStride || dstCols > dstStride)
         return qvrErrBadColumns;
     for (int64_t c = 0; c < dstCols; c++) {
-        const int32_t k = elementAt(pIndex, c);
+        const int32_t k = get(pIndex, c);
         if (k < 0 || k >= srcCols)
             return qvrErrBadSize;
-        putElement(pDst, c, elementAt(pSrc, k));
+        put(pDst, c, get(pSrc, k));
     }
     for (int64_t r = 1; r < rows; r++)
         for (int64_t c = 0; c < dstCols; c++)
-            putElement(pDst, r * dstStride + c, elementAt(pSrc, r * srcStride + elementAt(pIndex, c)));
+            put(pDst, r * dstStride + c, get(pSrc, r * srcStride + get(pIndex, c)));
     return qvrOk;
 }
 
@@ -35,12 +35,12 @@ QVR_EXPORTED qvrStatus Morven_qvrsCopyColumn_Indirect_16s_D2L(const qvr16s** ppS
     if (srcCols < 1 || dstCols < 1 || rows < 1)
         return qvrErrBadSize;
     for (int64_t r = 0; r < rows; r++) {
-        qvr16s* const dst = elementAt(ppDst, r);
-        const qvr16s* const src = elementAt(ppSrc, r);
+        qvr16s* const dst = get(ppDst, r);
+        const qvr16s* const src = get(ppSrc, r);
         if (dst == nullptr || src == nullptr)
             return qvrErrNullPointer;
         for (int64_t c = 0; c < dstCols; c++)
-            putElement(dst, c, elementAt(src, elementAt(pIndex, c)));
+            put(dst, c, get(src, get(pIndex, c)));
     }
     return qvrOk;
 }

@@ -1,6 +1,8 @@
 // Conversions between element types.
+#include "frame/element.h"
 #include "vector/functions.h"
 #include "vector/loops.h"
+#include "vector/narrow.h"
 #include "vector/shared.h"
 
 namespace {
@@ -18,7 +20,7 @@ constexpr int kFrom16To64 = kAvx ? kLanes<double> : kBlock64;
 double scaleFactor64(int scale)
 {
     const int clamped = scale < -1008 ? -1008 : scale > 1022 ? 1022 : scale;
-    return __builtin_bit_cast(double, static_cast<uint64_t>(1023 - clamped) << 52);
+    return powerOfTwo64(-clamped);
 }
 
 // 2 to the power of -scale in single precision: denormal from 127 on, 0 above 149, infinite below -127.
@@ -28,8 +30,7 @@ float scaleFactor32(int scale)
         return 0;
     if (scale < -127)
         return __builtin_inff();
-    const uint32_t bits = scale >= 127 ? 1u << (149 - scale) : static_cast<uint32_t>(127 - scale) << 23;
-    return __builtin_bit_cast(float, bits);
+    return scale >= 127 ? __builtin_bit_cast(float, 1u << (149 - scale)) : powerOfTwo32(-scale);
 }
 
 // What does not fit would convert to the right end, too, but not without raising the invalid flag.
@@ -93,12 +94,7 @@ qvrStatus SLOT(qvrsConvert_32f64f)(const qvr32f* pSrc, qvr64f* pDst, int len)
 
 qvrStatus SLOT(qvrsConvert_64f32f)(const qvr64f* pSrc, qvr32f* pDst, int len)
 {
-    return conversion<kBlock64>(pSrc, pDst, len, [](auto x) {
-        using V = decltype(x);
-        const V largest = splat<V>(3.4028234663852886e38);
-        // The element stands second in both: a NaN passes.
-        return convert<float>(min(largest, max(-largest, x)));
-    });
+    return conversion<kBlock64>(pSrc, pDst, len, [](auto x) { return narrowed(x); });
 }
 
 qvrStatus SLOT(qvrsConvert_32s16s)(const qvr32s* pSrc, qvr16s* pDst, int len)

@@ -13,18 +13,18 @@ constexpr Index kBlock = 1024;
 
 template<class T> QVR_INLINE T firstZeroIfZero(const T* src, Index n, T extreme)
 {
-    return isZero(Vec<T, 1>{extreme})[0] ? elementAt(src, firstEqual(src, n, extreme)) : extreme;
+    return isZero(Vec<T, 1>{extreme})[0] ? get(src, firstEqual(src, n, extreme)) : extreme;
 }
 
 template<class T, class Pick> QVR_INLINE qvrStatus extreme(const T* pSrc, int len, T* pResult, Pick pick)
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pResult))
         return status;
-    T best = elementAt(pSrc, 0);
+    T best = get(pSrc, 0);
     extremes(pSrc, len, &best, pick);
     if constexpr (kIsFloat<T>)
         best = firstZeroIfZero(pSrc, len, best);
-    putElement(pResult, 0, best);
+    put(pResult, 0, best);
     return qvrOk;
 }
 
@@ -32,15 +32,15 @@ template<class T> QVR_INLINE qvrStatus bothExtremes(const T* pSrc, int len, T* p
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pMin, pMax))
         return status;
-    const T first = elementAt(pSrc, 0);
+    const T first = get(pSrc, 0);
     T best[2] = {first, first};
     extremes(pSrc, len, best, Smallest{}, Largest{});
     if constexpr (kIsFloat<T>) {
         best[0] = firstZeroIfZero(pSrc, len, best[0]);
         best[1] = firstZeroIfZero(pSrc, len, best[1]);
     }
-    putElement(pMin, 0, best[0]);
-    putElement(pMax, 0, best[1]);
+    put(pMin, 0, best[0]);
+    put(pMax, 0, best[1]);
     return qvrOk;
 }
 
@@ -48,7 +48,7 @@ template<class T> QVR_INLINE qvrStatus bothExtremes(const T* pSrc, int len, T* p
 // beats, NaN among them, is the extreme itself.
 template<class Pick> QVR_INLINE Index extremePlace(const float* src, Index n, Pick pick)
 {
-    float best = elementAt(src, 0);
+    float best = get(src, 0);
     Index from = -1;
     for (Index i = 0; i < n; i += kBlock) {
         float blockBest = best;
@@ -67,8 +67,8 @@ QVR_INLINE qvrStatus indexedExtreme(const qvr32f* pSrc, int len, qvr32f* pResult
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pResult))
         return status;
     const Index place = extremePlace(pSrc, len, pick);
-    putElement(pResult, 0, elementAt(pSrc, place));
-    putElement(pIndx, 0, static_cast<qvr32s>(place));
+    put(pResult, 0, get(pSrc, place));
+    put(pIndx, 0, static_cast<qvr32s>(place));
     return qvrOk;
 }
 

@@ -42,7 +42,7 @@ struct Probes {
 template<class T> QVR_INLINE Probes chooseProbes(const T* find, Index n)
 {
     for (Index i = 1; i < n; i++)
-        if (elementAt(find, i) != elementAt(find, i - 1))
+        if (get(find, i) != get(find, i - 1))
             return {i - 1, i};
     return {0, n - 1};
 }
@@ -72,7 +72,7 @@ template<class T> QVR_INLINE Index search(const T* src, Index len, const T* find
         return -1;
     }
     const Probes at = chooseProbes(find, n);
-    const V first = splat<V>(elementAt(find, at.first)), second = splat<V>(elementAt(find, at.second));
+    const V first = splat<V>(get(find, at.first)), second = splat<V>(get(find, at.second));
     const auto match = [&](Index k) {
         return (load<V>(src + k + at.first) == first) & (load<V>(src + k + at.second) == second);
     };
@@ -98,7 +98,7 @@ template<class T> QVR_INLINE qvrStatus findFirst(const T* pSrc, int len, const T
     if (len < 0 || lenFind < 0)
         return qvrErrBadCount;
     const Index at = len == 0 || lenFind == 0 || lenFind > len ? -1 : search(pSrc, len, pFind, lenFind);
-    putElement(pIndex, 0, static_cast<qvr32s>(at));
+    put(pIndex, 0, static_cast<qvr32s>(at));
     return qvrOk;
 }
 

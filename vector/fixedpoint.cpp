@@ -10,6 +10,7 @@
 #include "vector/functions.h"
 #include "vector/halfwords.h"
 #include "vector/loops.h"
+#include "vector/narrow.h"
 
 namespace {
 
@@ -17,15 +18,6 @@ namespace {
 template<class V> QVR_INLINE V floorHalf(V a, V b)
 {
     return (a & b) + shiftRight(a ^ b, 1);
-}
-
-// The value whose floor is given, divided by 2^shift; the sticky bit is bit 0 of `sticky`. There must be one bit of the
-// value below the floor at least, so that 2^(shift-1) - 1 fits beside the largest floor.
-template<class V> QVR_INLINE V halfEven(V floor, V sticky, int shift)
-{
-    const Elem<V> half = static_cast<Elem<V>>(1 << (shift - 1));
-    const V odd = (shiftRight(floor, shift) | sticky) & 1;
-    return shiftRight(floor + odd + static_cast<Elem<V>>(half - 1), shift);
 }
 
 // x * 2^k for k from 1 to 15, saturated.

@@ -7,13 +7,11 @@
 #ifndef QVR_VECTOR_FOLD_H
 #define QVR_VECTOR_FOLD_H
 
+#include "frame/element.h"
 #include "frame/simd.h"
 #include "frame/status.h"
-#include "vector/element.h"
 
 namespace {
-
-using Index = int64_t;
 
 // step(accumulator, B lanes of each source) gives the new accumulator; join adds two of them.
 template<int B, class Acc, class Step, class Join, class... S>
@@ -117,7 +115,7 @@ template<class T> QVR_INLINE Index firstEqual(const T* src, Index n, T value)
             return i + firstTrue(equal);
     }
     for (; i < n - 1; i++)
-        if (elementAt(src, i) == value)
+        if (get(src, i) == value)
             break;
     return i;
 }

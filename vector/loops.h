@@ -15,8 +15,6 @@
 
 namespace {
 
-using Index = int64_t;
-
 // From here on a head of less than one vector aligns the destination. A store across a cache line costs two, which
 // from about 16 vectors on is more than the head.
 template<class T> constexpr Index kAlignFrom = 16 * kLanes<T>;

@@ -2,7 +2,7 @@
 #ifndef QVR_VECTOR_PLAIN_H
 #define QVR_VECTOR_PLAIN_H
 
-#include "vector/element.h"
+#include "frame/element.h"
 
 #define QVR_EXPORTED __attribute__((visibility("default")))
 

@@ -1,4 +1,5 @@
-// Ascending sort in place: quicksort with the median of three, an explicit stack, and a selection sort at the bottom.
+// Ascending sort in place: quicksort (Hoare, Computer J. 5, 1962) with the median of three, an explicit stack, and a
+// selection sort at the bottom.
 //
 // The order of what compares as equal, zeros of both signs, and of NaN is that of the steps as they stand here, so a
 // change of the steps is a change of results. An array without negative zeros, NaN and denormals (which count as zeros
@@ -14,15 +15,15 @@ constexpr int kStack = 32; // only the larger part is pushed, so the depth stays
 
 template<class T> QVR_INLINE void swapElements(T* a, Index i, Index j)
 {
-    const T x = elementAt(a, i), y = elementAt(a, j);
-    putElement(a, i, y);
-    putElement(a, j, x);
+    const T x = get(a, i), y = get(a, j);
+    put(a, i, y);
+    put(a, j, x);
 }
 template<class T> QVR_INLINE void orderPair(T* a, Index i, Index j)
 {
-    const T x = elementAt(a, i), y = elementAt(a, j);
-    putElement(a, i, x > y ? y : x);
-    putElement(a, j, x > y ? x : y);
+    const T x = get(a, i), y = get(a, j);
+    put(a, i, x > y ? y : x);
+    put(a, j, x > y ? x : y);
 }
 
 // The first of equal maxima goes to the end.
@@ -30,14 +31,14 @@ template<class T> QVR_INLINE void selectionSort(T* a, Index from, Index to)
 {
     for (; to > from; to--) {
         Index at = from;
-        T best = elementAt(a, from);
+        T best = get(a, from);
         for (Index i = from + 1; i <= to; i++) {
-            const T x = elementAt(a, i);
+            const T x = get(a, i);
             at = x > best ? i : at;
             best = x > best ? x : best;
         }
-        putElement(a, at, elementAt(a, to));
-        putElement(a, to, best);
+        put(a, at, get(a, to));
+        put(a, to, best);
     }
 }
 
@@ -51,12 +52,12 @@ template<class T> QVR_INLINE Parts partition(T* a, Index from, Index to)
     orderPair(a, from, to);
     orderPair(a, mid, to);
     orderPair(a, from, mid);
-    const T pivot = elementAt(a, mid);
+    const T pivot = get(a, mid);
     Index i = from + 1, j = to;
     for (;;) {
-        while (i < j && pivot >= elementAt(a, i))
+        while (i < j && pivot >= get(a, i))
             i++;
-        while (j > i && elementAt(a, j) > pivot)
+        while (j > i && get(a, j) > pivot)
             j--;
         if (i >= j)
             break;
@@ -64,9 +65,9 @@ template<class T> QVR_INLINE Parts partition(T* a, Index from, Index to)
         i++;
         j--;
     }
-    while (i > from && elementAt(a, i) >= pivot)
+    while (i > from && get(a, i) >= pivot)
         i--;
-    while (j < to && pivot >= elementAt(a, j))
+    while (j < to && pivot >= get(a, j))
         j++;
     // With a NaN the left part could be the whole range again, and the sort would not end.
     if (i == to)
@@ -133,7 +134,7 @@ template<class T> QVR_INLINE Kind judge(const T* a, Index n)
         // One pair at a time: there are few.
         Kind kind{!anyTrue(odd(load<Vec<T, 1>>(a))), true, true};
         for (Index i = 1; i < n; i++) {
-            const T x = elementAt(a, i - 1), y = elementAt(a, i);
+            const T x = get(a, i - 1), y = get(a, i);
             kind.plain &= !anyTrue(odd(Vec<T, 1>{y}));
             kind.ascending &= x <= y;
             kind.descending &= x >= y;
@@ -173,9 +174,9 @@ template<bool OrEqual, class T> QVR_INLINE Index gatherShort(T* a, Index n, T pi
     T buffer[kBuffer];
     Index front = 0;
     for (Index i = 0; i < n; i++) {
-        const T x = elementAt(a, i);
-        putElement(a, front, x);
-        putElement(buffer, i - front, x);
+        const T x = get(a, i);
+        put(a, front, x);
+        put(buffer, i - front, x);
         front += goesToFront<OrEqual>(x, pivot);
     }
     const Index back = n - front;
@@ -197,14 +198,14 @@ template<bool OrEqual, class T> QVR_INLINE Index gather(T* a, Index n, T pivot)
             leftAt = 0;
             for (int k = 0; k < B; k++) {
                 left[lefts] = static_cast<uint8_t>(k);
-                lefts += !goesToFront<OrEqual>(elementAt(a, from + k), pivot);
+                lefts += !goesToFront<OrEqual>(get(a, from + k), pivot);
             }
         }
         if (rights == 0) {
             rightAt = 0;
             for (int k = 0; k < B; k++) {
                 right[rights] = static_cast<uint8_t>(k);
-                rights += goesToFront<OrEqual>(elementAt(a, to - 1 - k), pivot);
+                rights += goesToFront<OrEqual>(get(a, to - 1 - k), pivot);
             }
         }
         const int pairs = lefts < rights ? lefts : rights;
@@ -235,7 +236,7 @@ template<class T> QVR_INLINE void sortEight(T* a)
     T x[8];
 #pragma unroll
     for (int i = 0; i < 8; i++)
-        x[i] = elementAt(a, i);
+        x[i] = get(a, i);
 #pragma unroll
     for (int i = 0; i < 19; i++) {
         const T low = x[network[i][0]], high = x[network[i][1]];
@@ -244,7 +245,7 @@ template<class T> QVR_INLINE void sortEight(T* a)
     }
 #pragma unroll
     for (int i = 0; i < 8; i++)
-        putElement(a, i, x[i]);
+        put(a, i, x[i]);
 }
 
 // Few elements by counting: the place of each is the number of those below it and of equal ones before it. A vector of
@@ -259,7 +260,7 @@ template<class T> QVR_INLINE void sortByCounting(T* a, Index n)
     T x[kCountUpTo];
     Elem<M> place[kCountUpTo];
     for (Index i = 0; i < n; i++)
-        x[i] = elementAt(a, i);
+        x[i] = get(a, i);
     for (Index i = n; i % N != 0; i++)
         x[i] = x[0];
     for (Index at = 0; at < n; at += N) {
@@ -280,7 +281,7 @@ template<class T> QVR_INLINE void sortByCounting(T* a, Index n)
         store(place + at, -(below + ones));
     }
     for (Index i = 0; i < n; i++)
-        putElement(a, static_cast<Index>(place[i]), x[i]);
+        put(a, static_cast<Index>(place[i]), x[i]);
 }
 
 constexpr Index kSmallUpTo = 8;
@@ -314,7 +315,7 @@ template<class T> void sortPlain(T* a, Index len)
             continue;
         }
         const auto three = [&](Index at, Index apart) {
-            return medianOf(elementAt(a, at - apart), elementAt(a, at), elementAt(a, at + apart));
+            return medianOf(get(a, at - apart), get(a, at), get(a, at + apart));
         };
         const Index middle = n / 2, apart = n / 8;
         const T pivot = n < kNinthsFrom

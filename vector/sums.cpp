@@ -4,6 +4,7 @@
 // overflow, 32-bit ones as a sum modulo 2^32 beside the sum of their high halves, which together hold the exact sum.
 #include "vector/fold.h"
 #include "vector/functions.h"
+#include "vector/narrow.h"
 
 namespace {
 
@@ -39,7 +40,7 @@ template<bool Squares, class T> QVR_INLINE Moments<double> groupedMoments(const 
     }
     Moments<double> total{acc.sum[1] + acc.sum[0], acc.squares[1] + acc.squares[0]};
     for (; i < n; i++) {
-        const double x = elementAt(src, i);
+        const double x = get(src, i);
         total.sum += x;
         total.squares += Squares ? x * x : 0;
     }
@@ -64,7 +65,7 @@ template<class T> QVR_INLINE qvrStatus mean(const T* pSrc, int len, T* pMean)
 {
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pMean))
         return status;
-    putElement(pMean, 0, static_cast<T>(moments<false>(pSrc, len).sum / len));
+    put(pMean, 0, static_cast<T>(moments<false>(pSrc, len).sum / len));
     return qvrOk;
 }
 
@@ -121,7 +122,7 @@ QVR_INLINE int32_t saturate32(int64_t x)
 // x / 2^s, half to even; s from 1 to 48 and x below 2^62 in magnitude.
 QVR_INLINE int64_t shiftHalfEven(int64_t x, int s)
 {
-    return (x + (int64_t{1} << (s - 1)) - 1 + ((x >> s) & 1)) >> s;
+    return halfEven(Vec<int64_t, 1>{x}, Vec<int64_t, 1>{}, s)[0];
 }
 
 // x * 2^k saturated, for k at least 1.
@@ -165,7 +166,7 @@ qvrStatus SLOT(qvrsStdDev_32f)(const qvr32f* pSrc, int len, qvr32f* pStdDev)
     const Moments<double> m = moments<true>(pSrc, len);
     const double n = len, v = m.squares * n - m.sum * m.sum;
     const double deviation = v > 0 ? __builtin_sqrt(v / ((n - 1) * n)) : 0;
-    putElement(pStdDev, 0, static_cast<float>(deviation));
+    put(pStdDev, 0, static_cast<float>(deviation));
     return qvrOk;
 }
 
@@ -182,7 +183,7 @@ qvrStatus SLOT(qvrsSum_16s32s_Sfs)(const qvr16s* pSrc, int len, qvr32s* pSum, in
         result = shiftUpSaturate(t, -s);
     else if (s <= largestScale)
         result = saturate32(shiftHalfEven(t, scaleFactor));
-    putElement(pSum, 0, result);
+    put(pSum, 0, result);
     return qvrOk;
 }
 
@@ -191,12 +192,11 @@ qvrStatus SLOT(qvrsMean_16s_Sfs)(const qvr16s* pSrc, int len, qvr16s* pMean, int
     if (const qvrStatus status = checkPointersThenLength(len, pSrc, pMean))
         return status;
     const double average = static_cast<double>(sum16(pSrc, len)) / len;
-    const int64_t exponent = int64_t{1023} - scaleFactor;
-    const int64_t field = exponent < 0 ? 0 : exponent > 2047 ? 2047 : exponent;
+    const int64_t s = scaleFactor, exponent = s > 1023 ? -1023 : s < -1024 ? 1024 : -s;
     // A mean of zero stays zero where the factor is infinite.
-    const double scaled = average == 0 ? 0 : average * __builtin_bit_cast(double, static_cast<uint64_t>(field) << 52);
+    const double scaled = average == 0 ? 0 : average * powerOfTwo64(static_cast<int>(exponent));
     const double clamped = scaled < -32768 ? -32768 : scaled > 32767 ? 32767 : scaled;
-    putElement(pMean, 0, static_cast<int16_t>(toInt(Vec<double, 1>{clamped})[0]));
+    put(pMean, 0, static_cast<int16_t>(toInt(Vec<double, 1>{clamped})[0]));
     return qvrOk;
 }
 
@@ -214,7 +214,7 @@ qvrStatus SLOT(qvrsMean_32s_Sfs)(const qvr32s* pSrc, int len, qvr32s* pMean, int
         result = saturate32(divideHalfEven(t * (int64_t{1} << -s), len));
     else
         result = shiftUpSaturate(divideHalfEven(t, len), -s);
-    putElement(pMean, 0, result);
+    put(pMean, 0, result);
     return qvrOk;
 }
 

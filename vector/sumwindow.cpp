@@ -42,7 +42,7 @@ QVR_INLINE float firstWindow(const int16_t* src, Index mask)
         w = sumLanes(of[0]);
     }
     for (; i < mask; i++)
-        w += elementAt(src, i);
+        w += get(src, i);
     return w;
 }
 
@@ -83,7 +83,7 @@ extern "C" qvrStatus SLOT(qvrsSumWindow_16s32f)(const qvr16s* pSrc, qvr32f* pDst
         const Index end = n - 1 - i < kBlock ? n - 1 : i + kBlock;
         for (; i < end; i++) {
             store(pDst + i, Vec<float, 1>{w});
-            w += static_cast<float>(elementAt(pSrc, i + mask) - elementAt(pSrc, i));
+            w += static_cast<float>(get(pSrc, i + mask) - get(pSrc, i));
         }
     }
     store(pDst + n - 1, Vec<float, 1>{w});

@@ -31,15 +31,15 @@ QVR_EXPORTED qvrStatus Morven_qvrsSignChangeRate_Count0_32f(const qvr32f* pSrc, 
     int32_t steps = 0;
     int64_t i = 1;
     for (; i < exactEnd; i++) {
-        const int step = signOf(elementAt(pSrc, i)) - signOf(elementAt(pSrc, i - 1));
+        const int step = signOf(get(pSrc, i)) - signOf(get(pSrc, i - 1));
         steps += step < 0 ? -step : step;
     }
     float sum = static_cast<float>(steps);
     for (; i < len; i++) {
-        const int step = signOf(elementAt(pSrc, i)) - signOf(elementAt(pSrc, i - 1));
+        const int step = signOf(get(pSrc, i)) - signOf(get(pSrc, i - 1));
         sum += static_cast<float>(step < 0 ? -step : step);
     }
-    putElement(pResult, 0, sum * 0.5f);
+    put(pResult, 0, sum * 0.5f);
     return qvrOk;
 }
 
@@ -50,16 +50,16 @@ QVR_EXPORTED qvrStatus Morven_qvrsCompensateOffset_32f(const qvr32f* pSrc, qvr32
         return qvrErrNullPointer;
     if (len < 1)
         return qvrErrBadSize;
-    float before = elementAt(pSrc, 0);
+    float before = get(pSrc, 0);
     float y = prevValue * factor;
-    putElement(pDst, 0, y);
+    put(pDst, 0, y);
     for (int64_t i = 1; i < len; i++) {
-        const float x = elementAt(pSrc, i);
+        const float x = get(pSrc, i);
         y = y * factor + (x - before);
         before = x;
-        putElement(pDst, i, y);
+        put(pDst, i, y);
     }
-    putElement(pLast, 0, elementAt(pSrc, len));
+    put(pLast, 0, get(pSrc, len));
     return qvrOk;
 }
 
@@ -70,16 +70,16 @@ QVR_EXPORTED qvrStatus Morven_qvrsCompensateOffset_32f_I(qvr32f* pSrcDst, int le
         return qvrErrNullPointer;
     if (len < 1)
         return qvrErrBadSize;
-    float before = elementAt(pSrcDst, 0);
-    float y = prevValue * factor + (before - elementAt(pLast, 0));
-    putElement(pSrcDst, 0, y);
+    float before = get(pSrcDst, 0);
+    float y = prevValue * factor + (before - get(pLast, 0));
+    put(pSrcDst, 0, y);
     for (int64_t i = 1; i < len; i++) {
-        const float x = elementAt(pSrcDst, i);
+        const float x = get(pSrcDst, i);
         y = (x - y) + before * factor;
         before = x;
-        putElement(pSrcDst, i, y);
+        put(pSrcDst, i, y);
     }
-    putElement(pLast, 0, before);
+    put(pLast, 0, before);
     return qvrOk;
 }
 

@@ -54,6 +54,6 @@ extern "C" qvrStatus SLOT(qvrsZeroCrossing_32f)(const qvr32f* pSrc, int len, qvr
         result = static_cast<float>(countSignBits(pSrc, pairs));
     else
         result = static_cast<float>(countSignSteps(pSrc, pairs)) * 0.5f;
-    putElement(pResult, 0, result);
+    put(pResult, 0, result);
     return qvrOk;
 }

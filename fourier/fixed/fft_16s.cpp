@@ -15,7 +15,7 @@
 #include "fourier/lanes.h"
 #include "fourier/quarter.h"
 #include "fourier/real/spec.h"
-#include "frame/memory.h"
+#include "frame/arena.h"
 #include "frame/status.h"
 #include "vector/shared.h"
 
@@ -23,7 +23,6 @@ namespace {
 
 constexpr int32_t kTag = 3;
 constexpr int kOrderEnd = 31;
-constexpr Index kLine = 64;
 
 // Integers below this order.
 constexpr int kFloatFrom = PerSlot<int>{9, 4, 4, 4, 4, 4, 4}.here();
@@ -242,8 +241,7 @@ qvrStatus floatTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_1
     // place.
     constexpr FftLimits limits = kFftLimits<float>;
     const bool flat = !kFirstGeneration && spec.order > limits.complex && spec.order <= limits.flat;
-    float* const x =
-        flat ? reinterpret_cast<float*>(qvrAlignUp(reinterpret_cast<uintptr_t>(rest), uintptr_t{kLine})) : y;
+    float* const x = flat ? alignLine<float>(rest) : y;
     SLOT_SHARED(qvrsConvert_16s32f)(src, x, n);
     // Packed, which is whole vectors to convert; what goes to other places is moved behind.
     if (const qvrStatus status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(x, y, spec.pFloatSpec, rest))
@@ -269,27 +267,30 @@ qvrStatus SLOT(qvrsFFTInitAlloc_R_16s)(qvrsFFTSpec_R_16s** ppSpec, int order, in
         return qvrErrFFTOrder;
     const bool integers = (hint == qvrHintNone || hint == qvrHintFast) && order < kFloatFrom;
     const bool useFloat = order > 0 && !integers;
-    const Index header = qvrAlignUp<Index>(sizeof(Spec), kLine), n = Index{1} << order;
-    Index size = header, work = 4 * n + 8;
-    int32_t initSize = 0;
     const int m = order - 1;
+    Index work = (Index{4} << order) + 8;
+    int32_t specSize = 0, initSize = 0;
     if (useFloat) {
-        int32_t specSize, workSize;
+        int32_t workSize;
         if (const qvrStatus status = SLOT(ownqvrsFFTGetSize_R_32f)(order, flag, hint, &specSize, &initSize, &workSize))
             return status;
-        size += specSize;
         work += workSize;
-    } else if (order > 0) {
-        size += qvrAlignUp(swapEntries(m) * 4, kLine) + qvrAlignUp(2 * kEntry * complexEntries(m), kLine) +
-                qvrAlignUp(2 * kEntry * realEntries(order), kLine);
     }
-    if (size > INT32_MAX || work > INT32_MAX)
+    Spec* spec;
+    Spec tables = {};
+    uint8_t* floatSpec;
+    const auto layOut = [&](Arena& arena) {
+        spec = arena.take<Spec>(1);
+        floatSpec = arena.take<uint8_t>(specSize);
+        if (order > 0 && !useFloat) {
+            tables.pBitRev = arena.take<int32_t>(swapEntries(m));
+            tables.pTwiddleC = arena.take<int16_t>(kEntry * complexEntries(m));
+            tables.pTwiddleR = arena.take<int16_t>(kEntry * realEntries(order));
+        }
+    };
+    if (work > INT32_MAX || !build(layOut))
         return qvrErrNoMemory;
-    uint8_t* block = allocate<uint8_t>(static_cast<int>(size));
-    if (block == nullptr)
-        return qvrErrNoMemory;
-    Spec* spec = reinterpret_cast<Spec*>(block);
-    *spec = {};
+    *spec = tables;
     spec->tag = kTag;
     spec->order = order;
     spec->hint = hint;
@@ -311,24 +312,18 @@ qvrStatus SLOT(qvrsFFTInitAlloc_R_16s)(qvrsFFTSpec_R_16s** ppSpec, int order, in
         break;
     default:
         spec->tag = 0;
-        release(block);
+        release(spec);
         return qvrErrFFTFlag;
     }
-    block += header;
     qvrStatus status = qvrOk;
     if (useFloat) {
         uint8_t* scratch = nullptr;
         if (initSize > 0 && (scratch = allocate<uint8_t>(initSize)) == nullptr)
             status = qvrErrNoMemory;
         else
-            status = SLOT(ownqvrsFFTInit_R_32f)(&spec->pFloatSpec, order, flag, hint, block, scratch);
+            status = SLOT(ownqvrsFFTInit_R_32f)(&spec->pFloatSpec, order, flag, hint, floatSpec, scratch);
         release(scratch);
     } else if (order > 0) {
-        spec->pBitRev = reinterpret_cast<int32_t*>(block);
-        block += qvrAlignUp(swapEntries(m) * 4, kLine);
-        spec->pTwiddleC = reinterpret_cast<int16_t*>(block);
-        block += qvrAlignUp(2 * kEntry * complexEntries(m), kLine);
-        spec->pTwiddleR = reinterpret_cast<int16_t*>(block);
         for (Index i = 0; i < swapEntries(m); i++)
             spec->pBitRev[i] =
                 m == 0 ? 0 : static_cast<int32_t>(__builtin_bitreverse32(static_cast<uint32_t>(i)) >> (32 - m));
@@ -359,7 +354,7 @@ qvrStatus SLOT(qvrsFFTFwd_RToCCS_16s_Sfs)(const qvr16s* pSrc, qvr16s* pDst, cons
     uint8_t* own = nullptr;
     uint8_t* work;
     if (pBuffer != nullptr)
-        work = reinterpret_cast<uint8_t*>(qvrAlignUp(reinterpret_cast<uintptr_t>(pBuffer), uintptr_t{kLine}));
+        work = alignLine<uint8_t>(pBuffer);
     else if ((work = own = allocate<uint8_t>(pSpec->workSize)) == nullptr)
         return qvrErrNoMemory;
     qvrStatus status = qvrOk;

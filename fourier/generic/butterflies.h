@@ -1,5 +1,5 @@
 // Transforms of a few points in natural order, in registers: primes by pairs of conjugate roots, products of coprime
-// factors by index maps that need no twiddles.
+// factors by index maps that need no twiddles (Good, J. R. Stat. Soc. B 20, 1958; Thomas 1963).
 #ifndef QVR_FOURIER_BUTTERFLIES_H
 #define QVR_FOURIER_BUTTERFLIES_H
 

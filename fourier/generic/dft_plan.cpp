@@ -1,4 +1,7 @@
 // Objects of the transforms of any length: factors, stages, tables.
+//
+// Factored lengths are mixed-radix transforms (Singleton, IEEE Trans. Audio Electroacoust. 17, 1969); lengths with a
+// large prime factor are convolutions with a chirp (Bluestein, IEEE Trans. Audio Electroacoust. 18, 1970).
 #include "fourier/functions.h"
 #include "fourier/generic/dft.h"
 #include "fourier/quarter.h"
@@ -367,8 +370,6 @@ qvrStatus makePower(qvrsDFTSpec& spec, bool real, int flag)
     const int order = orderOf(spec.len) + (real ? 0 : 1);
     if (const qvrStatus status = SLOT(qvrsFFTInitAlloc_R_32f)(&spec.pPow2Spec, order, flag, spec.hint))
         return status;
-    if (!real)
-        spec.pPow2Spec->normFactor = spec.normFactor;
     int32_t size;
     SLOT(ownqvrsFFTGetBufSize_R_32f)(spec.pPow2Spec, &size);
     spec.workSize = size;

@@ -2,7 +2,7 @@
 #include "fourier/functions.h"
 #include "fourier/generic/dft.h"
 #include "fourier/real/kernel_table.h"
-#include "frame/memory.h"
+#include "frame/arena.h"
 #include "frame/status.h"
 
 namespace {
@@ -93,7 +93,7 @@ void mixedRadix(const qvrsDFTSpec& spec, const float* src, float* dst, float* wo
                          out.sign);
 }
 
-// Bins first .. first + count - 1 from the values at (re, im), at most `limit` bins.
+// Bins first .. first + count - 1 from the values at (re, im).
 QVR_INLINE void storeBins(float* dst, Index first, Index count, const float* re, const float* im, Out out)
 {
     Index i = 0;
@@ -282,8 +282,7 @@ template<class Body> qvrStatus withWork(const qvrsDFTSpec& spec, uint8_t* pBuffe
         if (own == nullptr)
             return qvrErrNoMemory;
     }
-    const qvrStatus status =
-        body(reinterpret_cast<float*>(qvrAlignUp(reinterpret_cast<uintptr_t>(pBuffer), uintptr_t{64})));
+    const qvrStatus status = body(alignLine<float>(pBuffer));
     release(own);
     return status;
 }
@@ -304,7 +303,7 @@ qvrStatus complexTransform(const float* pSrc, float* pDst, const qvrsDFTSpec* pS
     return withWork(*pSpec, pBuffer, [&](float* work) {
         if (pSpec->isPow2 != 0)
             return SLOT(ownqvrsFFTComplex_32f)(pSrc, pDst, pSpec->pPow2Spec, reinterpret_cast<uint8_t*>(work), inverse,
-                                               scale);
+                                               out.factor);
         return complexForm(*pSpec, pSrc, pDst, work, out);
     });
 }

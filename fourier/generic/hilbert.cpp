@@ -1,4 +1,5 @@
-// Hilbert transform: half of the spectrum doubled, the other half removed.
+// Hilbert transform: half of the spectrum doubled, the other half removed (Marple, IEEE Trans. Signal Process. 47,
+// 1999).
 #include "fourier/functions.h"
 #include "fourier/generic/dft.h"
 #include "frame/memory.h"

@@ -10,12 +10,12 @@
 #include "fourier/real/fft_entries.inc"
 
 extern "C" qvrStatus SLOT(ownqvrsFFTComplex_32f)(const float* pSrc, float* pDst, const qvrsFFTSpec_R_32f* pSpec,
-                                                 uint8_t* pBuffer, bool inverse, bool scale)
+                                                 uint8_t* pBuffer, bool inverse, float factor)
 {
     Work<float> work;
     if (const qvrStatus status = takeWork<float>(*pSpec, pBuffer, work))
         return status;
-    complexTransform(makeRun<float>(*pSpec, inverse, scale ? pSpec->normFactor : 1.0f, work.p), pSrc, pDst);
+    complexTransform(makeRun<float>(*pSpec, inverse, factor, work.p), pSrc, pDst);
     giveWork(work);
     return qvrOk;
 }

@@ -4,7 +4,7 @@
 
 #include "fourier/real/spec.h"
 #include "fourier/real/tables.h"
-#include "frame/memory.h"
+#include "frame/arena.h"
 #include "frame/status.h"
 #include "frame/threads.h"
 
@@ -14,26 +14,6 @@ namespace {
 constexpr int kBandThreads = 2;
 
 constexpr int kFftOrderEnd = 31; // no slot and no precision takes this order or more
-constexpr Index kLine = 64;
-
-inline uint8_t* alignLine(uint8_t* p)
-{
-    return reinterpret_cast<uint8_t*>(qvrAlignUp(reinterpret_cast<uintptr_t>(p), static_cast<uintptr_t>(kLine)));
-}
-
-// Takes pieces of the block. With a null base it only counts.
-struct BlockWalk {
-    uint8_t* base;
-    Index used;
-
-    template<class P> P* take(Index count)
-    {
-        P* p = base != nullptr ? reinterpret_cast<P*>(base + used) : nullptr;
-        used += qvrAlignUp(count * static_cast<Index>(sizeof(P)), kLine);
-        return p;
-    }
-    bool fills() const { return base != nullptr; }
-};
 
 // Bytes of work memory of a flat transform.
 template<class T> constexpr Index flatWork(int m)
@@ -75,7 +55,7 @@ template<class T> constexpr Index workBytes(int order)
 }
 
 // A table's place, filled at once where the walk has memory.
-template<class T, class Fill> inline T* placeTable(BlockWalk& walk, Index size, const Fill& fill)
+template<class T, class Fill> inline T* placeTable(Arena& walk, Index size, const Fill& fill)
 {
     T* table = walk.take<T>(size);
     if (walk.fills())
@@ -83,7 +63,7 @@ template<class T, class Fill> inline T* placeTable(BlockWalk& walk, Index size, 
     return table;
 }
 
-template<class T> inline void firstGenTables(FftSpec<T>& spec, BlockWalk& walk, const Quarter<T>& quarter, int m)
+template<class T> inline void firstGenTables(FftSpec<T>& spec, Arena& walk, const Quarter<T>& quarter, int m)
 {
     int rows = m;
     while (rows > kKernelOrder && splitOrder<T>(rows) != 0)
@@ -102,7 +82,7 @@ template<class T> inline void firstGenTables(FftSpec<T>& spec, BlockWalk& walk, 
     }
 }
 
-template<class T> inline void secondGenTables(FftSpec<T>& spec, BlockWalk& walk, const Quarter<T>& quarter, int order)
+template<class T> inline void secondGenTables(FftSpec<T>& spec, Arena& walk, const Quarter<T>& quarter, int order)
 {
     const int m = order - 1;
     const FftClass c = classOf<T>(order);
@@ -131,7 +111,7 @@ template<class T> inline void secondGenTables(FftSpec<T>& spec, BlockWalk& walk,
             place(plan.level[i].sweep, plan.level[i].sweep + plan.level[i].sweeps);
 }
 
-inline int32_t* placeBitRev(BlockWalk& walk, int m)
+inline int32_t* placeBitRev(Arena& walk, int m)
 {
     if (kFirstGeneration || m < kTiledFrom) {
         int32_t* table = walk.take<int32_t>(bitRevEntries(m));
@@ -155,7 +135,7 @@ inline int32_t* placeBitRev(BlockWalk& walk, int m)
 }
 
 // The whole block after the object itself.
-template<class T> inline void placeTables(FftSpec<T>& spec, BlockWalk& walk, const Quarter<T>& quarter, int order)
+template<class T> inline void placeTables(FftSpec<T>& spec, Arena& walk, const Quarter<T>& quarter, int order)
 {
     const FftClass c = classOf<T>(order);
     if (c == FftClass::real)
@@ -192,7 +172,7 @@ inline qvrStatus fftGetSize(int order, int flag, int32_t* pSpecSize, int32_t* pI
     if (order > kFftLimits<T>.largest)
         return qvrErrFFTOrder;
     SpecType<T> spec{};
-    BlockWalk walk = {nullptr, 0};
+    Arena walk = {nullptr, 0};
     walk.take<SpecType<T>>(1);
     placeTables<T>(spec, walk, {}, order);
     const Index init = order > kConstantBase ? quarterEntries(order) * static_cast<Index>(sizeof(T)) + kLine : 0;
@@ -224,7 +204,7 @@ inline qvrStatus fftInit(SpecType<T>** ppSpec, int order, int flag, int hint, ui
 {
     if (anyNull(ppSpec, pMemSpec) || (order > kConstantBase && pMemInit == nullptr))
         return qvrErrNullPointer;
-    BlockWalk walk = {alignLine(pMemSpec), 0};
+    Arena walk = {alignLine<void>(pMemSpec), 0};
     SpecType<T>* spec = walk.take<SpecType<T>>(1);
     *spec = {};
     if (!knownFlag(flag))
@@ -243,7 +223,7 @@ inline qvrStatus fftInit(SpecType<T>** ppSpec, int order, int flag, int hint, ui
     }
     Quarter<T> quarter = {constantQuarter<T>(), kConstantBase};
     if (order > kConstantBase) {
-        T* s = reinterpret_cast<T*>(alignLine(pMemInit));
+        T* s = alignLine<T>(pMemInit);
         fillQuarter(s, order);
         quarter = {s, order};
     }

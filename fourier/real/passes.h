@@ -2,7 +2,7 @@
 //
 // First pass: a transform of kFirstRadix points without twiddles over legs M/kFirstRadix apart, one lane to each of W
 // neighbouring indices i, transposed so that the results of i stand together at the place of the reversed i.
-// Stages: radix 4 or 8, length q to R q, on groups in the running format. The legs of a butterfly come in bit-reversed
+// Stages: radix 4 or 8, length q to R q, on groups in split-complex form. The legs of a butterfly come in bit-reversed
 // order. Twiddles stand as one record for each W butterflies, in the order in which a block of the stage reads them.
 //
 // A stage in steps is a chain of radix-2 butterflies (a, b) := (a + w b, a - w b), whose twiddles are w^2, w (radix 4)

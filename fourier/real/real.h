@@ -27,7 +27,7 @@ template<class T> inline qvrStatus takeWork(const SpecType<T>& spec, uint8_t* pB
     if (spec.workSize <= 0)
         return qvrOk;
     if (pBuffer != nullptr) {
-        work.p = reinterpret_cast<T*>(alignLine(pBuffer));
+        work.p = alignLine<T>(pBuffer);
         return qvrOk;
     }
     work = {reinterpret_cast<T*>(allocate<uint8_t>(spec.workSize)), true};

@@ -60,6 +60,13 @@ template<> struct SpecTypeOf<double> {
 };
 template<class T> using SpecType = typename SpecTypeOf<T>::type;
 
+// For a caller that forks by itself: the object's transforms stay on the calling thread.
+template<class T> inline void forkNothing([[maybe_unused]] FftSpec<T>* spec)
+{
+    if constexpr (kThreadedBand)
+        spec->threadLimit.value = 1;
+}
+
 } // namespace
 
 // The internal forms, for the families that transform by the way: same checks and statuses as the exported ones.
@@ -91,9 +98,9 @@ extern "C" {
 QVR_FFT_INTERNALS(32f, float)
 QVR_FFT_INTERNALS(64f, double)
 
-// The complex transform inside of a real one: half the object's length, of pairs, times normFactor if `scale`.
+// The complex transform inside of a real one: half the object's length, of pairs, times `factor`.
 QVR_HIDDEN qvrStatus SLOT(ownqvrsFFTComplex_32f)(const float* pSrc, float* pDst, const qvrsFFTSpec_R_32f* pSpec,
-                                                 uint8_t* pBuffer, bool inverse, bool scale);
+                                                 uint8_t* pBuffer, bool inverse, float factor);
 }
 
 #undef QVR_FFT_INTERNALS

@@ -1,7 +1,8 @@
 // Linear convolution by plain sums, by one product of spectra, or block by block of the longer source.
 //
-// Blocks (overlap-save): a transform of F points takes P = F - S + 1 new values of the longer source behind the S - 1
-// last ones of the block before; the cyclic product's results from index S - 1 on are those of the linear one.
+// Blocks (overlap-save; Stockham, AFIPS Spring Joint Computer Conference 1966): a transform of F points takes P = F - S
+// + 1 new values of the longer source behind the S - 1 last ones of the block before; the cyclic product's results from
+// index S - 1 on are those of the linear one.
 #include "fourier/functions.h"
 #include "fourier/real/spec.h"
 #include "fourier/sums/direct.h"

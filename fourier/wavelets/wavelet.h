@@ -1,4 +1,5 @@
-// The records behind the wavelet states, and what both directions share.
+// The records behind the wavelet states, and what both directions share. A level is a pair of filters and a change of
+// rate by two (Mallat, IEEE Trans. Pattern Anal. 11, 1989).
 #ifndef QVR_FOURIER_WAVELET_H
 #define QVR_FOURIER_WAVELET_H
 

@@ -1,72 +1,62 @@
 // Wavelet states: creation, release, delay arrays.
 #include "fourier/functions.h"
 #include "fourier/wavelets/wavelet.h"
+#include "frame/arena.h"
 
 namespace {
 
-// The pieces of one allocation; with a null base it only counts.
-struct Pieces {
-    char* base;
-    Index used;
-
-    template<class T> T* take(Index count)
-    {
-        T* p = base != nullptr ? reinterpret_cast<T*>(base + used) : nullptr;
-        used += qvrAlignUp<Index>(count * static_cast<Index>(sizeof(T)), 64);
-        return p;
-    }
-    DelayLine* takeLine(Index len)
-    {
-        DelayLine* line = take<DelayLine>(1);
-        float* data = take<float>(2 * len);
-        if (line != nullptr) {
-            setZero(data, 2 * len);
-            *line = {data, static_cast<int32_t>(len), 0};
-        }
-        return line;
-    }
-    Taps* takeTaps(const float* pTaps, int len)
-    {
-        Taps* taps = take<Taps>(1);
-        float *copy = take<float>(len), *reversed = take<float>(len);
-        if (taps != nullptr) {
-            copyValues(pTaps, copy, len);
-            for (Index k = 0; k < len; k++)
-                reversed[len - 1 - k] = copy[k];
-            *taps = {len, copy, reversed};
-        }
-        return taps;
-    }
-};
-
-void place(Pieces& pieces, ForwardChannel*& result, const float* pTaps, int len, int offset)
+DelayLine* takeLine(Arena& arena, Index len)
 {
-    ForwardChannel* channel = pieces.take<ForwardChannel>(1);
-    ForwardFir* fir = pieces.take<ForwardFir>(1);
-    Taps* taps = pieces.takeTaps(pTaps, len);
-    DelayLine* ring = pieces.takeLine(len);
-    DelayLine* line = offset > 0 ? pieces.takeLine(offset) : nullptr;
+    DelayLine* line = arena.take<DelayLine>(1);
+    float* data = arena.take<float>(2 * len);
+    if (line != nullptr) {
+        setZero(data, 2 * len);
+        *line = {data, static_cast<int32_t>(len), 0};
+    }
+    return line;
+}
+
+Taps* takeTaps(Arena& arena, const float* pTaps, int len)
+{
+    Taps* taps = arena.take<Taps>(1);
+    float *copy = arena.take<float>(len), *reversed = arena.take<float>(len);
+    if (taps != nullptr) {
+        copyValues(pTaps, copy, len);
+        for (Index k = 0; k < len; k++)
+            reversed[len - 1 - k] = copy[k];
+        *taps = {len, copy, reversed};
+    }
+    return taps;
+}
+
+void place(Arena& arena, ForwardChannel*& result, const float* pTaps, int len, int offset)
+{
+    ForwardChannel* channel = arena.take<ForwardChannel>(1);
+    ForwardFir* fir = arena.take<ForwardFir>(1);
+    Taps* taps = takeTaps(arena, pTaps, len);
+    DelayLine* ring = takeLine(arena, len);
+    DelayLine* line = offset > 0 ? takeLine(arena, offset) : nullptr;
     // A stretch of the stream, and its two halves.
-    float* scratch = pieces.take<float>(forwardScratch(len));
-    if (pieces.base == nullptr)
+    float* scratch = arena.take<float>(forwardScratch(len));
+    if (!arena.fills())
         return;
     *fir = {taps, ring, len, taps->pReversed, offset == -1};
     *channel = {fir, line, len + (offset > 0 ? offset : 0) - 1, scratch};
     result = channel;
 }
 
-void place(Pieces& pieces, InverseChannel*& result, const float* pTaps, int len, int offset)
+void place(Arena& arena, InverseChannel*& result, const float* pTaps, int len, int offset)
 {
-    InverseChannel* channel = pieces.take<InverseChannel>(1);
-    InverseFir* fir = pieces.take<InverseFir>(1);
-    Taps* taps = pieces.takeTaps(pTaps, len);
+    InverseChannel* channel = arena.take<InverseChannel>(1);
+    InverseFir* fir = arena.take<InverseFir>(1);
+    Taps* taps = takeTaps(arena, pTaps, len);
     const int even = len - len / 2, odd = len / 2;
-    DelayLine* ring = pieces.takeLine(even);
-    DelayLine* line = offset / 2 > 0 ? pieces.takeLine(offset / 2) : nullptr;
-    float* evenTaps = pieces.take<float>(even);
-    float* oddTaps = odd > 0 ? pieces.take<float>(odd) : nullptr;
-    float* scratch = pieces.take<float>(inverseScratch(even));
-    if (pieces.base == nullptr)
+    DelayLine* ring = takeLine(arena, even);
+    DelayLine* line = offset / 2 > 0 ? takeLine(arena, offset / 2) : nullptr;
+    float* evenTaps = arena.take<float>(even);
+    float* oddTaps = arena.take<float>(odd);
+    float* scratch = arena.take<float>(inverseScratch(even));
+    if (!arena.fills())
         return;
     for (int i = 0; i < even; i++)
         evenTaps[even - 1 - i] = taps->pTaps[2 * i];
@@ -81,14 +71,7 @@ void place(Pieces& pieces, InverseChannel*& result, const float* pTaps, int len,
 template<class C> C* makeChannel(const float* pTaps, int len, int offset)
 {
     C* channel = nullptr;
-    Pieces pieces = {nullptr, 0};
-    place(pieces, channel, pTaps, len, offset);
-    if (pieces.used > INT32_MAX)
-        return nullptr;
-    pieces = {allocate<char>(static_cast<int>(pieces.used)), 0};
-    if (pieces.base != nullptr)
-        place(pieces, channel, pTaps, len, offset);
-    return channel;
+    return build([&](Arena& arena) { place(arena, channel, pTaps, len, offset); }) ? channel : nullptr;
 }
 
 template<class S>

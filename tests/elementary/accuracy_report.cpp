@@ -161,9 +161,9 @@ void measureFirst(Contenders& all, const float* x, const double* want, int n)
 
 void addKernels(Contenders& all, const std::function<Run(int slot, int c)>& kernel)
 {
-    for (int c : {a11, la, ha})
+    for (int c : {a11, a21, a24})
         for (int slot = 0; slot < slots::kCount; slot++)
-            if (slots::canRun(slot) && (slot > slots::mx || c == ha))
+            if (slots::canRun(slot) && (slot > slots::mx || c == a24))
                 addContender(all, slot, slot ? kClassNames[c] : "all", kernel(slot, c));
 }
 

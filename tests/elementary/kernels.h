@@ -8,7 +8,7 @@
 #include "frame/types.h"
 #include "support/slot_list.h"
 
-enum Class { la, ha, a11, kClasses };
+enum Class { a21, a24, a11, kClasses };
 inline const char* const kClassNames[] = {"A21", "A24", "A11"};
 
 using Kernel1 = qvrStatus(const float*, float*, int);
