@@ -38,7 +38,8 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 install(TARGETS morvenqvr EXPORT morvenqvrTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     COMPONENT runtime NAMELINK_COMPONENT development)
-install(FILES include/morvenqvr.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(FILES include/morvenqvr.h include/morvenqvr.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(DIRECTORY include/morvenqvr DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(EXPORT morvenqvrTargets NAMESPACE morvenqvr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/morvenqvr
     COMPONENT development)
 configure_package_config_file(cmake/morvenqvrConfig.cmake.in ${PROJECT_BINARY_DIR}/morvenqvrConfig.cmake

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""A C and a C++ program against an installed copy, through pkg-config and through the CMake package.
+"""The README's two programs, in C and in C++, against an installed copy, through pkg-config and through the CMake package.
 
     consumers.py install BUILD README WORK     from `cmake --install` into a prefix of its own
     consumers.py debian BUILD README WORK      from the Debian packages, unpacked
-The C program and its CMake file are the README's own first program.
+Both are built by pkg-config, by two compilers, and by the README's CMake file, to which the second is added.
 """
 import os
 import re
@@ -12,24 +12,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-kCpp = """
-#include <morvenqvr.h>
-
-#include <cstdio>
-#include <vector>
-
-int main()
-{
-    const std::vector<qvr32f> a = {1, 2, 3, 4}, b = {10, 20, 30, 40};
-    std::vector<qvr32f> sum(a.size());
-    if (Morven_qvrsAdd_32f(a.data(), b.data(), sum.data(), static_cast<int>(sum.size())) != qvrOk)
-        return 1;
-    for (size_t i = 0; i < sum.size(); i++)
-        std::printf(i ? " %g" : "%g", static_cast<double>(sum[i]));
-    std::printf("\\n");
-}
-"""
-kExpected = "11 22 33 44\n"
+kExpected = {"first": "11 22 33 44\n", "second": "one tone is left\nqvr::add: qvrErrBadSize\n"}
 
 
 def run(*command, **options):
@@ -41,11 +24,11 @@ def run(*command, **options):
 
 def readmeBlocks(readme):
     text = Path(readme).read_text()
-    blocks = {language: re.search(rf"```{language}\n(.*?)```", text, re.S) for language in ("c", "cmake")}
+    blocks = {language: re.search(rf"```{language}\n(.*?)```", text, re.S) for language in ("c", "cmake", "cpp")}
     for language, block in blocks.items():
         if block is None:
             sys.exit(f"{readme} has no {language} block")
-    return blocks["c"].group(1), blocks["cmake"].group(1)
+    return [blocks[language].group(1) for language in ("c", "cmake", "cpp")]
 
 
 def install(build, work):
@@ -69,7 +52,7 @@ def debian(build, work):
     for p in packages:
         run("dpkg-deb", "--extract", p, root)
     runtime = [line.split()[-1] for line in run("dpkg-deb", "--contents", packages[1]).splitlines()]
-    assert not any(f.endswith((".h", ".so", ".pc", ".cmake")) for f in runtime), runtime
+    assert not any(f.endswith((".h", ".hpp", ".so", ".pc", ".cmake")) for f in runtime), runtime
     return root / "usr", {"PKG_CONFIG_SYSROOT_DIR": str(root)}
 
 
@@ -85,27 +68,28 @@ def main():
     assert os.readlink(library / "libmorvenqvr.so") == soname.name, "the link that the linker follows"
     assert soname.is_symlink() and soname.resolve().name == os.readlink(soname), "the link that the loader follows"
 
-    program, project = readmeBlocks(readme)
+    program, project, second = readmeBlocks(readme)
     flags = run("pkg-config", "--cflags", "--libs", "morvenqvr", env=environment).split()
     assert run("pkg-config", "--modversion", "morvenqvr", env=environment).strip() == soname.resolve().name.split(".so.")[1]
     (work / "first.c").write_text(program)
-    (work / "first.cpp").write_text(kCpp)
-    for compiler, source in (("gcc", "first.c"), ("g++", "first.cpp"), ("clang-19", "first.c"), ("clang++-19", "first.cpp")):
-        out = work / f"{compiler}-{Path(source).suffix[1:]}"
-        run(compiler, work / source, *flags, "-o", out)
-        assert run(out, env=loading) == kExpected, out
+    (work / "second.cpp").write_text(second)
+    for compiler, source in (("gcc", "first.c"), ("g++", "second.cpp"), ("clang-19", "first.c"), ("clang++-19", "second.cpp")):
+        out = work / f"{compiler}-{Path(source).stem}"
+        run(compiler, *(["-std=c++20"] if source.endswith("cpp") else []), work / source, *flags, "-o", out)
+        assert run(out, env=loading) == kExpected[Path(source).stem], out
 
     both = work / "cmake"
     both.mkdir()
     (both / "first.c").write_text(program)
-    (both / "second.cpp").write_text(kCpp)
+    (both / "second.cpp").write_text(second)
     (both / "CMakeLists.txt").write_text(
         project.replace("LANGUAGES C)", "LANGUAGES C CXX)")
-        + "add_executable(second second.cpp)\ntarget_link_libraries(second PRIVATE morvenqvr::morvenqvr)\n")
+        + "add_executable(second second.cpp)\ntarget_link_libraries(second PRIVATE morvenqvr::morvenqvr)\n"
+        "target_compile_features(second PRIVATE cxx_std_20)\n")
     run("cmake", "-S", both, "-B", both / "build", "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}")
     run("cmake", "--build", both / "build")
     for name in ("first", "second"):
-        assert run(both / "build" / name, env=loading) == kExpected, name
+        assert run(both / "build" / name, env=loading) == kExpected[name], name
     print(f"{kind}: C and C++ programs by pkg-config and by CMake")
 
 
