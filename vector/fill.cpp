@@ -60,7 +60,7 @@ qvrStatus SLOT(ownSet_16u)(qvr16u val, qvr16u* pDst, int len)
 {
     if (const qvrStatus status = checkPointersThenLength(len, pDst))
         return status;
-    setElements<FillKind::bytes>(val, pDst, len);
+    setElements<FillKind::words>(val, pDst, len);
     return qvrOk;
 }
 

@@ -5,13 +5,16 @@
 #ifndef QVR_VECTOR_FILL_H
 #define QVR_VECTOR_FILL_H
 
+#include <string.h>
+
 #include "frame/simd.h"
 #include "frame/status.h"
 
 namespace {
 
 // Nothing above this many bytes is asked of the cache, so small fills never pay for the query.
-enum class FillKind { set32, bytes };
+// bytes: one byte repeated; words: any other element of Set_8u's limits; set32: the limits of 32-bit elements.
+enum class FillKind { set32, words, bytes };
 template<FillKind kind> constexpr int64_t streamLimit()
 {
     constexpr int64_t narrow = kind == FillKind::set32 ? 0x40000 * 4 : 0x80000;
@@ -47,33 +50,50 @@ inline void fillStreaming(char* p, int64_t bytes, FillLine line)
     streamFence();
 }
 
-// Whole vectors, the last one overlapping. From 256 bytes on the wide slots take eight vectors a turn, and from 32768
-// bytes on two a turn from the end downward.
-QVR_INLINE void fillPlain(char* p, int64_t bytes, FillLine line)
+// K vectors from either end.
+template<int K, class V> QVR_INLINE void storeEnds(char* p, int64_t bytes, V v)
+{
+    for (int k = 0; k < K; k++) {
+        store(p + k * static_cast<int>(sizeof(V)), v);
+        store(p + bytes - (k + 1) * static_cast<int>(sizeof(V)), v);
+    }
+}
+
+// Whole vectors, the last one overlapping. Above eight vectors the C library's own function, which knows the processor
+// best, repeats a byte; others go eight vectors a turn, in the wide slots from 32768 bytes on two a turn from the end
+// downward.
+template<FillKind kind> QVR_INLINE void fillPlain(char* p, int64_t bytes, FillLine line)
 {
     using V = Vec<uint8_t, kVecBytes>;
     constexpr int64_t W = kVecBytes;
     const V v = slice<0, kVecBytes>(line);
     if (bytes < W)
         return storePartial(p, v, static_cast<int>(bytes));
-    store(p + bytes - W, v);
-    int64_t i = 0;
-    if (bytes >= 8 * W) {
-        store(p, v);
-        i = -reinterpret_cast<uintptr_t>(p) & (W - 1);
-        if (kAvx && bytes >= 32768) {
-            int64_t end = i + (bytes - i) / (2 * W) * (2 * W);
-            store(p + bytes - 2 * W, v);
-            for (; end > i; end -= 2 * W) {
-                storeAligned(p + end - W, v);
-                storeAligned(p + end - 2 * W, v);
-            }
-            return;
-        }
-        for (; i + 8 * W <= bytes; i += 8 * W)
-            for (int k = 0; k < 8; k++)
-                storeAligned(p + i + k * W, v);
+    if (bytes <= 2 * W)
+        return storeEnds<1>(p, bytes, v);
+    if (bytes <= 4 * W)
+        return storeEnds<2>(p, bytes, v);
+    if (bytes <= 8 * W)
+        return storeEnds<4>(p, bytes, v);
+    if constexpr (kind == FillKind::bytes) {
+        memset(p, line[0], static_cast<size_t>(bytes));
+        return;
     }
+    store(p, v);
+    store(p + bytes - W, v);
+    int64_t i = -reinterpret_cast<uintptr_t>(p) & (W - 1);
+    if (kAvx && bytes >= 32768) {
+        int64_t end = i + (bytes - i) / (2 * W) * (2 * W);
+        store(p + bytes - 2 * W, v);
+        for (; end > i; end -= 2 * W) {
+            storeAligned(p + end - W, v);
+            storeAligned(p + end - 2 * W, v);
+        }
+        return;
+    }
+    for (; i + 8 * W <= bytes; i += 8 * W)
+        for (int k = 0; k < 8; k++)
+            storeAligned(p + i + k * W, v);
     for (; i + W <= bytes; i += W)
         store(p + i, v);
 }
@@ -87,7 +107,7 @@ template<FillKind kind> QVR_INLINE void fillBytes(void* dst, int64_t bytes, int 
         exceedsCache(bytes))
         fillStreaming(p, bytes, line);
     else
-        fillPlain(p, bytes, line);
+        fillPlain<kind>(p, bytes, line);
 }
 
 } // namespace
