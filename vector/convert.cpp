@@ -23,39 +23,6 @@ double scaleFactor64(int scale)
     return powerOfTwo64(-clamped);
 }
 
-// 2 to the power of -scale in single precision: denormal from 127 on, 0 above 149, infinite below -127.
-float scaleFactor32(int scale)
-{
-    if (scale > 149)
-        return 0;
-    if (scale < -127)
-        return __builtin_inff();
-    return scale >= 127 ? __builtin_bit_cast(float, 1u << (149 - scale)) : powerOfTwo32(-scale);
-}
-
-// What does not fit would convert to the right end, too, but not without raising the invalid flag.
-template<int mode, class V> QVR_INLINE Vec<int16_t, lanes<V>> roundTo16(V x)
-{
-    const V clamped = max(min(x, splat<V>(32767)), splat<V>(-32768));
-    if constexpr (mode == qvrRoundTowardZero) {
-        return packSaturate(toIntTruncate(clamped));
-    } else if constexpr (mode == qvrRoundNearest) {
-        return packSaturate(toInt(clamped));
-    } else {
-        // With t = trunc(2 x): (t + 1) >> 1 from zero on and t >> 1 below, for truncation has taken the fraction of a
-        // negative t toward zero already. Adding 0.5 to x instead would round 0.49999997 up.
-        // Doubles by halves: their integers are half as wide.
-        const auto halfAway = [](auto v) {
-            const auto twice = toIntTruncate(v + v);
-            return (twice - (twice >= 0)) >> 1;
-        };
-        if constexpr (sizeof(Elem<V>) == 8 && lanes<V> >= 8)
-            return packSaturate(byHalves(halfAway, clamped));
-        else
-            return packSaturate(halfAway(clamped));
-    }
-}
-
 template<int mode, class T>
 __attribute__((noinline)) void scaledTo16(const T* src, int16_t* dst, Index n, T factor, bool scale)
 {

@@ -17,7 +17,8 @@
 #include "fourier/real/spec.h"
 #include "frame/arena.h"
 #include "frame/status.h"
-#include "vector/shared.h"
+#include "vector/loops.h"
+#include "vector/narrow.h"
 
 namespace {
 
@@ -54,17 +55,17 @@ struct Point32 {
 };
 
 // Overflow is impossible for what a transform forms of samples, and wraps for anything else.
-int32_t add(int32_t a, int32_t b)
+QVR_INLINE int32_t add(int32_t a, int32_t b)
 {
     return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
 }
-int32_t sub(int32_t a, int32_t b)
+QVR_INLINE int32_t sub(int32_t a, int32_t b)
 {
     return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
 }
 
 // x v + y w by twiddles.
-int32_t rotated(int32_t x, int32_t v, int32_t y, int32_t w)
+QVR_INLINE int32_t rotated(int32_t x, int32_t v, int32_t y, int32_t w)
 {
     const int32_t xl = (x & 0xFFFF) >> 1, yl = (y & 0xFFFF) >> 1;
     const int32_t high = add((x >> 16) * v, (y >> 16) * w);
@@ -72,16 +73,16 @@ int32_t rotated(int32_t x, int32_t v, int32_t y, int32_t w)
 }
 
 // z w with one entry (c, s, -s, c) of a table, w = c - i s.
-Point32 turn(Point32 z, const int16_t* entry)
+QVR_INLINE Point32 turn(Point32 z, const int16_t* entry)
 {
     return {rotated(z.re, entry[0], z.im, entry[1]), rotated(z.re, entry[2], z.im, entry[3])};
 }
 
-Point32 operator+(Point32 a, Point32 b)
+QVR_INLINE Point32 operator+(Point32 a, Point32 b)
 {
     return {add(a.re, b.re), add(a.im, b.im)};
 }
-Point32 operator-(Point32 a, Point32 b)
+QVR_INLINE Point32 operator-(Point32 a, Point32 b)
 {
     return {sub(a.re, b.re), sub(a.im, b.im)};
 }
@@ -127,7 +128,7 @@ constexpr Index swapEntries(int m)
 
 // ---- The integer transform ------------------------------------------------------------------------------------------
 
-void complexStages(Point32* z, int m, const int16_t* rotations)
+QVR_INLINE void complexStages(Point32* z, int m, const int16_t* rotations)
 {
     const Index M = Index{1} << m;
     int s = m;
@@ -158,7 +159,7 @@ void complexStages(Point32* z, int m, const int16_t* rotations)
         }
 }
 
-void recombine(Point32* z, int m, const int16_t* rotations)
+QVR_INLINE void recombine(Point32* z, int m, const int16_t* rotations)
 {
     const Index M = Index{1} << m;
     for (Index k = 1; k < M / 2; k++) {
@@ -179,13 +180,13 @@ void recombine(Point32* z, int m, const int16_t* rotations)
 }
 
 // x / sqrt(2), the two halves by constants of their own.
-int32_t rootHalf(int32_t x)
+QVR_INLINE int32_t rootHalf(int32_t x)
 {
     return add(static_cast<int32_t>((static_cast<uint32_t>(x) & 0xFFFF) * 23170 >> 15), (x >> 16) * 46340);
 }
 
 // x 2^-shift, half up, saturated.
-int16_t stored(int32_t x, int64_t shift)
+QVR_INLINE int16_t stored(int32_t x, int64_t shift)
 {
     int64_t y = x;
     if (shift >= 32)
@@ -199,9 +200,12 @@ int16_t stored(int32_t x, int64_t shift)
     return static_cast<int16_t>(y > INT16_MAX ? INT16_MAX : y < INT16_MIN ? INT16_MIN : y);
 }
 
-void integerTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor, int32_t* x)
+// reversed(i): bit reversal of M points.
+template<class Reversed>
+QVR_INLINE void integerSteps(int order, const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec,
+                             int scaleFactor, int32_t* x, const Reversed& reversed)
 {
-    const int order = spec.order, m = order - 1, headroom = order < 15 ? 15 - order : 0;
+    const int m = order - 1, headroom = order < 15 ? 15 - order : 0;
     const Index n = Index{1} << order;
     for (Index i = 0; i < n; i++)
         x[i] = get(src, i) * (1 << (headroom + 1));
@@ -209,7 +213,7 @@ void integerTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s&
     if (m > 0) {
         complexStages(z, m, spec.pTwiddleC);
         for (Index i = 0; i < n / 2; i++)
-            if (const Index r = spec.pBitRev[i]; r > i) {
+            if (const Index r = reversed(i); r > i) {
                 const Point32 a = z[i];
                 z[i] = z[r];
                 z[r] = a;
@@ -231,6 +235,23 @@ void integerTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s&
     put<int16_t>(dst, n + 1, 0);
 }
 
+void integerTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor, int32_t* x)
+{
+    integerSteps(spec.order, src, dst, spec, scaleFactor, x, [&](Index i) { return Index{spec.pBitRev[i]}; });
+}
+// Straight-line, in registers.
+template<int Order>
+void shortTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor, int32_t*)
+{
+    constexpr int m = Order - 1;
+    int32_t x[1 << Order];
+    integerSteps(Order, src, dst, spec, scaleFactor, x, [](Index i) {
+        return m == 0 ? 0 : static_cast<Index>(__builtin_bitreverse32(static_cast<uint32_t>(i)) >> (32 - m));
+    });
+}
+constexpr int kShortOrders = 3;
+constexpr decltype(&integerTransform) kShort[kShortOrders] = {shortTransform<1>, shortTransform<2>, shortTransform<3>};
+
 qvrStatus floatTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor,
                          uint8_t* work)
 {
@@ -242,12 +263,16 @@ qvrStatus floatTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_1
     constexpr FftLimits limits = kFftLimits<float>;
     const bool flat = !kFirstGeneration && spec.order > limits.complex && spec.order <= limits.flat;
     float* const x = flat ? alignLine<float>(rest) : y;
-    SLOT_SHARED(qvrsConvert_16s32f)(src, x, n);
+    constexpr int B = kLanes<int16_t>;
+    convertBlocks<B>(src, x, n, [](auto v) { return convert<float>(v); });
     // Packed, which is whole vectors to convert; what goes to other places is moved behind.
     if (const qvrStatus status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(x, y, spec.pFloatSpec, rest))
         return status;
-    if (const qvrStatus status = SLOT_SHARED(qvrsConvert_32f16s_Sfs)(y, dst, n, qvrRoundNearest, scaleFactor))
-        return status;
+    const float factor = scaleFactor32(scaleFactor);
+    if (scaleFactor != 0)
+        convertBlocks<B>(y, dst, n, [=](auto v) { return roundTo16<qvrRoundNearest>(v * factor); });
+    else
+        convertBlocks<B>(y, dst, n, [](auto v) { return roundTo16<qvrRoundNearest>(v); });
     put(dst, n, get(dst, 1));
     put<int16_t>(dst, 1, 0);
     put<int16_t>(dst, n + 1, 0);
@@ -361,7 +386,8 @@ qvrStatus SLOT(qvrsFFTFwd_RToCCS_16s_Sfs)(const qvr16s* pSrc, qvr16s* pDst, cons
     if (pSpec->useFloat != 0)
         status = floatTransform(pSrc, pDst, *pSpec, scaleFactor, work);
     else
-        integerTransform(pSrc, pDst, *pSpec, scaleFactor, reinterpret_cast<int32_t*>(work));
+        (pSpec->order <= kShortOrders ? kShort[pSpec->order - 1] : integerTransform)(pSrc, pDst, *pSpec, scaleFactor,
+                                                                                     reinterpret_cast<int32_t*>(work));
     release(own);
     return status;
 }
