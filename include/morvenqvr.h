@@ -305,34 +305,81 @@ void Morven_qvrsFree(void* ptr);
  * @{
  */
 
-/** pDst[i] = pSrc1[i] + pSrc2[i] */
+/**
+ * pDst[i] = pSrc1[i] + pSrc2[i]
+ * @param pSrc1 first source, `len` elements
+ * @param pSrc2 second source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAdd_32f(const qvr32f* pSrc1, const qvr32f* pSrc2, qvr32f* pDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] + pSrc[i] */
+/**
+ * pSrcDst[i] = pSrcDst[i] + pSrc[i]
+ * @param pSrc source, `len` elements
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAdd_32f_I(const qvr32f* pSrc, qvr32f* pSrcDst, int len);
 
-/** pDst[i] = pSrc2[i] - pSrc1[i]: the first array is subtracted from the second. */
+/**
+ * pDst[i] = pSrc2[i] - pSrc1[i]: the first array is subtracted from the second.
+ * @param pSrc1 what is subtracted, `len` elements
+ * @param pSrc2 what it is subtracted from, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSub_32f(const qvr32f* pSrc1, const qvr32f* pSrc2, qvr32f* pDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] - pSrc[i] */
+/**
+ * pSrcDst[i] = pSrcDst[i] - pSrc[i]
+ * @param pSrc source, `len` elements
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSub_32f_I(const qvr32f* pSrc, qvr32f* pSrcDst, int len);
 
-/** pDst[i] = pSrc1[i] * pSrc2[i] */
+/**
+ * pDst[i] = pSrc1[i] * pSrc2[i]
+ * @param pSrc1 first source, `len` elements
+ * @param pSrc2 second source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMul_32f(const qvr32f* pSrc1, const qvr32f* pSrc2, qvr32f* pDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] * pSrc[i] */
+/**
+ * pSrcDst[i] = pSrcDst[i] * pSrc[i]
+ * @param pSrc source, `len` elements
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMul_32f_I(const qvr32f* pSrc, qvr32f* pSrcDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] * pSrc[i] */
+/**
+ * pSrcDst[i] = pSrcDst[i] * pSrc[i]
+ * @param pSrc source, `len` elements
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMul_64f_I(const qvr64f* pSrc, qvr64f* pSrcDst, int len);
 
 /**
  * Complex product: with a + ib from pSrc1 and c + id from pSrc2, (ac - bd) + i(ad + bc).
  *
  * Four products and two sums, each rounded; infinities and NaN take what the formula gives.
- * @param pSrc1, pSrc2 factors, `len` complex elements each
+ * @param pSrc1 factors, `len` complex elements
+ * @param pSrc2 factors, `len` complex elements
  * @param pDst products; may be pSrc1 or pSrc2
  * @param len complex elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsMul_64fc(const qvr64fc* pSrc1, const qvr64fc* pSrc2, qvr64fc* pDst, int len);
 
@@ -343,49 +390,119 @@ qvrStatus Morven_qvrsMul_64fc(const qvr64fc* pSrc1, const qvr64fc* pSrc2, qvr64f
  * 0xFFC00000 for a zero or a NaN.
  *
  * Uses two threads from 4096 elements on, on processors with SSSE3.
- * @return qvrWarnDivByZero if any divisor was zero
+ * @param pSrc1 divisors, `len` elements
+ * @param pSrc2 dividends, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrWarnDivByZero if any divisor was zero
  */
 qvrStatus Morven_qvrsDiv_32f(const qvr32f* pSrc1, const qvr32f* pSrc2, qvr32f* pDst, int len);
 
-/** pDst[i] = pSrc[i] + val. With `val` equal to 0 the array is copied bit for bit. */
+/**
+ * pDst[i] = pSrc[i] + val. With `val` equal to 0 the array is copied bit for bit.
+ * @param pSrc source, `len` elements
+ * @param val the constant
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAddC_32f(const qvr32f* pSrc, qvr32f val, qvr32f* pDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] + val. With `val` equal to 0 nothing is touched: -0.0 stays -0.0. */
+/**
+ * pSrcDst[i] = pSrcDst[i] + val. With `val` equal to 0 nothing is touched: -0.0 stays -0.0.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAddC_32f_I(qvr32f val, qvr32f* pSrcDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] + val. With `val` equal to 0 nothing is touched: -0.0 stays -0.0. */
+/**
+ * pSrcDst[i] = pSrcDst[i] + val. With `val` equal to 0 nothing is touched: -0.0 stays -0.0.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAddC_64f_I(qvr64f val, qvr64f* pSrcDst, int len);
 
-/** pDst[i] = pSrc[i] - val. With `val` equal to 0 the array is copied bit for bit. */
+/**
+ * pDst[i] = pSrc[i] - val. With `val` equal to 0 the array is copied bit for bit.
+ * @param pSrc source, `len` elements
+ * @param val the constant
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSubC_32f(const qvr32f* pSrc, qvr32f val, qvr32f* pDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] - val. With `val` equal to 0 nothing is touched. */
+/**
+ * pSrcDst[i] = pSrcDst[i] - val. With `val` equal to 0 nothing is touched.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSubC_32f_I(qvr32f val, qvr32f* pSrcDst, int len);
 
-/** pDst[i] = val - pSrc[i] */
+/**
+ * pDst[i] = val - pSrc[i]
+ * @param pSrc source, `len` elements
+ * @param val the constant
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSubCRev_32f(const qvr32f* pSrc, qvr32f val, qvr32f* pDst, int len);
 
 /**
  * pDst[i] = pSrc[i] * val. With `val` equal to 1 the array is copied; with `val` equal to 0 of either sign every
  * element becomes +0, also where the source is NaN or infinite.
+ * @param pSrc source, `len` elements
+ * @param val the constant
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsMulC_32f(const qvr32f* pSrc, qvr32f val, qvr32f* pDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] * val. With `val` equal to 1 nothing is touched; with `val` equal to 0 all becomes +0. */
+/**
+ * pSrcDst[i] = pSrcDst[i] * val. With `val` equal to 1 nothing is touched; with `val` equal to 0 all becomes +0.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMulC_32f_I(qvr32f val, qvr32f* pSrcDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] * val. With `val` equal to 1 nothing is touched; with `val` equal to 0 all becomes +0. */
+/**
+ * pSrcDst[i] = pSrcDst[i] * val. With `val` equal to 1 nothing is touched; with `val` equal to 0 all becomes +0.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMulC_64f_I(qvr64f val, qvr64f* pSrcDst, int len);
 
 /**
  * pDst[i] = pSrc[i] * (1.0f / val): a product with the rounded reciprocal, which can differ from the quotient in the
  * last bit. The rules of Morven_qvrsMulC_32f for factors 1 and 0 apply to the reciprocal: an infinite `val` gives +0
  * everywhere.
- * @return qvrErrDivByZero if `val` is zero; nothing is written then
+ * @param pSrc source, `len` elements
+ * @param val the constant
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrErrDivByZero if `val` is zero, with nothing written
  */
 qvrStatus Morven_qvrsDivC_32f(const qvr32f* pSrc, qvr32f val, qvr32f* pDst, int len);
 
-/** The same as Morven_qvrsDivC_32f in place. */
+/**
+ * The same as Morven_qvrsDivC_32f in place.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrErrDivByZero if `val` is zero, with nothing written
+ */
 qvrStatus Morven_qvrsDivC_32f_I(qvr32f val, qvr32f* pSrcDst, int len);
 
 /**
@@ -395,27 +512,56 @@ qvrStatus Morven_qvrsDivC_32f_I(qvr32f val, qvr32f* pSrcDst, int len);
  * zero or NaN. A zero `val` of either sign counts as +0.
  *
  * Uses two threads from 4096 elements on, on processors with SSSE3.
- * @return qvrWarnDivByZero if any element was zero
+ * @param pSrc source, `len` elements
+ * @param val the constant
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrWarnDivByZero if any element was zero
  */
 qvrStatus Morven_qvrsDivCRev_32f(const qvr32f* pSrc, qvr32f val, qvr32f* pDst, int len);
 
-/** The same as Morven_qvrsDivCRev_32f in place. */
+/**
+ * The same as Morven_qvrsDivCRev_32f in place.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrWarnDivByZero if any element was zero
+ */
 qvrStatus Morven_qvrsDivCRev_32f_I(qvr32f val, qvr32f* pSrcDst, int len);
 
-/** pDst[i] = |pSrc[i]|: clears the sign bit, of a NaN too. */
+/**
+ * pDst[i] = |pSrc[i]|: clears the sign bit, of a NaN too.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAbs_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** pSrcDst[i] = |pSrcDst[i]|: clears the sign bit, of a NaN too. */
+/**
+ * pSrcDst[i] = |pSrcDst[i]|: clears the sign bit, of a NaN too.
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAbs_32f_I(qvr32f* pSrcDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] * pSrcDst[i] */
+/**
+ * pSrcDst[i] = pSrcDst[i] * pSrcDst[i]
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSqr_32f_I(qvr32f* pSrcDst, int len);
 
 /**
  * Square root, correctly rounded. -0.0 stays; an element that is negative or NaN gives the NaN 0xFFC00000.
  *
  * Uses two threads from 4096 elements on, on processors with SSSE3.
- * @return qvrWarnNegativeInput if any element was negative or NaN
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrWarnNegativeInput if any element was negative or NaN
  */
 qvrStatus Morven_qvrsSqrt_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
 
@@ -426,16 +572,38 @@ qvrStatus Morven_qvrsSqrt_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
  * The length is checked before the pointers. All exceptions are masked during the call; after it a caller whose
  * exceptions are all masked finds the flags other than precision clear, any other caller its MXCSR as it was. Pending
  * x87 exceptions are cleared.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrBadSize for `len` below 1; qvrErrNullPointer
  */
 qvrStatus Morven_qvrsCeil_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** pDst[i] = the greatest integer not above pSrc[i]; otherwise as Morven_qvrsCeil_32f. */
+/**
+ * pDst[i] = the greatest integer not above pSrc[i]; otherwise as Morven_qvrsCeil_32f.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrBadSize for `len` below 1; qvrErrNullPointer
+ */
 qvrStatus Morven_qvrsFloor_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** pSrcDst[i] = pSrc[i] < pSrcDst[i] ? pSrc[i] : pSrcDst[i]; so a NaN on either side and equal zeros leave pSrcDst. */
+/**
+ * pSrcDst[i] = pSrc[i] < pSrcDst[i] ? pSrc[i] : pSrcDst[i]; so a NaN on either side and equal zeros leave pSrcDst.
+ * @param pSrc source, `len` elements
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMinEvery_32f_I(const qvr32f* pSrc, qvr32f* pSrcDst, int len);
 
-/** pSrcDst[i] = pSrc[i] > pSrcDst[i] ? pSrc[i] : pSrcDst[i]; so a NaN on either side and equal zeros leave pSrcDst. */
+/**
+ * pSrcDst[i] = pSrc[i] > pSrcDst[i] ? pSrc[i] : pSrcDst[i]; so a NaN on either side and equal zeros leave pSrcDst.
+ * @param pSrc source, `len` elements
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMaxEvery_32f_I(const qvr32f* pSrc, qvr32f* pSrcDst, int len);
 
 /** @} */
@@ -448,19 +616,65 @@ qvrStatus Morven_qvrsMaxEvery_32f_I(const qvr32f* pSrc, qvr32f* pSrcDst, int len
  * @{
  */
 
-/** pDst[i] = val */
+/**
+ * pDst[i] = val
+ * @param val what every element becomes
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSet_8u(qvr8u val, qvr8u* pDst, int len);
-/** pDst[i] = val */
+
+/**
+ * pDst[i] = val
+ * @param val what every element becomes
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSet_32s(qvr32s val, qvr32s* pDst, int len);
-/** pDst[i] = val, bit for bit: a NaN keeps its payload. */
+
+/**
+ * pDst[i] = val, bit for bit: a NaN keeps its payload.
+ * @param val what every element becomes
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSet_32f(qvr32f val, qvr32f* pDst, int len);
-/** pDst[i] = +0 */
+
+/**
+ * pDst[i] = +0
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsZero_32f(qvr32f* pDst, int len);
-/** pDst[i] = +0 */
+
+/**
+ * pDst[i] = +0
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsZero_64f(qvr64f* pDst, int len);
-/** pDst[i] = pSrc[i], bit for bit. */
+
+/**
+ * pDst[i] = pSrc[i], bit for bit.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsCopy_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
-/** pDst[i] = pSrc[i], bit for bit. */
+
+/**
+ * pDst[i] = pSrc[i], bit for bit.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsCopy_64f(const qvr64f* pSrc, qvr64f* pDst, int len);
 
 /** @} */
@@ -473,23 +687,49 @@ qvrStatus Morven_qvrsCopy_64f(const qvr64f* pSrc, qvr64f* pDst, int len);
  * @{
  */
 
-/** 16-bit integer to single, exact. */
+/**
+ * 16-bit integer to single, exact.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsConvert_16s32f(const qvr16s* pSrc, qvr32f* pDst, int len);
 
-/** Single to double, exact. */
+/**
+ * Single to double, exact.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsConvert_32f64f(const qvr32f* pSrc, qvr64f* pDst, int len);
 
-/** Double to single. Values beyond the largest single, infinities too, become plus or minus that; a NaN stays a NaN. */
+/**
+ * Double to single. Values beyond the largest single, infinities too, become plus or minus that; a NaN stays a NaN.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsConvert_64f32f(const qvr64f* pSrc, qvr32f* pDst, int len);
 
-/** 32-bit integer to 16-bit integer with saturation. */
+/**
+ * 32-bit integer to 16-bit integer with saturation.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsConvert_32s16s(const qvr32s* pSrc, qvr16s* pDst, int len);
 
 /**
  * 16-bit integer to double, times 2 to the power of -scaleFactor.
- * @param pSrc, pDst source and destination, `len` elements each
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
  * @param len elements, at least 1
  * @param scaleFactor any value; it acts as if clamped to -1008..1022
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsConvert_16s64f_Sfs(const qvr16s* pSrc, qvr64f* pDst, int len, int scaleFactor);
 
@@ -497,37 +737,62 @@ qvrStatus Morven_qvrsConvert_16s64f_Sfs(const qvr16s* pSrc, qvr64f* pDst, int le
  * Single to 16-bit integer: times 2 to the power of -scaleFactor, clamped to -32768..32767, rounded.
  *
  * The factor is a single: it is 0 for a scaleFactor above 149 and infinite below -127. What a NaN becomes is undefined.
- * @param pSrc, pDst source and destination, `len` elements each
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
  * @param len elements, at least 1
  * @param rndMode qvrRoundTowardZero, qvrRoundNearest, or qvrRoundHalfAway, which any other value means too
  * @param scaleFactor any value
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsConvert_32f16s_Sfs(const qvr32f* pSrc, qvr16s* pDst, int len, int rndMode, int scaleFactor);
 
-/** Double to 16-bit integer, as Morven_qvrsConvert_32f16s_Sfs; scaleFactor acts as if clamped to -1008..1022. */
+/**
+ * Double to 16-bit integer, as Morven_qvrsConvert_32f16s_Sfs; scaleFactor acts as if clamped to -1008..1022.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @param rndMode qvrRoundTowardZero, qvrRoundNearest, or qvrRoundHalfAway, which any other value means too
+ * @param scaleFactor any value
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsConvert_64f16s_Sfs(const qvr64f* pSrc, qvr16s* pDst, int len, int rndMode, int scaleFactor);
 
 /**
  * pDst[i] = (pSrc[i] - vSub) * (1.0f / vDiv), with the rounded reciprocal.
- * @return qvrErrDivByZero if the magnitude of `vDiv` is below the smallest normal single, 1.1754944e-38f
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @param vSub what is subtracted first
+ * @param vDiv the divisor
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrErrDivByZero if the magnitude of `vDiv` is below the
+ *     smallest normal single, 1.1754944e-38f
  */
 qvrStatus Morven_qvrsNormalize_32f(const qvr32f* pSrc, qvr32f* pDst, int len, qvr32f vSub, qvr32f vDiv);
 
 /**
  * pDst[i] = (pSrc[i] - vSub) * (1.0 / vDiv), with the rounded reciprocal.
- * @return qvrErrDivByZero if the magnitude of `vDiv` is below the smallest normal double, 2.2250738585072014e-308
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements
+ * @param len elements, at least 1
+ * @param vSub what is subtracted first
+ * @param vDiv the divisor
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrErrDivByZero if the magnitude of `vDiv` is below the
+ *     smallest normal double, 2.2250738585072014e-308
  */
 qvrStatus Morven_qvrsNormalize_64f(const qvr64f* pSrc, qvr64f* pDst, int len, qvr64f vSub, qvr64f vDiv);
 
 /**
  * Splits samples that are interleaved by channel into one row of floats per channel, mapped symmetrically on -1..1:
- * ppDst[c][i] = pSrc[c + i * nChannels] * (2 / 65535) + 1 / 65535, product and sum each rounded to single.
+ * ppDst[c][i] = pSrc[c + i * nChannels] * (2 / 65535) + 1 / 65535, product and sum each rounded to single. The middle of
+ * the range lies between two samples, so that silence, 0, becomes 1.5259e-5.
  *
  * Checks in order: pSrc, the two counts, ppDst, every row pointer.
  * @param pSrc nChannels * chanLen samples
  * @param ppDst nChannels pointers to rows of chanLen floats, which do not overlap
  * @param nChannels channels, at least 1
  * @param chanLen samples in each channel, at least 1
+ * @return qvrErrNullPointer for pSrc; qvrErrBadSize for a count below 1; qvrErrNullPointer for ppDst or a row, with
+ *     nothing written
  */
 qvrStatus Morven_qvrsSplitScaled_16s32f_D2L(const qvr16s* pSrc, qvr32f** ppDst, int nChannels, int chanLen);
 
@@ -545,28 +810,80 @@ qvrStatus Morven_qvrsSplitScaled_16s32f_D2L(const qvr16s* pSrc, qvr32f** ppDst, 
  * @{
  */
 
-/** pDst[i] = (pSrc1[i] + pSrc2[i]) / 2^scaleFactor; all zero above a factor of 16. */
+/**
+ * pDst[i] = (pSrc1[i] + pSrc2[i]) / 2^scaleFactor; all zero above a factor of 16.
+ * @param pSrc1 first source, `len` elements
+ * @param pSrc2 second source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @param scaleFactor any value; the result is divided by 2 to its power
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAdd_16s_Sfs(const qvr16s* pSrc1, const qvr16s* pSrc2, qvr16s* pDst, int len, int scaleFactor);
 
-/** pSrcDst[i] = (pSrcDst[i] + pSrc[i]) / 2^scaleFactor; all zero above a factor of 17. */
+/**
+ * pSrcDst[i] = (pSrcDst[i] + pSrc[i]) / 2^scaleFactor; all zero above a factor of 17.
+ * @param pSrc source, `len` elements
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @param scaleFactor any value; the result is divided by 2 to its power
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAdd_16u_ISfs(const qvr16u* pSrc, qvr16u* pSrcDst, int len, int scaleFactor);
 
-/** pSrcDst[i] = (pSrcDst[i] + val) / 2^scaleFactor; all zero above a factor of 17. */
+/**
+ * pSrcDst[i] = (pSrcDst[i] + val) / 2^scaleFactor; all zero above a factor of 17.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @param scaleFactor any value; the result is divided by 2 to its power
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAddC_16u_ISfs(qvr16u val, qvr16u* pSrcDst, int len, int scaleFactor);
 
-/** pSrcDst[i] = max(pSrcDst[i] - val, 0) / 2^scaleFactor; all zero above a factor of 16. */
+/**
+ * pSrcDst[i] = max(pSrcDst[i] - val, 0) / 2^scaleFactor; all zero above a factor of 16.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @param scaleFactor any value; the result is divided by 2 to its power
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSubC_16u_ISfs(qvr16u val, qvr16u* pSrcDst, int len, int scaleFactor);
 
-/** pSrcDst[i] = pSrcDst[i] + pSrc[i], saturated. */
+/**
+ * pSrcDst[i] = pSrcDst[i] + pSrc[i], saturated.
+ * @param pSrc source, `len` elements
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAdd_16s_I(const qvr16s* pSrc, qvr16s* pSrcDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] - val, saturated. */
+/**
+ * pSrcDst[i] = pSrcDst[i] - val, saturated.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSubC_16s_I(qvr16s val, qvr16s* pSrcDst, int len);
 
-/** pSrcDst[i] = pSrcDst[i] * val, saturated: an integer product, with no shift. */
+/**
+ * pSrcDst[i] = pSrcDst[i] * val, saturated: an integer product, with no shift.
+ * @param val the constant
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMulC_16s_I(qvr16s val, qvr16s* pSrcDst, int len);
 
-/** pSrcDst[i] = |pSrcDst[i]|; -2147483648 gives 2147483647. */
+/**
+ * pSrcDst[i] = |pSrcDst[i]|; -2147483648 gives 2147483647.
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAbs_32s_I(qvr32s* pSrcDst, int len);
 
 /** @} */
@@ -591,6 +908,11 @@ qvrStatus Morven_qvrsAbs_32s_I(qvr32s* pSrcDst, int len);
  *
  * The exact sum is divided by 2 to the power of `scaleFactor`, rounded half to even and saturated to 32 bits; a
  * negative factor multiplies. A factor above 48 gives 0.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pSum receives the sum
+ * @param scaleFactor any value; the result is divided by 2 to its power
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsSum_16s32s_Sfs(const qvr16s* pSrc, int len, qvr32s* pSum, int scaleFactor);
 
@@ -600,6 +922,11 @@ qvrStatus Morven_qvrsSum_16s32s_Sfs(const qvr16s* pSrc, int len, qvr32s* pSum, i
  * The exact sum over `len`, in double, times 2 to the power of -scaleFactor, clamped to -32768..32767 and rounded by
  * the caller's MXCSR. The factor is 0 for a `scaleFactor` of 1023 and above and infinite for -1024 and below; a mean of
  * zero stays zero.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pMean receives the mean
+ * @param scaleFactor any value; the result is divided by 2 to its power
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsMean_16s_Sfs(const qvr16s* pSrc, int len, qvr16s* pMean, int scaleFactor);
 
@@ -611,13 +938,30 @@ qvrStatus Morven_qvrsMean_16s_Sfs(const qvr16s* pSrc, int len, qvr16s* pMean, in
  * - -31..-1: where the sum fits 32 bits it is multiplied first, then divided by `len` and rounded; where it does not,
  *   the rounded mean is multiplied. Saturated to 32 bits.
  * - below -31: 2147483647 for a positive rounded mean, -2147483648 for a negative one, 0 for zero.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pMean receives the mean
+ * @param scaleFactor any value; the result is divided by 2 to its power
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsMean_32s_Sfs(const qvr32s* pSrc, int len, qvr32s* pMean, int scaleFactor);
 
-/** Mean: the sum in double over `len`, rounded once to single. */
+/**
+ * Mean: the sum in double over `len`, rounded once to single.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pMean receives the mean
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMean_32f(const qvr32f* pSrc, int len, qvr32f* pMean);
 
-/** Mean: the sum over `len`. */
+/**
+ * Mean: the sum over `len`.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pMean receives the mean
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMean_64f(const qvr64f* pSrc, int len, qvr64f* pMean);
 
 /**
@@ -625,36 +969,106 @@ qvrStatus Morven_qvrsMean_64f(const qvr64f* pSrc, int len, qvr64f* pMean);
  * v = s2 * n - s1 * s1, the result is sqrt(v / ((n - 1) * n)) rounded to single, or 0 where v is not above 0 (a NaN
  * among the elements gives 0). A deviation far below the mean suffers from the cancellation in v: subtract the mean
  * first where that matters.
- * @return qvrErrBadSize for `len` below 2
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 2
+ * @param pStdDev receives the deviation
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 2
  */
 qvrStatus Morven_qvrsStdDev_32f(const qvr32f* pSrc, int len, qvr32f* pStdDev);
 
-/** The smallest element. */
+/**
+ * The smallest element.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pResult receives the element
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMin_16s(const qvr16s* pSrc, int len, qvr16s* pResult);
-/** The largest element. */
+
+/**
+ * The largest element.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pResult receives the element
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMax_16s(const qvr16s* pSrc, int len, qvr16s* pResult);
-/** The smallest element. */
+
+/**
+ * The smallest element.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pResult receives the element
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMin_32f(const qvr32f* pSrc, int len, qvr32f* pResult);
-/** The largest element. */
+
+/**
+ * The largest element.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pResult receives the element
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMax_32f(const qvr32f* pSrc, int len, qvr32f* pResult);
-/** The largest element. */
+
+/**
+ * The largest element.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pResult receives the element
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMax_64f(const qvr64f* pSrc, int len, qvr64f* pResult);
-/** The smallest and the largest element, in one pass. */
+
+/**
+ * The smallest and the largest element, in one pass.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pMin receives the smallest element
+ * @param pMax receives the largest element
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMinMax_16s(const qvr16s* pSrc, int len, qvr16s* pMin, qvr16s* pMax);
-/** The smallest and the largest element, in one pass. */
+
+/**
+ * The smallest and the largest element, in one pass.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pMin receives the smallest element
+ * @param pMax receives the largest element
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMinMax_16u(const qvr16u* pSrc, int len, qvr16u* pMin, qvr16u* pMax);
-/** The smallest and the largest element, in one pass. */
+
+/**
+ * The smallest and the largest element, in one pass.
+ * @param pSrc source, `len` elements
+ * @param len elements, at least 1
+ * @param pMin receives the smallest element
+ * @param pMax receives the largest element
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMinMax_32f(const qvr32f* pSrc, int len, qvr32f* pMin, qvr32f* pMax);
 
 /**
  * The smallest element and the first place where it stands.
- * @param pSrc, len array of `len` elements, at least 1
+ * @param pSrc the array
+ * @param len elements, at least 1
  * @param pResult its value
  * @param pIndx its index, 0 where element 0 is a NaN; a null pointer is no error: only the value is found then
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsMinIndx_32f(const qvr32f* pSrc, int len, qvr32f* pResult, qvr32s* pIndx);
 
-/** The largest element and the first place where it stands, as Morven_qvrsMinIndx_32f. */
+/**
+ * The largest element and the first place where it stands, as Morven_qvrsMinIndx_32f.
+ * @param pSrc the array
+ * @param len elements, at least 1
+ * @param pResult its value
+ * @param pIndx its index, 0 where element 0 is a NaN; a null pointer is no error: only the value is found then
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsMaxIndx_32f(const qvr32f* pSrc, int len, qvr32f* pResult, qvr32s* pIndx);
 
 /**
@@ -668,7 +1082,7 @@ qvrStatus Morven_qvrsMaxIndx_32f(const qvr32f* pSrc, int len, qvr32f* pResult, q
  * @param pDst `len` sums
  * @param len outputs, at least 1
  * @param maskSize elements in a window
- * @return qvrErrBadWindowLength for `maskSize` below 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrErrBadWindowLength for `maskSize` below 1
  */
 qvrStatus Morven_qvrsSumWindow_16s32f(const qvr16s* pSrc, qvr32f* pDst, int len, int maskSize);
 
@@ -687,62 +1101,150 @@ enum {
     qvrCmpGreater = 4 /**< what is greater than the level is lowered to it */
 };
 
-/** pDst[i] = pSrc[i] & val */
+/**
+ * pDst[i] = pSrc[i] & val
+ * @param pSrc source, `len` elements
+ * @param val the mask
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAndC_16u(const qvr16u* pSrc, qvr16u val, qvr16u* pDst, int len);
-/** pSrcDst[i] = pSrcDst[i] & val */
+
+/**
+ * pSrcDst[i] = pSrcDst[i] & val
+ * @param val the mask
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAndC_16u_I(qvr16u val, qvr16u* pSrcDst, int len);
-/** pSrcDst[i] = pSrcDst[i] | pSrc[i] */
+
+/**
+ * pSrcDst[i] = pSrcDst[i] | pSrc[i]
+ * @param pSrc source, `len` elements
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsOr_16u_I(const qvr16u* pSrc, qvr16u* pSrcDst, int len);
 
 /**
  * pDst[i] = pSrc[i] << val, kept to 16 bits; a count of 16 or more gives zeros.
- * @return qvrErrBadShift for a negative `val`, judged after the pointers and the length
+ * @param pSrc source, `len` elements
+ * @param val bits to shift by, not negative
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrErrBadShift for a negative `val`
  */
 qvrStatus Morven_qvrsLShiftC_16u(const qvr16u* pSrc, int val, qvr16u* pDst, int len);
-/** The same as Morven_qvrsLShiftC_16u in place. */
+
+/**
+ * The same as Morven_qvrsLShiftC_16u in place.
+ * @param val bits to shift by, not negative
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrErrBadShift for a negative `val`
+ */
 qvrStatus Morven_qvrsLShiftC_16u_I(int val, qvr16u* pSrcDst, int len);
-/** pSrcDst[i] = pSrcDst[i] >> val, zeros shifted in; counts and statuses as Morven_qvrsLShiftC_16u. */
+
+/**
+ * pSrcDst[i] = pSrcDst[i] >> val, zeros shifted in; counts and statuses as Morven_qvrsLShiftC_16u.
+ * @param val bits to shift by, not negative
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrErrBadShift for a negative `val`
+ */
 qvrStatus Morven_qvrsRShiftC_16u_I(int val, qvr16u* pSrcDst, int len);
 
 /**
  * Limits from one side: `level > x ? level : x` for qvrCmpLess, `level < x ? level : x` for qvrCmpGreater. A NaN
  * element stays; a NaN level changes nothing.
- * @return qvrErrBadArgument for any other `relOp`
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @param level the limit
+ * @param relOp qvrCmpLess or qvrCmpGreater
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrErrBadArgument for any other `relOp`
  */
 qvrStatus Morven_qvrsThreshold_32f_I(qvr32f* pSrcDst, int len, qvr32f level, int relOp);
 
 /**
  * pDst[i] = level >= pSrc[i] ? pSrc[i] : value. A NaN element is replaced; a NaN level replaces everything. The
  * in-place form does neither.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @param level the level
+ * @param value what replaces an element beyond the level
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsThreshold_GTVal_32f(const qvr32f* pSrc, qvr32f* pDst, int len, qvr32f level, qvr32f value);
-/** pSrcDst[i] = pSrcDst[i] > level ? value : pSrcDst[i]. A NaN element stays; a NaN level changes nothing. */
+
+/**
+ * pSrcDst[i] = pSrcDst[i] > level ? value : pSrcDst[i]. A NaN element stays; a NaN level changes nothing.
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @param level the level
+ * @param value what replaces an element beyond the level
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsThreshold_GTVal_32f_I(qvr32f* pSrcDst, int len, qvr32f level, qvr32f value);
+
 /**
  * pDst[i] = pSrc[i] >= level ? pSrc[i] : value. A NaN element is replaced; a NaN level replaces everything. The
  * in-place form does neither.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements, at least 1
+ * @param level the level
+ * @param value what replaces an element beyond the level
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsThreshold_LTVal_32f(const qvr32f* pSrc, qvr32f* pDst, int len, qvr32f level, qvr32f value);
-/** pSrcDst[i] = level > pSrcDst[i] ? value : pSrcDst[i]. A NaN element stays; a NaN level changes nothing. */
+
+/**
+ * pSrcDst[i] = level > pSrcDst[i] ? value : pSrcDst[i]. A NaN element stays; a NaN level changes nothing.
+ * @param pSrcDst `len` elements, replaced by the results
+ * @param len elements, at least 1
+ * @param level the level
+ * @param value what replaces an element beyond the level
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsThreshold_LTVal_32f_I(qvr32f* pSrcDst, int len, qvr32f level, qvr32f value);
 
 /**
  * pDst[i] = pSrc[i] == oldVal ? newVal : pSrc[i]
  *
  * A `len` of 0 is no error here: qvrOk, and nothing is written.
+ * @param pSrc source, `len` elements
+ * @param pDst destination, `len` elements; may be the source
+ * @param len elements; none is no error
+ * @param oldVal the value that is replaced
+ * @param newVal the value that replaces it
  * @return qvrErrNullPointer, then qvrErrBadCount for a negative `len`
  */
 qvrStatus Morven_qvrsReplaceC_16u(const qvr16u* pSrc, qvr16u* pDst, int len, qvr16u oldVal, qvr16u newVal);
 
 /**
  * The first place where a sequence stands in an array.
- * @param pSrc, len the array; it may be empty
- * @param pFind, lenFind the sequence; an empty one is found nowhere
+ * @param pSrc the array; it may be empty
+ * @param len its elements, 0 or more
+ * @param pFind the sequence; an empty one is found nowhere
+ * @param lenFind its elements, 0 or more
  * @param pIndex the lowest k with pSrc[k + i] == pFind[i] for all i, or -1; left alone after an error
  * @return qvrErrNullPointer, then qvrErrBadCount for a negative `len` or `lenFind`; a sequence not found is qvrOk
  */
 qvrStatus Morven_qvrsFind_8u(const qvr8u* pSrc, int len, const qvr8u* pFind, int lenFind, qvr32s* pIndex);
-/** The same as Morven_qvrsFind_8u on 16-bit elements. */
+
+/**
+ * The same as Morven_qvrsFind_8u on 16-bit elements.
+ * @param pSrc the array; it may be empty
+ * @param len its elements, 0 or more
+ * @param pFind the sequence; an empty one is found nowhere
+ * @param lenFind its elements, 0 or more
+ * @param pIndex the lowest k with pSrc[k + i] == pFind[i] for all i, or -1; left alone after an error
+ * @return qvrErrNullPointer, then qvrErrBadCount for a negative `len` or `lenFind`; a sequence not found is qvrOk
+ */
 qvrStatus Morven_qvrsFind_16u(const qvr16u* pSrc, int len, const qvr16u* pFind, int lenFind, qvr32s* pIndex);
 
 /** @} */
@@ -760,9 +1262,20 @@ qvrStatus Morven_qvrsFind_16u(const qvr16u* pSrc, int len, const qvr16u* pFind, 
  * @{
  */
 
-/** Sorts singles. */
+/**
+ * Sorts singles.
+ * @param pSrcDst `len` elements, sorted in place
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSortAscend_32f_I(qvr32f* pSrcDst, int len);
-/** Sorts doubles. */
+
+/**
+ * Sorts doubles.
+ * @param pSrcDst `len` elements, sorted in place
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsSortAscend_64f_I(qvr64f* pSrcDst, int len);
 
 /** @} */
@@ -784,7 +1297,8 @@ enum {
  *
  * A zero of either sign has the sign 0, a NaN counts as positive. The sum is kept in single precision, so beyond 2^24
  * it no longer counts exactly.
- * @param pSrc, len array of `len` elements; a single one gives 0
+ * @param pSrc the array; a single element gives 0
+ * @param len elements, at least 1
  * @param pResult the rate
  * @return qvrErrNullPointer, then qvrErrBadSize for `len` below 1
  */
@@ -792,7 +1306,8 @@ qvrStatus Morven_qvrsSignChangeRate_Count0_32f(const qvr32f* pSrc, int len, qvr3
 
 /**
  * Crossings of zero between neighbouring elements, by one of three definitions.
- * @param pSrc, len the array; fewer than two elements, a negative `len` too, give 0
+ * @param pSrc the array
+ * @param len elements; fewer than two, a negative number too, give 0
  * @param pResult the count, exact as an integer and then converted (qvrZcSignStep: times 0.5)
  * @param zcType qvrZcProduct, qvrZcSignBit or qvrZcSignStep
  * @return in order: qvrErrNullPointer; qvrErrBadSize for a `len` of exactly 0; qvrErrBadSelector
@@ -808,7 +1323,8 @@ qvrStatus Morven_qvrsZeroCrossing_32f(const qvr32f* pSrc, int len, qvr32f* pResu
  * @param pDst `len` outputs; may be pSrc
  * @param len outputs, at least 1
  * @param pLast output alone
- * @param prevValue, factor start and decay of the recursion; every product and sum is rounded to single
+ * @param prevValue start of the recursion
+ * @param factor its decay; every product and sum is rounded to single
  * @return qvrErrNullPointer, then qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsCompensateOffset_32f(const qvr32f* pSrc, qvr32f* pDst, int len, qvr32f* pLast, qvr32f prevValue,
@@ -817,14 +1333,24 @@ qvrStatus Morven_qvrsCompensateOffset_32f(const qvr32f* pSrc, qvr32f* pDst, int 
 /**
  * Offset compensation in place, with x the old elements and y the new ones: y[0] = prevValue * factor + (x[0] -
  * *pLast), then y[i] = (x[i] - y[i - 1]) + x[i - 1] * factor; at the end *pLast = x[len - 1].
+ * @param pSrcDst `len` elements, replaced by the outputs
+ * @param len elements, at least 1
+ * @param pLast the sample before the first; receives the last one
+ * @param prevValue start of the recursion
+ * @param factor its decay; every product and sum is rounded to single
  * @return qvrErrNullPointer, then qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsCompensateOffset_32f_I(qvr32f* pSrcDst, int len, qvr32f* pLast, qvr32f prevValue, qvr32f factor);
 
 /**
  * Judges its arguments and does nothing else: no element is read or written.
+ * @param pSrc not read
+ * @param pDstPeaks not written
+ * @param len 1..65535
+ * @param searchSize 1..127
+ * @param movingAvgSize 1..127
  * @return in order: qvrErrNullPointer for `pSrc` or `pDstPeaks`; qvrErrBadCount for `len` outside 1..65535;
- *         qvrErrBadSize for `searchSize` or `movingAvgSize` outside 1..127; else qvrOk
+ *     qvrErrBadSize for `searchSize` or `movingAvgSize` outside 1..127; else qvrOk
  */
 qvrStatus Morven_qvrsFindPeaks_32f8u(const qvr32f* pSrc, qvr8u* pDstPeaks, int len, int searchSize, int movingAvgSize);
 
@@ -834,13 +1360,15 @@ qvrStatus Morven_qvrsFindPeaks_32f8u(const qvr32f* pSrc, qvr8u* pDstPeaks, int l
  * An index outside 0..srcCols - 1 ends the call with qvrErrBadSize when its turn comes, in the first row: the columns
  * before it are then already written.
  * @param pSrc rows of `srcCols` elements, `srcStride` elements apart
- * @param srcCols, srcStride columns and row stride of the source, in elements
+ * @param srcCols columns of the source
+ * @param srcStride elements from one source row to the next
  * @param pDst rows of `dstCols` elements, `dstStride` elements apart
  * @param pIndex `dstCols` source columns
- * @param dstCols, dstStride columns and row stride of the destination, in elements
+ * @param dstCols columns of the destination
+ * @param dstStride elements from one destination row to the next
  * @param rows rows of both
  * @return in order: qvrErrNullPointer; qvrErrBadSize for `srcCols`, `dstCols` or `rows` below 1; qvrErrBadColumns where
- *         there are more columns than the stride; qvrErrBadSize for an index
+ *     there are more columns than the stride; qvrErrBadSize for an index
  */
 qvrStatus Morven_qvrsCopyColumn_Indirect_16s_D2(const qvr16s* pSrc, int srcCols, int srcStride, qvr16s* pDst,
                                                 const qvr32s* pIndex, int dstCols, int dstStride, int rows);
@@ -914,26 +1442,43 @@ typedef struct qvrsFFTSpec_R_64f qvrsFFTSpec_R_64f; /**< prepared real transform
  * Creates the specification object of a length.
  *
  * Checks in order: ppSpec null (qvrErrNullPointer), order outside 0..30 (qvrErrFFTOrder), flag (qvrErrFFTFlag), order
- * above the largest (qvrErrFFTOrder): 29 in 32f and 28 in 64f, but 28 and 27 in the SSE2 build, and 27 in 64f in that
- * for SSSE3 with MOVBE.
+ * above the largest (qvrErrFFTOrder):
+ *
+ *     processor's level              32f   64f
+ *     SSE2                            28    27
+ *     SSSE3 with MOVBE, no SSE4.1     29    27
+ *     all others                      29    28
+ *
  * @param ppSpec receives the object; untouched after an error. Release it with Morven_qvrsFFTFree_R_32f.
  * @param order log2 of the length
  * @param flag qvrFftDivFwdByN, qvrFftDivInvByN, qvrFftDivBySqrtN or qvrFftNoDiv
  * @param hint any value
- * @return qvrErrNoMemory if memory could not be had
+ * @return qvrErrNullPointer; qvrErrFFTOrder; qvrErrFFTFlag; qvrErrNoMemory if memory could not be had
  */
 qvrStatus Morven_qvrsFFTInitAlloc_R_32f(qvrsFFTSpec_R_32f** ppSpec, int order, int flag, int hint);
 
-/** Creates the specification object of a length in double precision, as Morven_qvrsFFTInitAlloc_R_32f. */
+/**
+ * Creates the specification object of a length in double precision, as Morven_qvrsFFTInitAlloc_R_32f.
+ * @param ppSpec receives the object; untouched after an error. Release it with Morven_qvrsFFTFree_R_64f.
+ * @param order log2 of the length
+ * @param flag qvrFftDivFwdByN, qvrFftDivInvByN, qvrFftDivBySqrtN or qvrFftNoDiv
+ * @param hint any value
+ * @return qvrErrNullPointer; qvrErrFFTOrder; qvrErrFFTFlag; qvrErrNoMemory if memory could not be had
+ */
 qvrStatus Morven_qvrsFFTInitAlloc_R_64f(qvrsFFTSpec_R_64f** ppSpec, int order, int flag, int hint);
 
 /**
  * Releases an object of Morven_qvrsFFTInitAlloc_R_32f.
+ * @param pSpec the object; not to be used afterwards
  * @return qvrErrNullPointer for null, qvrErrBadContext for anything but such an object
  */
 qvrStatus Morven_qvrsFFTFree_R_32f(qvrsFFTSpec_R_32f* pSpec);
 
-/** Releases an object of Morven_qvrsFFTInitAlloc_R_64f. */
+/**
+ * Releases an object of Morven_qvrsFFTInitAlloc_R_64f.
+ * @param pSpec the object; not to be used afterwards
+ * @return qvrErrNullPointer for null, qvrErrBadContext for anything but such an object
+ */
 qvrStatus Morven_qvrsFFTFree_R_64f(qvrsFFTSpec_R_64f* pSpec);
 
 /**
@@ -944,12 +1489,21 @@ qvrStatus Morven_qvrsFFTFree_R_64f(qvrsFFTSpec_R_64f* pSpec);
  * @param pDst the spectrum, N + 2 values (2 at order 0)
  * @param pSpec the object
  * @param pBuffer work buffer or null
- * @return qvrErrNoMemory if work memory could not be had; nothing is written then
+ * @return qvrErrNullPointer for pSpec; qvrErrBadContext for no such object; qvrErrNullPointer; qvrErrNoMemory if work
+ *     memory could not be had, with nothing written
  */
 qvrStatus Morven_qvrsFFTFwd_RToCCS_32f(const qvr32f* pSrc, qvr32f* pDst, const qvrsFFTSpec_R_32f* pSpec,
                                        qvr8u* pBuffer);
 
-/** Real values to their half spectrum in double precision, as Morven_qvrsFFTFwd_RToCCS_32f. */
+/**
+ * Real values to their half spectrum in double precision, as Morven_qvrsFFTFwd_RToCCS_32f.
+ * @param pSrc N values
+ * @param pDst the spectrum, N + 2 values (2 at order 0)
+ * @param pSpec the object
+ * @param pBuffer work buffer or null
+ * @return qvrErrNullPointer for pSpec; qvrErrBadContext for no such object; qvrErrNullPointer; qvrErrNoMemory if work
+ *     memory could not be had, with nothing written
+ */
 qvrStatus Morven_qvrsFFTFwd_RToCCS_64f(const qvr64f* pSrc, qvr64f* pDst, const qvrsFFTSpec_R_64f* pSpec,
                                        qvr8u* pBuffer);
 
@@ -961,12 +1515,21 @@ qvrStatus Morven_qvrsFFTFwd_RToCCS_64f(const qvr64f* pSrc, qvr64f* pDst, const q
  * @param pDst N values; nothing behind them is written
  * @param pSpec the object
  * @param pBuffer work buffer or null
- * @return qvrErrNoMemory if work memory could not be had; nothing is written then
+ * @return qvrErrNullPointer for pSpec; qvrErrBadContext for no such object; qvrErrNullPointer; qvrErrNoMemory if work
+ *     memory could not be had, with nothing written
  */
 qvrStatus Morven_qvrsFFTInv_CCSToR_32f(const qvr32f* pSrc, qvr32f* pDst, const qvrsFFTSpec_R_32f* pSpec,
                                        qvr8u* pBuffer);
 
-/** Half spectrum to real values in double precision, as Morven_qvrsFFTInv_CCSToR_32f. */
+/**
+ * Half spectrum to real values in double precision, as Morven_qvrsFFTInv_CCSToR_32f.
+ * @param pSrc the spectrum, N + 2 values, of which index 1 and N + 1 are not read
+ * @param pDst N values; nothing behind them is written
+ * @param pSpec the object
+ * @param pBuffer work buffer or null
+ * @return qvrErrNullPointer for pSpec; qvrErrBadContext for no such object; qvrErrNullPointer; qvrErrNoMemory if work
+ *     memory could not be had, with nothing written
+ */
 qvrStatus Morven_qvrsFFTInv_CCSToR_64f(const qvr64f* pSrc, qvr64f* pDst, const qvrsFFTSpec_R_64f* pSpec,
                                        qvr8u* pBuffer);
 
@@ -1003,7 +1566,8 @@ typedef struct qvrsFFTSpec_R_16s qvrsFFTSpec_R_16s; /**< prepared fixed-point tr
  * @param order log2 of the length
  * @param flag qvrFftDivFwdByN, qvrFftDivInvByN, qvrFftDivBySqrtN or qvrFftNoDiv
  * @param hint qvrHintAccurate asks for the transform in single precision at every order
- * @return qvrErrNoMemory if memory could not be had, or a size would pass 2^31 - 1 bytes (from order 29 on)
+ * @return qvrErrNullPointer; qvrErrFFTOrder; qvrErrFFTFlag; qvrErrNoMemory if memory could not be had, or a size would
+ *     pass 2^31 - 1 bytes (from order 29 on)
  */
 qvrStatus Morven_qvrsFFTInitAlloc_R_16s(qvrsFFTSpec_R_16s** ppSpec, int order, int flag, int hint);
 
@@ -1016,13 +1580,15 @@ qvrStatus Morven_qvrsFFTInitAlloc_R_16s(qvrsFFTSpec_R_16s** ppSpec, int order, i
  * @param pSpec the object
  * @param scaleFactor any value; a negative one scales up
  * @param pBuffer work buffer or null
- * @return qvrErrNoMemory if work memory could not be had; nothing is written then
+ * @return qvrErrNullPointer for pSpec; qvrErrBadContext for no such object; qvrErrNullPointer; qvrErrNoMemory if work
+ *     memory could not be had, with nothing written
  */
 qvrStatus Morven_qvrsFFTFwd_RToCCS_16s_Sfs(const qvr16s* pSrc, qvr16s* pDst, const qvrsFFTSpec_R_16s* pSpec,
                                            int scaleFactor, qvr8u* pBuffer);
 
 /**
  * Releases an object of Morven_qvrsFFTInitAlloc_R_16s.
+ * @param pSpec the object; not to be used afterwards
  * @return qvrErrNullPointer for null, qvrErrBadContext for anything but such an object
  */
 qvrStatus Morven_qvrsFFTFree_R_16s(qvrsFFTSpec_R_16s* pSpec);
@@ -1069,7 +1635,11 @@ qvrStatus Morven_qvrsHilbertInitAlloc_32f32fc(qvrsHilbertState_32f32fc** ppState
  */
 qvrStatus Morven_qvrsHilbert_32f32fc(const qvr32f* pSrc, qvr32fc* pDst, qvrsHilbertState_32f32fc* pState);
 
-/** Releases a state. @return qvrErrNullPointer, qvrErrBadContext */
+/**
+ * Releases a state.
+ * @param pState the state; not to be used afterwards
+ * @return qvrErrNullPointer, qvrErrBadContext
+ */
 qvrStatus Morven_qvrsHilbertFree_32f32fc(qvrsHilbertState_32f32fc* pState);
 
 /** @} */
@@ -1100,8 +1670,8 @@ qvrStatus Morven_qvrsHilbertFree_32f32fc(qvrsHilbertState_32f32fc* pState);
  * @param pSrc2 second signal
  * @param len2 its length, at least 1
  * @param pDst len1 + len2 - 1 values
- * @return qvrErrNoMemory at once where spectra would take more than 2^31 - 1 bytes: from L = 3 S on if S is above 2^25,
- *     below that if D is above 2^27
+ * @return qvrErrNullPointer; qvrErrBadSize for a length below 1; qvrErrNoMemory with nothing written, and at once where
+ *     spectra would take more than 2^31 - 1 bytes: from L = 3 S on if S is above 2^25, below that if D is above 2^27
  */
 qvrStatus Morven_qvrsConv_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2, int len2, qvr32f* pDst);
 
@@ -1120,6 +1690,7 @@ qvrStatus Morven_qvrsConv_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2
  * @param pDst dstLen values
  * @param dstLen number of results, at least 1
  * @param bias place of pSrc2 in its buffer
+ * @return qvrErrNullPointer; qvrErrBadSize for a length below 1
  */
 qvrStatus Morven_qvrsConvBiased_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2, int len2, qvr32f* pDst,
                                     int dstLen, int bias);
@@ -1127,6 +1698,10 @@ qvrStatus Morven_qvrsConvBiased_32f(const qvr32f* pSrc1, int len1, const qvr32f*
 /**
  * Cyclic convolution of 8 by 8 values: pY[n] = sum for k = 0 .. 7 of pX[k] * pH[(n - k) mod 8], added in the order of
  * k. No argument is checked; the result is always qvrOk.
+ * @param pX 8 values
+ * @param pH 8 values
+ * @param pY receives 8 values
+ * @return qvrOk, always
  */
 qvrStatus Morven_qvrsConvCyclic8x8_32f(const qvr32f* pX, const qvr32f* pH, qvr32f* pY);
 
@@ -1143,9 +1718,9 @@ qvrStatus Morven_qvrsConvCyclic8x8_32f(const qvr32f* pX, const qvr32f* pH, qvr32
  * @param pDst dstLen values
  * @param dstLen number of lags, at least 1
  * @param lowLag first lag, any value
- * @return qvrErrNoMemory at once where spectra would take more than 2^31 - 1 bytes: with one length at least three times
- *     the other and the first lag near the overlap's begin if the shorter is above 2^25, otherwise if len1 + len2 - 1 is
- *     above 2^27
+ * @return qvrErrNullPointer; qvrErrBadSize for a length below 1; qvrErrNoMemory with nothing written, and at once where
+ *     spectra would take more than 2^31 - 1 bytes: with one length at least three times the other and the first lag
+ *     near the overlap's begin if the shorter is above 2^25, otherwise if len1 + len2 - 1 is above 2^27
  */
 qvrStatus Morven_qvrsCrossCorr_32f(const qvr32f* pSrc1, int len1, const qvr32f* pSrc2, int len2, qvr32f* pDst,
                                    int dstLen, int lowLag);
@@ -1158,7 +1733,8 @@ qvrStatus Morven_qvrsCrossCorr_32f(const qvr32f* pSrc1, int len1, const qvr32f* 
  * @param srcLen its length, at least 1
  * @param pDst dstLen values
  * @param dstLen number of lags, at least 1
- * @return qvrErrNoMemory at once, where plain sums are not taken, for srcLen above 2^27
+ * @return qvrErrNullPointer; qvrErrBadSize for a length below 1; qvrErrNoMemory with nothing written, and at once,
+ *     where plain sums are not taken, for srcLen above 2^27
  */
 qvrStatus Morven_qvrsAutoCorr_32f(const qvr32f* pSrc, int srcLen, qvr32f* pDst, int dstLen);
 
@@ -1205,6 +1781,8 @@ typedef struct qvrsWTInvState_32f qvrsWTInvState_32f; /**< inverse transform: tw
  * @param pTapsHigh taps of the high channel
  * @param lenHigh number of them, at least 1
  * @param offsHigh delay of the high channel in samples, -1 or more
+ * @return qvrErrNullPointer for ppState or pTapsLow; qvrErrBadSize for lenLow; qvrErrNullPointer for pTapsHigh;
+ *     qvrErrBadSize for lenHigh; qvrErrBadOffset; qvrErrNoMemory
  */
 qvrStatus Morven_qvrsWTFwdInitAlloc_32f(qvrsWTFwdState_32f** ppState, const qvr32f* pTapsLow, int lenLow, int offsLow,
                                         const qvr32f* pTapsHigh, int lenHigh, int offsHigh);
@@ -1216,20 +1794,49 @@ qvrStatus Morven_qvrsWTFwdInitAlloc_32f(qvrsWTFwdState_32f** ppState, const qvr3
  * @param pDstHigh dstLen values of the high channel
  * @param dstLen values of one channel, at least 1
  * @param pState the state, whose history moves on
+ * @return qvrErrNullPointer for a null state; qvrErrBadContext for no state of this direction; qvrErrNullPointer;
+ *     qvrErrBadSize for dstLen below 1
  */
 qvrStatus Morven_qvrsWTFwd_32f(const qvr32f* pSrc, qvr32f* pDstLow, qvr32f* pDstHigh, int dstLen,
                                qvrsWTFwdState_32f* pState);
 
-/** Sets the history of both channels from their delay arrays. */
+/**
+ * Sets the history of both channels from their delay arrays.
+ * @param pState the state
+ * @param pDlyLow delay array of the low channel
+ * @param pDlyHigh delay array of the high channel
+ * @return qvrErrNullPointer for a null state; qvrErrBadContext for no state of this direction; qvrErrNullPointer
+ */
 qvrStatus Morven_qvrsWTFwdSetDlyLine_32f(qvrsWTFwdState_32f* pState, const qvr32f* pDlyLow, const qvr32f* pDlyHigh);
 
-/** Writes the history of both channels to their delay arrays. */
+/**
+ * Writes the history of both channels to their delay arrays.
+ * @param pState the state
+ * @param pDlyLow delay array of the low channel
+ * @param pDlyHigh delay array of the high channel
+ * @return qvrErrNullPointer for a null state; qvrErrBadContext for no state of this direction; qvrErrNullPointer
+ */
 qvrStatus Morven_qvrsWTFwdGetDlyLine_32f(qvrsWTFwdState_32f* pState, qvr32f* pDlyLow, qvr32f* pDlyHigh);
 
-/** Releases a forward state. */
+/**
+ * Releases a forward state.
+ * @param pState the state; not to be used afterwards
+ * @return qvrErrNullPointer for a null state; qvrErrBadContext for no state of this direction; qvrErrNullPointer
+ */
 qvrStatus Morven_qvrsWTFwdFree_32f(qvrsWTFwdState_32f* pState);
 
-/** Creates an inverse state; arguments and statuses as in Morven_qvrsWTFwdInitAlloc_32f. */
+/**
+ * Creates an inverse state; arguments and statuses as in Morven_qvrsWTFwdInitAlloc_32f.
+ * @param ppState receives the state, null after qvrErrNoMemory; release it with Morven_qvrsWTInvFree_32f
+ * @param pTapsLow taps of the low channel
+ * @param lenLow number of them, at least 1
+ * @param offsLow delay of the low channel in samples, -1 or more
+ * @param pTapsHigh taps of the high channel
+ * @param lenHigh number of them, at least 1
+ * @param offsHigh delay of the high channel in samples, -1 or more
+ * @return qvrErrNullPointer for ppState or pTapsLow; qvrErrBadSize for lenLow; qvrErrNullPointer for pTapsHigh;
+ *     qvrErrBadSize for lenHigh; qvrErrBadOffset; qvrErrNoMemory
+ */
 qvrStatus Morven_qvrsWTInvInitAlloc_32f(qvrsWTInvState_32f** ppState, const qvr32f* pTapsLow, int lenLow, int offsLow,
                                         const qvr32f* pTapsHigh, int lenHigh, int offsHigh);
 
@@ -1240,17 +1847,35 @@ qvrStatus Morven_qvrsWTInvInitAlloc_32f(qvrsWTInvState_32f** ppState, const qvr3
  * @param srcLen values of one channel, at least 1
  * @param pDst 2 * srcLen samples; does not overlap a source
  * @param pState the state, whose history moves on
+ * @return qvrErrNullPointer for a null state; qvrErrBadContext for no state of this direction; qvrErrNullPointer;
+ *     qvrErrBadSize for srcLen below 1
  */
 qvrStatus Morven_qvrsWTInv_32f(const qvr32f* pSrcLow, const qvr32f* pSrcHigh, int srcLen, qvr32f* pDst,
                                qvrsWTInvState_32f* pState);
 
-/** Sets the history of both channels from their delay arrays. */
+/**
+ * Sets the history of both channels from their delay arrays.
+ * @param pState the state
+ * @param pDlyLow delay array of the low channel
+ * @param pDlyHigh delay array of the high channel
+ * @return qvrErrNullPointer for a null state; qvrErrBadContext for no state of this direction; qvrErrNullPointer
+ */
 qvrStatus Morven_qvrsWTInvSetDlyLine_32f(qvrsWTInvState_32f* pState, const qvr32f* pDlyLow, const qvr32f* pDlyHigh);
 
-/** Writes the history of both channels to their delay arrays. */
+/**
+ * Writes the history of both channels to their delay arrays.
+ * @param pState the state
+ * @param pDlyLow delay array of the low channel
+ * @param pDlyHigh delay array of the high channel
+ * @return qvrErrNullPointer for a null state; qvrErrBadContext for no state of this direction; qvrErrNullPointer
+ */
 qvrStatus Morven_qvrsWTInvGetDlyLine_32f(qvrsWTInvState_32f* pState, qvr32f* pDlyLow, qvr32f* pDlyHigh);
 
-/** Releases an inverse state. */
+/**
+ * Releases an inverse state.
+ * @param pState the state; not to be used afterwards
+ * @return qvrErrNullPointer for a null state; qvrErrBadContext for no state of this direction; qvrErrNullPointer
+ */
 qvrStatus Morven_qvrsWTInvFree_32f(qvrsWTInvState_32f* pState);
 
 /** @} */
@@ -1274,22 +1899,45 @@ qvrStatus Morven_qvrsWTInvFree_32f(qvrsWTInvState_32f* pState);
  * @{
  */
 
-/** Triangle; both ends become +0. */
+/**
+ * Triangle; both ends become +0.
+ * @param pSrcDst the signal, `len` samples, multiplied in place
+ * @param len samples, at least 3
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 3
+ */
 qvrStatus Morven_qvrsWinBartlett_32f_I(qvr32f* pSrcDst, int len);
 
-/** Hann window, also called raised cosine. */
+/**
+ * Hann window, also called raised cosine.
+ * @param pSrcDst the signal, `len` samples, multiplied in place
+ * @param len samples, at least 3
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 3
+ */
 qvrStatus Morven_qvrsWinHann_32f_I(qvr32f* pSrcDst, int len);
 
-/** Hamming window; the ends keep 0.08 of their value. */
+/**
+ * Hamming window; the ends keep 0.08 of their value.
+ * @param pSrcDst the signal, `len` samples, multiplied in place
+ * @param len samples, at least 3
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 3
+ */
 qvrStatus Morven_qvrsWinHamming_32f_I(qvr32f* pSrcDst, int len);
 
 /**
  * Hamming window on 16-bit samples. The two ends are truncated toward zero; the others are rounded to nearest by the
  * caller's MXCSR, except in the SSE2 build, which truncates them all.
+ * @param pSrcDst the signal, `len` samples, multiplied in place
+ * @param len samples, at least 3
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 3
  */
 qvrStatus Morven_qvrsWinHamming_16s_I(qvr16s* pSrcDst, int len);
 
-/** Blackman window with the alpha of -0.16. */
+/**
+ * Blackman window with the alpha of -0.16.
+ * @param pSrcDst the signal, `len` samples, multiplied in place
+ * @param len samples, at least 3
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 3
+ */
 qvrStatus Morven_qvrsWinBlackmanStd_32f_I(qvr32f* pSrcDst, int len);
 
 /** @} */
@@ -1319,8 +1967,9 @@ enum {
  * @param statePtr receives the state; release it with Morven_qvrsIIRFree_64f
  * @param taps 2 * (order + 1) doubles: b[0] .. b[order], then a[0] .. a[order]; all are divided by a[0]
  * @param order L, at least 1
- * @param dlyLine L doubles: the start of the delay line in the transposed form, in which element k is what the k + 1
- *     newest samples owe the output (not a list of past samples); null for zeros
+ * @param dlyLine L doubles, null for zeros: the start of the delay line in the transposed form. Element k is what past
+ *     samples owe the output k samples on, the sum for j = k + 1 .. L of (b[j] x[k - j] - a[j] y[k - j]) / a[0], with
+ *     x[-1] and y[-1] the newest past sample and output; it is not a list of past samples
  * @return qvrErrNullPointer for null taps or statePtr; qvrErrBadOrder for an order below 1; qvrErrNoMemory, also when
  *     the state would pass 2^31 - 1 bytes; qvrErrDivByZero if a[0] is zero, in which case nothing stays allocated and
  *     *statePtr is not to be used
@@ -1342,7 +1991,11 @@ qvrStatus Morven_qvrsIIRInitAlloc_64f(qvrsIIRState_64f** statePtr, const qvr64f*
  */
 qvrStatus Morven_qvrsIIR_64f(const qvr64f* src, qvr64f* dst, int numIters, qvrsIIRState_64f* state);
 
-/** Releases a recursive filter. @return qvrErrNullPointer, qvrErrBadContext */
+/**
+ * Releases a recursive filter.
+ * @param state the filter; not to be used afterwards
+ * @return qvrErrNullPointer, qvrErrBadContext
+ */
 qvrStatus Morven_qvrsIIRFree_64f(qvrsIIRState_64f* state);
 
 /**
@@ -1352,13 +2005,23 @@ qvrStatus Morven_qvrsIIRFree_64f(qvrsIIRState_64f* state);
  * @param filterType qvrIirButterworth or qvrIirChebyshev; with any other value the function returns qvrOk and writes
  *     nothing
  * @param rFreq cut-off as a fraction of the sampling rate, in (0, 0.5): 3 dB down for Butterworth, the end of the
- * ripple for Chebyshev
+ *     ripple for Chebyshev
  * @param rippleDb pass-band ripple in decibels, in (0, 29]; Chebyshev only
  * @return in order: qvrErrNullPointer, qvrErrBadCutoff, qvrErrBadFilterOrder, qvrErrBadRipple
  */
 qvrStatus Morven_qvrsIIRGenLowpass_64f(int order, qvr64f* taps, int filterType, qvr64f rFreq, qvr64f rippleDb);
 
-/** Designs a high-pass filter; otherwise as Morven_qvrsIIRGenLowpass_64f. */
+/**
+ * Designs a high-pass filter; otherwise as Morven_qvrsIIRGenLowpass_64f.
+ * @param order 1..12
+ * @param taps receives 2 * (order + 1) doubles
+ * @param filterType qvrIirButterworth or qvrIirChebyshev; with any other value the function returns qvrOk and writes
+ *     nothing
+ * @param rFreq cut-off as a fraction of the sampling rate, in (0, 0.5): 3 dB down for Butterworth, the end of the
+ *     ripple for Chebyshev
+ * @param rippleDb pass-band ripple in decibels, in (0, 29]; Chebyshev only
+ * @return in order: qvrErrNullPointer, qvrErrBadCutoff, qvrErrBadFilterOrder, qvrErrBadRipple
+ */
 qvrStatus Morven_qvrsIIRGenHighpass_64f(int order, qvr64f* taps, int filterType, qvr64f rFreq, qvr64f rippleDb);
 
 /** @} */
@@ -1403,8 +2066,8 @@ typedef struct qvrsFIRState64f_16s qvrsFIRState64f_16s;
  * @param statePtr receives the state; release it with Morven_qvrsFIRFree_32f
  * @param taps tapsLen taps, which are copied
  * @param tapsLen number of taps, at least 1
- * @param dlyLine tapsLen past samples, the newest first: dlyLine[k] is x[-1 - k]; the last one influences no output. Null
- *     for zeros
+ * @param dlyLine tapsLen past samples, the newest first: dlyLine[k] is x[-1 - k]; the last one influences no output.
+ *     Null for zeros
  * @return qvrErrNullPointer for null statePtr or taps; qvrErrBadTapsLen; qvrErrNoMemory, also when the state would pass
  *     2^31 - 1 bytes; here qvrErrNullPointer too when the transform plan cannot be had. After an error nothing stays
  *     allocated, and *statePtr is not to be used
@@ -1412,25 +2075,71 @@ typedef struct qvrsFIRState64f_16s qvrsFIRState64f_16s;
 qvrStatus Morven_qvrsFIRInitAlloc_32f(qvrsFIRState_32f** statePtr, const qvr32f* taps, int tapsLen,
                                       const qvr32f* dlyLine);
 
-/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_32f; qvrErrNullPointer stands for null arguments alone. */
+/**
+ * Creates a FIR filter, as Morven_qvrsFIRInitAlloc_32f; qvrErrNullPointer stands for null arguments alone.
+ * @param statePtr receives the state; release it with Morven_qvrsFIRFree_64f
+ * @param taps tapsLen taps, which are copied
+ * @param tapsLen number of taps, at least 1
+ * @param dlyLine tapsLen past samples, the newest first: dlyLine[k] is x[-1 - k]; the last one influences no output.
+ *     Null for zeros
+ * @return qvrErrNullPointer for null statePtr or taps; qvrErrBadTapsLen; qvrErrNoMemory, also when the state would pass
+ *     2^31 - 1 bytes. After an error nothing stays allocated, and *statePtr is not to be used
+ */
 qvrStatus Morven_qvrsFIRInitAlloc_64f(qvrsFIRState_64f** statePtr, const qvr64f* taps, int tapsLen,
                                       const qvr64f* dlyLine);
 
-/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f. */
+/**
+ * Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f.
+ * @param statePtr receives the state; release it with Morven_qvrsFIRFree_64f
+ * @param taps tapsLen taps, which are copied
+ * @param tapsLen number of taps, at least 1
+ * @param dlyLine tapsLen past samples, the newest first: dlyLine[k] is x[-1 - k]; the last one influences no output.
+ *     Null for zeros
+ * @return qvrErrNullPointer for null statePtr or taps; qvrErrBadTapsLen; qvrErrNoMemory, also when the state would pass
+ *     2^31 - 1 bytes. After an error nothing stays allocated, and *statePtr is not to be used
+ */
 qvrStatus Morven_qvrsFIRInitAlloc64f_32f(qvrsFIRState64f_32f** statePtr, const qvr64f* taps, int tapsLen,
                                          const qvr32f* dlyLine);
 
-/** Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f. */
+/**
+ * Creates a FIR filter, as Morven_qvrsFIRInitAlloc_64f.
+ * @param statePtr receives the state; release it with Morven_qvrsFIRFree_64f
+ * @param taps tapsLen taps, which are copied
+ * @param tapsLen number of taps, at least 1
+ * @param dlyLine tapsLen past samples, the newest first: dlyLine[k] is x[-1 - k]; the last one influences no output.
+ *     Null for zeros
+ * @return qvrErrNullPointer for null statePtr or taps; qvrErrBadTapsLen; qvrErrNoMemory, also when the state would pass
+ *     2^31 - 1 bytes. After an error nothing stays allocated, and *statePtr is not to be used
+ */
 qvrStatus Morven_qvrsFIRInitAlloc64f_16s(qvrsFIRState64f_16s** statePtr, const qvr64f* taps, int tapsLen,
                                          const qvr16s* dlyLine);
 
-/** Releases a FIR filter. @return qvrErrNullPointer; qvrErrBadContext for an object of another kind */
+/**
+ * Releases a FIR filter.
+ * @param state the filter; not to be used afterwards
+ * @return qvrErrNullPointer; qvrErrBadContext for an object of another kind
+ */
 qvrStatus Morven_qvrsFIRFree_32f(qvrsFIRState_32f* state);
-/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+
+/**
+ * Releases a FIR filter, as Morven_qvrsFIRFree_32f.
+ * @param state the filter; not to be used afterwards
+ * @return qvrErrNullPointer; qvrErrBadContext for an object of another kind
+ */
 qvrStatus Morven_qvrsFIRFree_64f(qvrsFIRState_64f* state);
-/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+
+/**
+ * Releases a FIR filter, as Morven_qvrsFIRFree_32f.
+ * @param state the filter; not to be used afterwards
+ * @return qvrErrNullPointer; qvrErrBadContext for an object of another kind
+ */
 qvrStatus Morven_qvrsFIRFree64f_32f(qvrsFIRState64f_32f* state);
-/** Releases a FIR filter, as Morven_qvrsFIRFree_32f. */
+
+/**
+ * Releases a FIR filter, as Morven_qvrsFIRFree_32f.
+ * @param state the filter; not to be used afterwards
+ * @return qvrErrNullPointer; qvrErrBadContext for an object of another kind
+ */
 qvrStatus Morven_qvrsFIRFree64f_16s(qvrsFIRState64f_16s* state);
 
 /**
@@ -1444,10 +2153,26 @@ qvrStatus Morven_qvrsFIRFree64f_16s(qvrsFIRState64f_16s* state);
  */
 qvrStatus Morven_qvrsFIR_32f(const qvr32f* src, qvr32f* dst, int numIters, qvrsFIRState_32f* state);
 
-/** Filters numIters samples, as Morven_qvrsFIR_32f. */
+/**
+ * Filters numIters samples, as Morven_qvrsFIR_32f.
+ * @param src samples
+ * @param dst results; may be src
+ * @param numIters samples, at least 1
+ * @param state the filter, whose delay line is carried on
+ * @return qvrErrNullPointer, qvrErrBadSize, then qvrErrBadContext for an object of another kind; with none of them has
+ *     the state changed
+ */
 qvrStatus Morven_qvrsFIR_64f(const qvr64f* src, qvr64f* dst, int numIters, qvrsFIRState_64f* state);
 
-/** Filters numIters samples, as Morven_qvrsFIR_32f. Results beyond the range of a float become the largest one. */
+/**
+ * Filters numIters samples, as Morven_qvrsFIR_32f. Results beyond the range of a float become the largest one.
+ * @param src samples
+ * @param dst results; may be src
+ * @param numIters samples, at least 1
+ * @param state the filter, whose delay line is carried on
+ * @return qvrErrNullPointer, qvrErrBadSize, then qvrErrBadContext for an object of another kind; with none of them has
+ *     the state changed
+ */
 qvrStatus Morven_qvrsFIR64f_32f(const qvr32f* src, qvr32f* dst, int numIters, qvrsFIRState64f_32f* state);
 
 /**
@@ -1455,22 +2180,47 @@ qvrStatus Morven_qvrsFIR64f_32f(const qvr32f* src, qvr32f* dst, int numIters, qv
  *
  * A sum is multiplied by 2 to the power of -scaleFactor, saturated to 16 bits and rounded half away from zero, by adding
  * 0.5 or -0.5 and dropping the fraction. A NaN gives 0.
+ * @param src samples
+ * @param dst results; may be src
+ * @param numIters samples, at least 1
+ * @param state the filter, whose delay line is carried on
  * @param scaleFactor its magnitude counts modulo 128
+ * @return qvrErrNullPointer, qvrErrBadSize, then qvrErrBadContext for an object of another kind; with none of them has
+ *     the state changed
  */
 qvrStatus Morven_qvrsFIR64f_16s_Sfs(const qvr16s* src, qvr16s* dst, int numIters, qvrsFIRState64f_16s* state,
                                     int scaleFactor);
 
-/** Writes the filter's tapsLen taps in their original order. @return qvrErrNullPointer, qvrErrBadContext */
+/**
+ * Writes the filter's tapsLen taps in their original order.
+ * @param state the filter
+ * @param taps receives tapsLen taps
+ * @return qvrErrNullPointer, qvrErrBadContext
+ */
 qvrStatus Morven_qvrsFIRGetTaps_32f(const qvrsFIRState_32f* state, qvr32f* taps);
 
 /**
  * Writes the delay line, tapsLen past samples with the newest first.
+ * @param state the filter
+ * @param dlyLine receives tapsLen samples
  * @return qvrErrNullPointer, then qvrErrBadContext for an object of another kind
  */
 qvrStatus Morven_qvrsFIRGetDlyLine_32f(const qvrsFIRState_32f* state, qvr32f* dlyLine);
-/** Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f. */
+
+/**
+ * Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f.
+ * @param state the filter
+ * @param dlyLine receives tapsLen samples
+ * @return qvrErrNullPointer, then qvrErrBadContext for an object of another kind
+ */
 qvrStatus Morven_qvrsFIRGetDlyLine_64f(const qvrsFIRState_64f* state, qvr64f* dlyLine);
-/** Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f. */
+
+/**
+ * Writes the delay line, as Morven_qvrsFIRGetDlyLine_32f.
+ * @param state the filter
+ * @param dlyLine receives tapsLen samples
+ * @return qvrErrNullPointer, then qvrErrBadContext for an object of another kind
+ */
 qvrStatus Morven_qvrsFIRGetDlyLine64f_32f(const qvrsFIRState64f_32f* state, qvr32f* dlyLine);
 
 /**
@@ -1480,9 +2230,21 @@ qvrStatus Morven_qvrsFIRGetDlyLine64f_32f(const qvrsFIRState64f_32f* state, qvr3
  * @return qvrErrNullPointer for a null state, then qvrErrBadContext for an object of another kind
  */
 qvrStatus Morven_qvrsFIRSetDlyLine_32f(qvrsFIRState_32f* state, const qvr32f* dlyLine);
-/** Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f. */
+
+/**
+ * Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f.
+ * @param state the filter
+ * @param dlyLine tapsLen past samples with the newest first, or null for zeros
+ * @return qvrErrNullPointer for a null state, then qvrErrBadContext for an object of another kind
+ */
 qvrStatus Morven_qvrsFIRSetDlyLine_64f(qvrsFIRState_64f* state, const qvr64f* dlyLine);
-/** Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f. */
+
+/**
+ * Replaces the delay line, as Morven_qvrsFIRSetDlyLine_32f.
+ * @param state the filter
+ * @param dlyLine tapsLen past samples with the newest first, or null for zeros
+ * @return qvrErrNullPointer for a null state, then qvrErrBadContext for an object of another kind
+ */
 qvrStatus Morven_qvrsFIRSetDlyLine64f_32f(qvrsFIRState64f_32f* state, const qvr32f* dlyLine);
 
 /** @} */
@@ -1513,7 +2275,19 @@ qvrStatus Morven_qvrsFIRSetDlyLine64f_32f(qvrsFIRState64f_32f* state, const qvr3
  * 8i + 7 into those of another, adds the two, lanes 2 and 3 to 0 and 1, lane 1 to 0, and then the remaining terms one by
  * one. It is multiplied by 2 to the power of -scaleFactor in 32f, saturated to 16 bits and rounded half away from zero,
  * by adding 0.5 or -0.5 in 64f and dropping the fraction. A NaN gives 0.
+ * @param src numIters * downFactor samples
+ * @param dst numIters * upFactor outputs; does not overlap src
+ * @param numIters iterations, at least 1: each takes downFactor samples and gives upFactor outputs
+ * @param taps taps for the high rate
+ * @param tapsLen number of taps, at least 1
+ * @param upFactor at least 1
+ * @param upPhase 0..upFactor - 1: the step of the first sample
+ * @param downFactor at least 1
+ * @param downPhase 0..downFactor - 1: the step of the first output
+ * @param dlyLine ceil(tapsLen / upFactor) past samples, the newest first; receives those of the call's end
  * @param scaleFactor its magnitude counts modulo 128; 127 gives a factor of 0, -127 one of 2 to the power of 127
+ * @return qvrErrNullPointer for src or dst; qvrErrBadSize for numIters; qvrErrNullPointer for taps; qvrErrBadTapsLen;
+ *     qvrErrBadMultiRateFactor; qvrErrBadMultiRatePhase; qvrErrNullPointer for dlyLine
  */
 qvrStatus Morven_qvrsFIRMR32f_Direct_16s_Sfs(const qvr16s* src, qvr16s* dst, int numIters, const qvr32f* taps,
                                              int tapsLen, int upFactor, int upPhase, int downFactor, int downPhase,
@@ -1522,6 +2296,18 @@ qvrStatus Morven_qvrsFIRMR32f_Direct_16s_Sfs(const qvr16s* src, qvr16s* dst, int
 /**
  * Multi-rate FIR of 32f samples with 64f taps. Sums are 64f, with products fused on processors with AVX2 and FMA; beyond
  * the range of a float they become the largest one.
+ * @param src numIters * downFactor samples
+ * @param dst numIters * upFactor outputs; does not overlap src
+ * @param numIters iterations, at least 1: each takes downFactor samples and gives upFactor outputs
+ * @param taps taps for the high rate
+ * @param tapsLen number of taps, at least 1
+ * @param upFactor at least 1
+ * @param upPhase 0..upFactor - 1: the step of the first sample
+ * @param downFactor at least 1
+ * @param downPhase 0..downFactor - 1: the step of the first output
+ * @param dlyLine ceil(tapsLen / upFactor) past samples, the newest first; receives those of the call's end
+ * @return qvrErrNullPointer for src or dst; qvrErrBadSize for numIters; qvrErrNullPointer for taps; qvrErrBadTapsLen;
+ *     qvrErrBadMultiRateFactor; qvrErrBadMultiRatePhase; qvrErrNullPointer for dlyLine
  */
 qvrStatus Morven_qvrsFIRMR64f_Direct_32f(const qvr32f* src, qvr32f* dst, int numIters, const qvr64f* taps, int tapsLen,
                                          int upFactor, int upPhase, int downFactor, int downPhase, qvr32f* dlyLine);
@@ -1529,7 +2315,17 @@ qvrStatus Morven_qvrsFIRMR64f_Direct_32f(const qvr32f* src, qvr32f* dst, int num
 /**
  * Multi-rate FIR in place: the outputs begin where the samples did, and may be more or fewer.
  * @param srcDst numIters * downFactor samples, with room for numIters * upFactor outputs
- * @return also qvrErrNoMemory when a copy of the samples cannot be had
+ * @param numIters iterations, at least 1: each takes downFactor samples and gives upFactor outputs
+ * @param taps taps for the high rate
+ * @param tapsLen number of taps, at least 1
+ * @param upFactor at least 1
+ * @param upPhase 0..upFactor - 1: the step of the first sample
+ * @param downFactor at least 1
+ * @param downPhase 0..downFactor - 1: the step of the first output
+ * @param dlyLine ceil(tapsLen / upFactor) past samples, the newest first; receives those of the call's end
+ * @return qvrErrNullPointer for src or dst; qvrErrBadSize for numIters; qvrErrNullPointer for taps; qvrErrBadTapsLen;
+ *     qvrErrBadMultiRateFactor; qvrErrBadMultiRatePhase; qvrErrNullPointer for dlyLine; qvrErrNoMemory when a copy of
+ *     the samples cannot be had
  */
 qvrStatus Morven_qvrsFIRMR64f_Direct_32f_I(qvr32f* srcDst, int numIters, const qvr64f* taps, int tapsLen, int upFactor,
                                            int upPhase, int downFactor, int downPhase, qvr32f* dlyLine);
@@ -1559,17 +2355,55 @@ enum {
     qvrFirHann = 3      /**< 0.5 - 0.5 cos W */
 };
 
-/** Low-pass up to rFreq. */
+/**
+ * Low-pass up to rFreq.
+ * @param taps receives tapsLen taps
+ * @param tapsLen number of taps, at least 5
+ * @param windowType qvrFirBartlett, qvrFirBlackman, qvrFirHamming or qvrFirHann; any other value applies no window
+ * @param normalize 0: gain as the formulas give it; otherwise 1 at the reference frequency
+ * @param rFreq cut-off as a fraction of the sampling rate, in (0, 0.5)
+ * @return qvrErrNullPointer for taps; qvrErrBadSize for tapsLen, for a frequency and for edges that do not rise;
+ *     qvrErrNullPointer if work memory cannot be had
+ */
 qvrStatus Morven_qvrsFIRGenLowpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rFreq);
 
-/** High-pass from rFreq on. */
+/**
+ * High-pass from rFreq on.
+ * @param taps receives tapsLen taps
+ * @param tapsLen number of taps, at least 5
+ * @param windowType qvrFirBartlett, qvrFirBlackman, qvrFirHamming or qvrFirHann; any other value applies no window
+ * @param normalize 0: gain as the formulas give it; otherwise 1 at the reference frequency
+ * @param rFreq cut-off as a fraction of the sampling rate, in (0, 0.5)
+ * @return qvrErrNullPointer for taps; qvrErrBadSize for tapsLen, for a frequency and for edges that do not rise;
+ *     qvrErrNullPointer if work memory cannot be had
+ */
 qvrStatus Morven_qvrsFIRGenHighpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rFreq);
 
-/** Band-pass from rLowFreq to rHighFreq, of which the first is the lower. */
+/**
+ * Band-pass from rLowFreq to rHighFreq, of which the first is the lower.
+ * @param taps receives tapsLen taps
+ * @param tapsLen number of taps, at least 5
+ * @param windowType qvrFirBartlett, qvrFirBlackman, qvrFirHamming or qvrFirHann; any other value applies no window
+ * @param normalize 0: gain as the formulas give it; otherwise 1 at the reference frequency
+ * @param rLowFreq lower edge as a fraction of the sampling rate, in (0, 0.5)
+ * @param rHighFreq upper edge, above rLowFreq and below 0.5
+ * @return qvrErrNullPointer for taps; qvrErrBadSize for tapsLen, for a frequency and for edges that do not rise;
+ *     qvrErrNullPointer if work memory cannot be had
+ */
 qvrStatus Morven_qvrsFIRGenBandpass_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rLowFreq,
                                         qvr64f rHighFreq);
 
-/** Band-stop between rLowFreq and rHighFreq, of which the first is the lower. */
+/**
+ * Band-stop between rLowFreq and rHighFreq, of which the first is the lower.
+ * @param taps receives tapsLen taps
+ * @param tapsLen number of taps, at least 5
+ * @param windowType qvrFirBartlett, qvrFirBlackman, qvrFirHamming or qvrFirHann; any other value applies no window
+ * @param normalize 0: gain as the formulas give it; otherwise 1 at the reference frequency
+ * @param rLowFreq lower edge as a fraction of the sampling rate, in (0, 0.5)
+ * @param rHighFreq upper edge, above rLowFreq and below 0.5
+ * @return qvrErrNullPointer for taps; qvrErrBadSize for tapsLen, for a frequency and for edges that do not rise;
+ *     qvrErrNullPointer if work memory cannot be had
+ */
 qvrStatus Morven_qvrsFIRGenBandstop_64f(qvr64f* taps, int tapsLen, int windowType, int normalize, qvr64f rLowFreq,
                                         qvr64f rHighFreq);
 
@@ -1614,7 +2448,8 @@ qvrStatus Morven_qvrsFilterMedian_32f_I(qvr32f* srcDst, int len, int maskSize);
  * @param dstLen receives srcLen * factor
  * @param factor rate factor, at least 1
  * @param phase place of the sample in its group; it is not changed
- * @return also qvrErrBadSize if srcLen * factor passes 2^31 - 1
+ * @return qvrErrNullPointer; qvrErrBadSize for srcLen; qvrErrBadSampleFactor; qvrErrBadSamplePhase; qvrErrBadSize if
+ *     srcLen * factor passes 2^31 - 1
  */
 qvrStatus Morven_qvrsSampleUp_32f(const qvr32f* src, int srcLen, qvr32f* dst, int* dstLen, int factor, int* phase);
 
@@ -1626,11 +2461,22 @@ qvrStatus Morven_qvrsSampleUp_32f(const qvr32f* src, int srcLen, qvr32f* dst, in
  * @param dstLen receives their number, which may be 0
  * @param factor rate factor, at least 1
  * @param phase place of the first sample to keep; receives the place of the next one in the samples that follow, so
- * that consecutive calls continue one signal
+ *     that consecutive calls continue one signal
+ * @return qvrErrNullPointer; qvrErrBadSize for srcLen; qvrErrBadSampleFactor; qvrErrBadSamplePhase
  */
 qvrStatus Morven_qvrsSampleDown_32f(const qvr32f* src, int srcLen, qvr32f* dst, int* dstLen, int factor, int* phase);
 
-/** Keeps every factor-th of 16-bit samples, as Morven_qvrsSampleDown_32f. */
+/**
+ * Keeps every factor-th of 16-bit samples, as Morven_qvrsSampleDown_32f.
+ * @param src samples
+ * @param srcLen input samples, at least 1
+ * @param dst the samples kept: (srcLen + factor - 1 - *phase) / factor of them, rounded down
+ * @param dstLen receives their number, which may be 0
+ * @param factor rate factor, at least 1
+ * @param phase place of the first sample to keep; receives the place of the next one in the samples that follow, so
+ *     that consecutive calls continue one signal
+ * @return qvrErrNullPointer; qvrErrBadSize for srcLen; qvrErrBadSampleFactor; qvrErrBadSamplePhase
+ */
 qvrStatus Morven_qvrsSampleDown_16s(const qvr16s* src, int srcLen, qvr16s* dst, int* dstLen, int factor, int* phase);
 
 /** @} */
@@ -1710,22 +2556,31 @@ enum {
  * Size of the work buffer for images of 8-bit pixels or singles.
  *
  * It covers every thread that a call can use.
- * @param srcRoi, dstRoi the rectangles of the resize call; origins not negative, widths and heights at least 1
- * @param nChannel channels: 1, 3 or 4
+ * @param srcRoi source rectangle of the resize call; origin not negative, width and height at least 1
+ * @param dstRoi its destination rectangle, alike
+ * @param nChannel channels: 1, 3 or 4; 3 is for the size alone, as no function resizes three
  * @param interpolation method and flags of the call
  * @param sizeOut receives the bytes; 0 if they would be 2^31 or more
  * @return qvrErrNullPointer; qvrErrBadSize for the rectangles; qvrErrBadChannels; qvrErrBadInterpolation; qvrErrBadSize
- * if the size overflows; qvrWarnNoAntialiasing, with the size stored, where the call will ignore qvriAntialias
+ *     if the size overflows; qvrWarnNoAntialiasing, with the size stored, where the call will ignore qvriAntialias
  */
 qvrStatus Morven_qvriResizeGetBufSize(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation, int* sizeOut);
 
-/** The same for images of doubles. */
+/**
+ * The same for images of doubles.
+ * @param srcRoi source rectangle of the resize call; origin not negative, width and height at least 1
+ * @param dstRoi its destination rectangle, alike
+ * @param nChannel channels: 1, 3 or 4; 3 is for the size alone, as no function resizes three
+ * @param interpolation method and flags of the call
+ * @param sizeOut receives the bytes; 0 if they would be 2^31 or more
+ * @return qvrErrNullPointer; qvrErrBadSize for the rectangles; qvrErrBadChannels; qvrErrBadInterpolation; qvrErrBadSize
+ *     if the size overflows; qvrWarnNoAntialiasing, with the size stored, where the call will ignore qvriAntialias
+ */
 qvrStatus Morven_qvriResizeGetBufSize_64f(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation,
                                           int* sizeOut);
 
 /**
  * Resizes a region of an image of bytes.
- *
  * @param src pixel 0, 0 of the source image, not of the region
  * @param srcSize size of the source image
  * @param srcStep bytes from one source row to the next
@@ -1733,27 +2588,89 @@ qvrStatus Morven_qvriResizeGetBufSize_64f(qvriRect srcRoi, qvriRect dstRoi, int 
  * @param dst pixel 0, 0 of the destination image; must not overlap the source
  * @param dstStep bytes from one destination row to the next
  * @param dstRoi region of the destination that may be written
- * @param xFactor, yFactor scale factors, above 0; at most 1 for qvriInterSuper
- * @param xShift, yShift shift in destination pixels
+ * @param xFactor scale factor of the width, above 0; at most 1 for qvriInterSuper
+ * @param yFactor scale factor of the height, in the same range
+ * @param xShift shift to the right in destination pixels
+ * @param yShift shift downward in destination pixels
  * @param interpolation method and flags
  * @param buffer work buffer
  * @return in this order: qvrErrNullPointer; qvrErrBadSize for a size below 1 or a negative origin; qvrErrBadFactor for
- * a factor that is not above 0; qvrErrBadInterpolation; qvrErrBadFactor for qvriInterSuper; qvrWarnRoiOutside if the
- * source region begins outside the image; qvrWarnNothingToDo if no destination pixel is covered; qvrErrBadSize if the
- * buffer size overflows; qvrWarnNoAntialiasing
+ *     a factor that is not above 0; qvrErrBadInterpolation; qvrErrBadFactor for qvriInterSuper; qvrWarnRoiOutside if
+ *     the source region begins outside the image; qvrWarnNothingToDo if no destination pixel is covered; qvrErrBadSize
+ *     if the buffer size overflows; qvrWarnNoAntialiasing
  */
 qvrStatus Morven_qvriResizeSqrPixel_8u_C1R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
                                            int dstStep, qvriRect dstRoi, double xFactor, double yFactor, double xShift,
                                            double yShift, int interpolation, qvr8u* buffer);
-/** The same for four interleaved channels, all treated alike. */
+
+/**
+ * The same for four interleaved channels, all treated alike.
+ * @param src pixel 0, 0 of the source image, not of the region
+ * @param srcSize size of the source image
+ * @param srcStep bytes from one source row to the next
+ * @param srcRoi region of the source to use
+ * @param dst pixel 0, 0 of the destination image; must not overlap the source
+ * @param dstStep bytes from one destination row to the next
+ * @param dstRoi region of the destination that may be written
+ * @param xFactor scale factor of the width, above 0; at most 1 for qvriInterSuper
+ * @param yFactor scale factor of the height, in the same range
+ * @param xShift shift to the right in destination pixels
+ * @param yShift shift downward in destination pixels
+ * @param interpolation method and flags
+ * @param buffer work buffer
+ * @return in this order: qvrErrNullPointer; qvrErrBadSize for a size below 1 or a negative origin; qvrErrBadFactor for
+ *     a factor that is not above 0; qvrErrBadInterpolation; qvrErrBadFactor for qvriInterSuper; qvrWarnRoiOutside if
+ *     the source region begins outside the image; qvrWarnNothingToDo if no destination pixel is covered; qvrErrBadSize
+ *     if the buffer size overflows; qvrWarnNoAntialiasing
+ */
 qvrStatus Morven_qvriResizeSqrPixel_8u_C4R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
                                            int dstStep, qvriRect dstRoi, double xFactor, double yFactor, double xShift,
                                            double yShift, int interpolation, qvr8u* buffer);
-/** The same for singles. */
+
+/**
+ * The same for singles.
+ * @param src pixel 0, 0 of the source image, not of the region
+ * @param srcSize size of the source image
+ * @param srcStep bytes from one source row to the next
+ * @param srcRoi region of the source to use
+ * @param dst pixel 0, 0 of the destination image; must not overlap the source
+ * @param dstStep bytes from one destination row to the next
+ * @param dstRoi region of the destination that may be written
+ * @param xFactor scale factor of the width, above 0; at most 1 for qvriInterSuper
+ * @param yFactor scale factor of the height, in the same range
+ * @param xShift shift to the right in destination pixels
+ * @param yShift shift downward in destination pixels
+ * @param interpolation method and flags
+ * @param buffer work buffer
+ * @return in this order: qvrErrNullPointer; qvrErrBadSize for a size below 1 or a negative origin; qvrErrBadFactor for
+ *     a factor that is not above 0; qvrErrBadInterpolation; qvrErrBadFactor for qvriInterSuper; qvrWarnRoiOutside if
+ *     the source region begins outside the image; qvrWarnNothingToDo if no destination pixel is covered; qvrErrBadSize
+ *     if the buffer size overflows; qvrWarnNoAntialiasing
+ */
 qvrStatus Morven_qvriResizeSqrPixel_32f_C1R(const qvr32f* src, qvriSize srcSize, int srcStep, qvriRect srcRoi,
                                             qvr32f* dst, int dstStep, qvriRect dstRoi, double xFactor, double yFactor,
                                             double xShift, double yShift, int interpolation, qvr8u* buffer);
-/** The same for doubles; the buffer's size comes from Morven_qvriResizeGetBufSize_64f. */
+
+/**
+ * The same for doubles; the buffer's size comes from Morven_qvriResizeGetBufSize_64f.
+ * @param src pixel 0, 0 of the source image, not of the region
+ * @param srcSize size of the source image
+ * @param srcStep bytes from one source row to the next
+ * @param srcRoi region of the source to use
+ * @param dst pixel 0, 0 of the destination image; must not overlap the source
+ * @param dstStep bytes from one destination row to the next
+ * @param dstRoi region of the destination that may be written
+ * @param xFactor scale factor of the width, above 0; at most 1 for qvriInterSuper
+ * @param yFactor scale factor of the height, in the same range
+ * @param xShift shift to the right in destination pixels
+ * @param yShift shift downward in destination pixels
+ * @param interpolation method and flags
+ * @param buffer work buffer
+ * @return in this order: qvrErrNullPointer; qvrErrBadSize for a size below 1 or a negative origin; qvrErrBadFactor for
+ *     a factor that is not above 0; qvrErrBadInterpolation; qvrErrBadFactor for qvriInterSuper; qvrWarnRoiOutside if
+ *     the source region begins outside the image; qvrWarnNothingToDo if no destination pixel is covered; qvrErrBadSize
+ *     if the buffer size overflows; qvrWarnNoAntialiasing
+ */
 qvrStatus Morven_qvriResizeSqrPixel_64f_C1R(const qvr64f* src, qvriSize srcSize, int srcStep, qvriRect srcRoi,
                                             qvr64f* dst, int dstStep, qvriRect dstRoi, double xFactor, double yFactor,
                                             double xShift, double yShift, int interpolation, qvr8u* buffer);
@@ -1764,21 +2681,58 @@ qvrStatus Morven_qvriResizeSqrPixel_64f_C1R(const qvr64f* src, qvriSize srcSize,
  * The destination rectangle has its origin at that of the source region: with `srcRoi` at (10, 10) only destination
  * pixels from (10, 10) on are written. Otherwise as Morven_qvriResizeSqrPixel_8u_C1R, with the checks of
  * Morven_qvriResizeGetBufSize before its own.
- * @param src, srcSize, srcStep, srcRoi source image and region
- * @param dst, dstStep destination image
+ * @param src pixel 0, 0 of the source image, not of the region
+ * @param srcSize size of the source image
+ * @param srcStep bytes from one source row to the next
+ * @param srcRoi region of the source to use
+ * @param dst pixel 0, 0 of the destination image; must not overlap the source
+ * @param dstStep bytes from one destination row to the next
  * @param dstRoiSize size of the destination rectangle
- * @param xFactor, yFactor scale factors
+ * @param xFactor scale factor of the width
+ * @param yFactor scale factor of the height
  * @param interpolation method and flags
  * @return as Morven_qvriResizeSqrPixel_8u_C1R. Any status other than 0 of the size query, qvrWarnNoAntialiasing
- * included, is returned with nothing written. If no memory is to be had nothing is written either and the status is
- * qvrOk.
+ *     included, is returned with nothing written. If no memory is to be had nothing is written either and the status is
+ *     qvrOk.
  */
 qvrStatus Morven_qvriResize_8u_C1R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
                                    int dstStep, qvriSize dstRoiSize, double xFactor, double yFactor, int interpolation);
-/** The same for four interleaved channels. */
+
+/**
+ * The same for four interleaved channels.
+ * @param src pixel 0, 0 of the source image, not of the region
+ * @param srcSize size of the source image
+ * @param srcStep bytes from one source row to the next
+ * @param srcRoi region of the source to use
+ * @param dst pixel 0, 0 of the destination image; must not overlap the source
+ * @param dstStep bytes from one destination row to the next
+ * @param dstRoiSize size of the destination rectangle
+ * @param xFactor scale factor of the width
+ * @param yFactor scale factor of the height
+ * @param interpolation method and flags
+ * @return as Morven_qvriResizeSqrPixel_8u_C1R. Any status other than 0 of the size query, qvrWarnNoAntialiasing
+ *     included, is returned with nothing written. If no memory is to be had nothing is written either and the status is
+ *     qvrOk.
+ */
 qvrStatus Morven_qvriResize_8u_C4R(const qvr8u* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr8u* dst,
                                    int dstStep, qvriSize dstRoiSize, double xFactor, double yFactor, int interpolation);
-/** The same for singles. */
+
+/**
+ * The same for singles.
+ * @param src pixel 0, 0 of the source image, not of the region
+ * @param srcSize size of the source image
+ * @param srcStep bytes from one source row to the next
+ * @param srcRoi region of the source to use
+ * @param dst pixel 0, 0 of the destination image; must not overlap the source
+ * @param dstStep bytes from one destination row to the next
+ * @param dstRoiSize size of the destination rectangle
+ * @param xFactor scale factor of the width
+ * @param yFactor scale factor of the height
+ * @param interpolation method and flags
+ * @return as Morven_qvriResizeSqrPixel_8u_C1R. Any status other than 0 of the size query, qvrWarnNoAntialiasing
+ *     included, is returned with nothing written. If no memory is to be had nothing is written either and the status is
+ *     qvrOk.
+ */
 qvrStatus Morven_qvriResize_32f_C1R(const qvr32f* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, qvr32f* dst,
                                     int dstStep, qvriSize dstRoiSize, double xFactor, double yFactor,
                                     int interpolation);
@@ -1803,64 +2757,148 @@ qvrStatus Morven_qvriResize_32f_C1R(const qvr32f* src, qvriSize srcSize, int src
  *
  * Uses all threads of the library's budget on processors with SSE3; for `scaleFactor` from 1 on if width + height is at
  * least 256.
+ * @param value the constant
+ * @param srcDst the image, its first pixel
+ * @param step bytes from one row to the next
+ * @param roiSize size in pixels
+ * @param scaleFactor any value: the sum is divided by 2 to its power
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1
  */
 qvrStatus Morven_qvriAddC_8u_C1IRSfs(qvr8u value, qvr8u* srcDst, int step, qvriSize roiSize, int scaleFactor);
 
-/** The same for 16-bit pixels, saturated to 0..65535: zero from scaleFactor 18 on, full below -15. Uses no threads. */
+/**
+ * The same for 16-bit pixels, saturated to 0..65535: zero from scaleFactor 18 on, full below -15. Uses no threads.
+ * @param value the constant
+ * @param srcDst the image, its first pixel
+ * @param step bytes from one row to the next
+ * @param roiSize size in pixels
+ * @param scaleFactor any value: the sum is divided by 2 to its power
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1
+ */
 qvrStatus Morven_qvriAddC_16u_C1IRSfs(qvr16u value, qvr16u* srcDst, int step, qvriSize roiSize, int scaleFactor);
 
-/** Fills an image. Gaps between rows stay; steps are not checked. Images far larger than the caches bypass them. */
+/**
+ * Fills an image. Gaps between rows stay; steps are not checked. Images far larger than the caches bypass them.
+ * @param value what every pixel becomes
+ * @param dst the image, its first pixel
+ * @param step bytes from one row to the next
+ * @param roiSize size in pixels
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1
+ */
 qvrStatus Morven_qvriSet_16u_C1R(qvr16u value, qvr16u* dst, int step, qvriSize roiSize);
 
 /**
  * Copies the pixels whose mask byte is not 0; the others stay. Steps are not checked.
- * @param src, srcStep source
- * @param dst, dstStep destination
+ * @param src source, its first pixel
+ * @param srcStep bytes from one source row to the next
+ * @param dst destination, its first pixel
+ * @param dstStep bytes from one destination row to the next
  * @param roiSize size of all three images
- * @param mask, maskStep one byte for each pixel
+ * @param mask one byte for each pixel
+ * @param maskStep bytes from one mask row to the next
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1
  */
 qvrStatus Morven_qvriCopy_16u_C1MR(const qvr16u* src, int srcStep, qvr16u* dst, int dstStep, qvriSize roiSize,
                                    const qvr8u* mask, int maskStep);
 
 /**
  * Widens bytes to 16 bits.
- * @return qvrErrBadStep for a step below 1
+ * @param src source, its first pixel
+ * @param srcStep bytes from one source row to the next
+ * @param dst destination, its first pixel
+ * @param dstStep bytes from one destination row to the next
+ * @param roiSize size in pixels
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1; qvrErrBadStep for a step below 1
  */
 qvrStatus Morven_qvriConvert_8u16u_C1R(const qvr8u* src, int srcStep, qvr16u* dst, int dstStep, qvriSize roiSize);
-/** The same to signed pixels. */
+
+/**
+ * The same to signed pixels.
+ * @param src source, its first pixel
+ * @param srcStep bytes from one source row to the next
+ * @param dst destination, its first pixel
+ * @param dstStep bytes from one destination row to the next
+ * @param roiSize size in pixels
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1; qvrErrBadStep for a step below 1
+ */
 qvrStatus Morven_qvriConvert_8u16s_C1R(const qvr8u* src, int srcStep, qvr16s* dst, int dstStep, qvriSize roiSize);
 
 /**
  * Looks pixels up in a palette: dst = table[src & (2^nBitSize - 1)].
- * @param src, srcStep source
- * @param dst, dstStep destination
+ * @param src source, its first pixel
+ * @param srcStep bytes from one source row to the next
+ * @param dst destination, its first pixel
+ * @param dstStep bytes from one destination row to the next
  * @param roiSize size of both
  * @param table 2^nBitSize entries
  * @param nBitSize bits of a pixel that count: 1..8, or 1..16 for pixels of 16 bits
- * @return qvrErrBadBitSize, then qvrErrBadStep for a step below the bytes of a row
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1; qvrErrBadBitSize; qvrErrBadStep for a step
+ *     below the bytes of a row
  */
 qvrStatus Morven_qvriLUTPalette_8u_C1R(const qvr8u* src, int srcStep, qvr8u* dst, int dstStep, qvriSize roiSize,
                                        const qvr8u* table, int nBitSize);
-/** The same to entries of 32 bits. */
+
+/**
+ * The same to entries of 32 bits.
+ * @param src source, its first pixel
+ * @param srcStep bytes from one source row to the next
+ * @param dst destination, its first pixel
+ * @param dstStep bytes from one destination row to the next
+ * @param roiSize size of both
+ * @param table 2^nBitSize entries
+ * @param nBitSize bits of a pixel that count: 1..8, or 1..16 for pixels of 16 bits
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1; qvrErrBadBitSize; qvrErrBadStep for a step
+ *     below the bytes of a row
+ */
 qvrStatus Morven_qvriLUTPalette_8u32u_C1R(const qvr8u* src, int srcStep, qvr32u* dst, int dstStep, qvriSize roiSize,
                                           const qvr32u* table, int nBitSize);
-/** The same from pixels of 16 bits. */
+
+/**
+ * The same from pixels of 16 bits.
+ * @param src source, its first pixel
+ * @param srcStep bytes from one source row to the next
+ * @param dst destination, its first pixel
+ * @param dstStep bytes from one destination row to the next
+ * @param roiSize size of both
+ * @param table 2^nBitSize entries
+ * @param nBitSize bits of a pixel that count: 1..8, or 1..16 for pixels of 16 bits
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1; qvrErrBadBitSize; qvrErrBadStep for a step
+ *     below the bytes of a row
+ */
 qvrStatus Morven_qvriLUTPalette_16u8u_C1R(const qvr16u* src, int srcStep, qvr8u* dst, int dstStep, qvriSize roiSize,
                                           const qvr8u* table, int nBitSize);
-/** The same from pixels of 16 bits to entries of 32. */
+
+/**
+ * The same from pixels of 16 bits to entries of 32.
+ * @param src source, its first pixel
+ * @param srcStep bytes from one source row to the next
+ * @param dst destination, its first pixel
+ * @param dstStep bytes from one destination row to the next
+ * @param roiSize size of both
+ * @param table 2^nBitSize entries
+ * @param nBitSize bits of a pixel that count: 1..8, or 1..16 for pixels of 16 bits
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1; qvrErrBadBitSize; qvrErrBadStep for a step
+ *     below the bytes of a row
+ */
 qvrStatus Morven_qvriLUTPalette_16u32u_C1R(const qvr16u* src, int srcStep, qvr32u* dst, int dstStep, qvriSize roiSize,
                                            const qvr32u* table, int nBitSize);
 
 /**
  * Minimum and maximum of each block of an image, and of all of it. Blocks are laid from the top left; those at the
  * right and bottom edges hold what is there.
- * @param src, srcStep, srcSize the image
- * @param blockMin, blockMinStep receives the minimum of each block: ceil(width / blockSize.width) in a row, and
- * ceil(height / blockSize.height) rows
- * @param blockMax, blockMaxStep receives the maxima in the same way
+ * @param src the image, its first pixel
+ * @param srcStep bytes from one source row to the next
+ * @param srcSize size of the image
+ * @param blockMin receives the minimum of each block: ceil(width / blockSize.width) in a row, and ceil(height /
+ *     blockSize.height) rows
+ * @param blockMinStep bytes from one row of minima to the next
+ * @param blockMax receives the maxima in the same way
+ * @param blockMaxStep bytes from one row of maxima to the next
  * @param blockSize size of a block
- * @param globalMin, globalMax receive the image's extremes
- * @return qvrErrBadStep for a source step below 2 * width or a block step below a row of blocks
+ * @param globalMin receives the least pixel of the image
+ * @param globalMax receives the largest pixel of the image
+ * @return qvrErrNullPointer; qvrErrBadSize for a width or height below 1, of the image or of blocks; qvrErrBadStep for
+ *     a source step below 2 * width or a block step below a row of blocks
  */
 qvrStatus Morven_qvriBlockMinMax_16s_C1R(const qvr16s* src, int srcStep, qvriSize srcSize, qvr16s* blockMin,
                                          int blockMinStep, qvr16s* blockMax, int blockMaxStep, qvriSize blockSize,
@@ -1911,68 +2949,135 @@ qvrStatus Morven_qvriJoinRow_TIFF_8u16u_C1(qvr8u** srcPlanes, qvr8u* dst, int le
  * Sine, to 11 bits; next to multiples of pi the error is at most 2^-12.68 in absolute terms instead.
  *
  * Any finite argument is valid. A zero keeps its sign. A NaN gives a quiet NaN, an infinity the NaN 0xFFC00000.
- * @return qvrWarnDomain if an element was infinite
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain if an element was infinite
  */
 qvrStatus Morven_qvrsSin_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Cosine, to 11 bits; next to its zeros, and otherwise, as Morven_qvrsSin_32f_A11. */
+/**
+ * Cosine, to 11 bits; next to its zeros, and otherwise, as Morven_qvrsSin_32f_A11.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain if an element was infinite
+ */
 qvrStatus Morven_qvrsCos_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Tangent, to 11 bits everywhere. Special elements as in Morven_qvrsSin_32f_A11. */
+/**
+ * Tangent, to 11 bits everywhere. Special elements as in Morven_qvrsSin_32f_A11.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain if an element was infinite
+ */
 qvrStatus Morven_qvrsTan_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
 /**
  * Arc sine in [-pi/2, pi/2], to 11 bits. A NaN gives a quiet NaN, a magnitude above 1 the NaN 0xFFC00000.
- * @return qvrWarnDomain if the magnitude of an element was above 1
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain if the magnitude of an element was above
+ *     1
  */
 qvrStatus Morven_qvrsAsin_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Arc cosine in [0, pi], to 11 bits. Special elements as in Morven_qvrsAsin_32f_A11. */
+/**
+ * Arc cosine in [0, pi], to 11 bits. Special elements as in Morven_qvrsAsin_32f_A11.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain if the magnitude of an element was above
+ *     1
+ */
 qvrStatus Morven_qvrsAcos_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Arc tangent in [-pi/2, pi/2], to 11 bits. Infinities give plus or minus pi/2. No warnings. */
+/**
+ * Arc tangent in [-pi/2, pi/2], to 11 bits. Infinities give plus or minus pi/2. No warnings.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsAtan_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
 /**
  * The angle of the point (x, y) in [-pi, pi], to 11 bits. Zeros and infinities by their signs, as C's atan2f. No warnings.
- * @param pSrcY, pSrcX coordinates, `len` elements each
+ * @param pSrcY y coordinates, `len` elements
+ * @param pSrcX x coordinates, `len` elements
  * @param pDst angles; may be either source
  * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsAtan2_32f_A11(const qvr32f* pSrcY, const qvr32f* pSrcX, qvr32f* pDst, int len);
 
 /**
  * Hyperbolic sine, to 11 bits, small arguments and signed zeros included. It stays finite up to a magnitude of 89.4159.
- * @return qvrWarnOverflow if a finite element gave an infinity
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnOverflow if a finite element gave an infinity
  */
 qvrStatus Morven_qvrsSinh_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Hyperbolic cosine; range and warning as Morven_qvrsSinh_32f_A11. Infinities of both signs give +infinity. */
+/**
+ * Hyperbolic cosine; range and warning as Morven_qvrsSinh_32f_A11. Infinities of both signs give +infinity.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnOverflow if a finite element gave an infinity
+ */
 qvrStatus Morven_qvrsCosh_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Hyperbolic tangent, to 11 bits; for large magnitudes plus or minus 1. No warnings. */
+/**
+ * Hyperbolic tangent, to 11 bits; for large magnitudes plus or minus 1. No warnings.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsTanh_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
 /**
  * Exponential function. Above 88.7228 the result is +infinity; below -87.3365 it is a denormal and then zero. A NaN gives
  * a quiet NaN. No warnings.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsExp_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
 /**
  * Natural logarithm, to 11 bits. A negative element gives the NaN 0x7FFC0000, a zero of either sign -infinity, +infinity
  * itself, a NaN its own bits.
- * @return qvrWarnDomain for a negative element, qvrWarnSingularity for a zero: the later of them
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain for a negative element,
+ *     qvrWarnSingularity for a zero: the later of them
  */
 qvrStatus Morven_qvrsLn_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
 /**
  * Decimal logarithm, to 11 bits. A negative element gives the NaN 0xFFC00000, a zero of either sign -infinity, +infinity
  * itself, a NaN its own bits. No warnings.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsLog10_32f_A11(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Decimal logarithm, to 21 bits; otherwise as Morven_qvrsLog10_32f_A11. */
+/**
+ * Decimal logarithm, to 21 bits; otherwise as Morven_qvrsLog10_32f_A11.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsLog10_32f_A21(const qvr32f* pSrc, qvr32f* pDst, int len);
 
 /**
@@ -1982,20 +3087,46 @@ qvrStatus Morven_qvrsLog10_32f_A21(const qvr32f* pSrc, qvr32f* pDst, int len);
  * first. The base -1 with an infinite power gives 1. A negative base needs an integer power, else the result is the NaN
  * 0xFFC00000. A zero base with a negative power gives an infinity, of the base's sign if the power is odd. Infinite
  * operands as in C's powf. Overflow and underflow give infinity and zero without a warning.
- * @param pSrcX, pSrcY bases and powers, `len` elements each
+ * @param pSrcX bases, `len` elements
+ * @param pSrcY powers, `len` elements
  * @param pDst results; may be either source
  * @param len elements, at least 1
- * @return qvrWarnDomain for a negative base with a fractional power, and for a zero base with a negative one
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain for a negative base with a fractional
+ *     power, and for a zero base with a negative one
  */
 qvrStatus Morven_qvrsPow_32f_A11(const qvr32f* pSrcX, const qvr32f* pSrcY, qvr32f* pDst, int len);
 
-/** The same to 24 bits, denormal results included. */
+/**
+ * The same to 24 bits, denormal results included.
+ * @param pSrcX bases, `len` elements
+ * @param pSrcY powers, `len` elements
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain for a negative base with a fractional
+ *     power, and for a zero base with a negative one
+ */
 qvrStatus Morven_qvrsPow_32f_A24(const qvr32f* pSrcX, const qvr32f* pSrcY, qvr32f* pDst, int len);
 
-/** pDst[i] = pSrcX[i] to the power y, by the rules of Morven_qvrsPow_32f_A11. */
+/**
+ * pDst[i] = pSrcX[i] to the power y, by the rules of Morven_qvrsPow_32f_A11.
+ * @param pSrcX bases, `len` elements
+ * @param y the power
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain for a negative base with a fractional
+ *     power, and for a zero base with a negative one
+ */
 qvrStatus Morven_qvrsPowx_32f_A11(const qvr32f* pSrcX, qvr32f y, qvr32f* pDst, int len);
 
-/** The same to 24 bits, denormal results included. */
+/**
+ * The same to 24 bits, denormal results included.
+ * @param pSrcX bases, `len` elements
+ * @param y the power
+ * @param pDst results, `len` elements; may be a source
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer and qvrErrBadSize for `len` below 1; qvrWarnDomain for a negative base with a fractional
+ *     power, and for a zero base with a negative one
+ */
 qvrStatus Morven_qvrsPowx_32f_A24(const qvr32f* pSrcX, qvr32f y, qvr32f* pDst, int len);
 
 /** @} */
@@ -2011,6 +3142,10 @@ qvrStatus Morven_qvrsPowx_32f_A24(const qvr32f* pSrcX, qvr32f y, qvr32f* pDst, i
 /**
  * Exponential function, within one unit in the last place of the scalar one. Overflow gives +infinity, underflow a denormal
  * or zero, a NaN a quiet NaN. No warnings.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsExp_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
 
@@ -2019,14 +3154,30 @@ qvrStatus Morven_qvrsExp_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
  *
  * An element with the sign bit set, -0 and NaN included, gives the NaN 0xFFC00000; +0 gives -infinity, +infinity itself, a
  * positive NaN a quiet NaN.
- * @return qvrWarnLnZeroArg or qvrWarnLnNegArg, by which of a +0 and an element with the sign bit set came first
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1; qvrWarnLnZeroArg or qvrWarnLnNegArg, by which of a +0 and
+ *     an element with the sign bit set came first
  */
 qvrStatus Morven_qvrsLn_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** Arc tangent in [-pi/2, pi/2], within two units in the last place of the scalar one. No warnings. */
+/**
+ * Arc tangent in [-pi/2, pi/2], within two units in the last place of the scalar one. No warnings.
+ * @param pSrc source, `len` elements
+ * @param pDst results, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsArctan_32f(const qvr32f* pSrc, qvr32f* pDst, int len);
 
-/** The angle of a complex number, atan2(im, re) in double and rounded to single; 0 where both parts are zero. */
+/**
+ * The angle of a complex number, atan2(im, re) in double and rounded to single; 0 where both parts are zero.
+ * @param pSrc source, `len` complex elements
+ * @param pDst results, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
+ */
 qvrStatus Morven_qvrsPhase_32fc(const qvr32fc* pSrc, qvr32f* pDst, int len);
 
 /**
@@ -2037,6 +3188,10 @@ qvrStatus Morven_qvrsPhase_32fc(const qvr32fc* pSrc, qvr32f* pDst, int len);
  * group of eight, take the exact root.
  *
  * Uses two threads from 2048 elements on, on processors with SSSE3; each works on a half as if it were an array of its own.
+ * @param pSrc source, `len` complex elements
+ * @param pDst results, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsMagnitude_32fc(const qvr32fc* pSrc, qvr32f* pDst, int len);
 
@@ -2044,6 +3199,10 @@ qvrStatus Morven_qvrsMagnitude_32fc(const qvr32fc* pSrc, qvr32f* pDst, int len);
  * sqrt(re * re + im * im) in double, every operation rounded, without scaling against overflow.
  *
  * Uses two threads from 256 elements on, on processors with SSSE3 but no AVX.
+ * @param pSrc source, `len` complex elements
+ * @param pDst results, `len` elements
+ * @param len elements, at least 1
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsMagnitude_64fc(const qvr64fc* pSrc, qvr64f* pDst, int len);
 
@@ -2053,9 +3212,11 @@ qvrStatus Morven_qvrsMagnitude_64fc(const qvr64fc* pSrc, qvr64f* pDst, int len);
  * From scaleFactor 17 on all results are 0; below -14 every element other than 0 gives 32767.
  *
  * Uses two threads from 2048 elements on, on processors with SSSE3.
- * @param pSrc, pDst source and destination, `len` elements each
+ * @param pSrc source, `len` complex elements
+ * @param pDst destination, `len` elements
  * @param len elements, at least 1
  * @param scaleFactor any value
+ * @return qvrErrNullPointer; qvrErrBadSize for `len` below 1
  */
 qvrStatus Morven_qvrsMagnitude_16sc_Sfs(const qvr16sc* pSrc, qvr16s* pDst, int len, int scaleFactor);
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Makes the reference pages into a folder and reads them: each export has its entry with a description, its own example
-and what depends on the processor's level, each link and picture of the guides leads somewhere, and doxygen has nothing to say."""
+"""Makes the reference pages into a folder and reads them: each export has its entry with a description, every parameter and
+its result (so that it stands on its own in an editor), its own example and what depends on the processor's level, each link and picture of the guides leads somewhere, and doxygen has nothing to say."""
 import re
 import subprocess
 import sys
@@ -30,6 +30,22 @@ for name, body in bodies.items():
 faults += [f"no word on processor levels for {name}" for name in sorted(exports) if not ruleOf(name, rules)]
 used = [ruleOf(name, rules) for name in exports]
 faults += [f"no function for the levels of {' '.join(rule[0])}" for rule in rules if rule not in used]
+
+# The header's comments, entry by entry: an argument each, in order, and the result.
+header = (root / "include/morvenqvr.h").read_text()
+for comment, kind, name, arguments in re.findall(
+    r"/\*\*((?:(?!\*/).)*)\*/\n(\w[\w ]*?) ?\*?\*? ?Morven_(\w+)\(([^;{]*?)\);", header, re.S
+):
+    wanted = [] if arguments == "void" else [re.search(r"\w+$", a.strip())[0] for a in arguments.split(",")]
+    stated = re.findall(r"@param (\w+) \S", comment)
+    if stated != wanted:
+        faults.append(f"{name} documents the parameters {stated}, and has {wanted}")
+    if kind != "void" and "@return " not in comment:
+        faults.append(f"{name} does not tell its result")
+check = subprocess.run(
+    [sys.argv[3], "-x", "c", "-fsyntax-only", "-Wdocumentation", "-Wdocumentation-pedantic",
+     "-Wno-documentation-unknown-command", root / "include/morvenqvr.h"], capture_output=True, text=True)
+faults += check.stderr.splitlines()
 
 described = {}
 for page in (work / "xml").glob("group__*.xml"):
