@@ -2,7 +2,7 @@
 PREFIX ?= /usr/local
 ONLY ?=
 
-.PHONY: demo test fuzz bench install uninstall package docs reproducible
+.PHONY: demo test fuzz bench install uninstall python wheel package docs reproducible
 .DEFAULT_GOAL := demo
 
 demo:
@@ -31,10 +31,23 @@ uninstall:
 	xargs -d '\n' -a build/installed.txt rm -fv
 	rm -f build/installed.txt
 
+# The Python package into build/python: PYTHONPATH=build/python python3 -c 'import morvenqvr'
+python:
+	scripts/packages.sh build python
+	cmake --preset release -DQVR_TESTS=OFF
+	cmake --build --preset release --target python
+	rm -rf build/python
+	cp -a build/release/python build/python
+
+# A wheel that carries the shared object into build/wheel.
+wheel: python
+	MORVENQVR_LIBRARY=$(CURDIR)/build/release/libmorvenqvr.so.1 CC=clang-19 \
+		/usr/bin/python3 -m build --wheel --no-isolation --outdir build/wheel python
+
 # Debian packages into build/packages.
 package:
-	scripts/packages.sh build package
-	cmake --preset release -DQVR_TESTS=OFF
+	scripts/packages.sh build package python
+	cmake --preset release -DQVR_TESTS=OFF -DQVR_PYTHON=ON
 	cmake --build --preset release
 	cd build/release && cpack -B ../packages
 

@@ -63,6 +63,9 @@ set(CPACK_PACKAGE_CONTACT "The libmorvenqvr developers <morvenqvr@localhost>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL runtime development)
+if(QVR_PYTHON)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libmorvenqvr${PROJECT_VERSION_MAJOR})
@@ -77,4 +80,11 @@ set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "signal- and image-processing primitives
  at the speed of whatever processor they run on.")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "signal- and image-processing primitives, development files
  The header, the pkg-config file and the CMake package of libmorvenqvr.")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-morvenqvr)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "libmorvenqvr${PROJECT_VERSION_MAJOR} (>= ${PROJECT_VERSION}), libc6, python3 (>= 3.11), python3 (<< 3.12), python3-numpy (>= 1:1.24)")
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION "signal- and image-processing primitives on numpy arrays
+ The Python package morvenqvr: the functions of libmorvenqvr on numpy arrays, without copies, and objects for
+ transforms, filters and resizing.")
 include(CPack)
