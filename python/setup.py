@@ -62,7 +62,7 @@ extension = Extension(
     include_dirs=[str(made), "morvenqvr", str(header.parent), numpy.get_include()],
     define_macros=[("NPY_NO_DEPRECATED_API", "NPY_1_7_API_VERSION"), ("CYTHON_CCOMPLEX", "0")],
     extra_compile_args=["-O2", "-g0", "-Wno-unused-function", "-Wno-unused-variable", "-Wno-maybe-uninitialized"],
-    depends=[str(path) for path in [*made.glob("*.*"), *(here / "morvenqvr").glob("*.pxi"), here / "morvenqvr/engine.h"]],
+    depends=[str(path) for path in (*made.iterdir(), *Path("morvenqvr").iterdir()) if path.suffix in (".h", ".pxi")],
     libraries=["dl"])
 
 [extension] = cythonize([extension], include_path=[str(made), "morvenqvr"], build_dir=str(made / "c"), language_level=3, force=True)
