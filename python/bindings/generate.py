@@ -159,6 +159,9 @@ def blame(found, header):
                 names = [form.renames[word] for word in re.findall(r"\w+", rest) if word in form.renames]
                 if names and status in values:
                     pairs.setdefault((form.export.name, values[status]), names[0])
+            for status, names in table.STATUS_ARGUMENTS.items():
+                if name := next((name for name in names if name in form.extras), None):
+                    pairs[form.export.name, values[status]] = name
     return pairs
 
 

@@ -77,6 +77,13 @@ SUMMARIES = {
     "find": "Index of the first place where pattern stands in x, or -1.",
 }
 
+# Which argument a status is about, where the reference text does not say it; the first one that the function has.
+STATUS_ARGUMENTS = {
+    "qvrErrBadCutoff": ["cutoff"], "qvrErrBadFilterOrder": ["order"], "qvrErrBadRipple": ["ripple"],
+    "qvrErrBadWindowLength": ["size"], "qvrErrBadSampleFactor": ["factor"], "qvrErrBadSamplePhase": ["phase"],
+    "qvrErrBadBitSize": ["bits"], "qvrErrBadSelector": ["kind"], "qvrErrBadArgument": ["relation"], "qvrErrBadSize": ["length"],
+}
+
 # Objects and functions written by hand: their exports, as patterns. The kinds of an object follow from the names.
 BY_HAND = {
     "RealFFT": r"qvrsFFT(InitAlloc|Free|Fwd|Inv)\w*",

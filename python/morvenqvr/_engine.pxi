@@ -293,7 +293,7 @@ cdef object refuse(const QvrGroup* g, list arrays, object out, PyObject** extras
                          f"wanted one of the combinations ({combinations}); got "
                          + ", ".join(describe(o) for o in arrays))
     for k in range(g.extras):
-        if <object>extras[k] is not None and builtins.all(g.forms[f].extra[k] == c'-' for f in fitting):
+        if <object>extras[k] is not None and <object>extras[k] is not 0 and builtins.all(g.forms[f].extra[k] == c'-' for f in fitting):
             raise ArgumentError(function, None, name_of(g.extraName[k]),
                                 f"there is none with {', '.join(describe(o) for o in arrays)}")
     outputs = " or ".join(dict.fromkeys(type_name(g.forms[f].output) for f in fitting))
@@ -361,7 +361,7 @@ cdef int first_with(const QvrForm* form, const QvrGroup* g, const QvrArguments* 
 
 cdef int report(const QvrGroup* g, const QvrForm* form, int status, object index) except -1:
     """An exception or a warning for a status other than 0."""
-    function = name_of(g.name)
+    function = name_of(g.name).lstrip("_")
     if status < 0:
         raise status_error(function, status, argument_of(g, form, status))
     warnings.warn(Warning(function, STATUSES.get(status, (f"status {status}",))[0], index), stacklevel=1)
