@@ -65,7 +65,8 @@ void identify(Facts& f)
         if ((a & 31) == 0 || (a & 31) > 3)
             break;
         const uint64_t ways = (b >> 22) + 1, partitions = (b >> 12 & 0x3FF) + 1, line = (b & 0xFFF) + 1;
-        f.caches.push_back({a >> 5 & 7, kKinds[(a & 31) - 1], ways * partitions * line * (uint64_t{c} + 1), ways, line});
+        f.caches.push_back(
+            {a >> 5 & 7, kKinds[(a & 31) - 1], ways * partitions * line * (uint64_t{c} + 1), ways, line});
     }
 }
 

@@ -1,4 +1,5 @@
-// With the answers that morvenqvr-slot gives, identification takes the slot that was asked for, on any processor that has it.
+// With the answers that morvenqvr-slot gives, identification takes the slot that was asked for, on any processor that
+// has it.
 #include "tools/mask.h"
 
 #include <gtest/gtest.h>
