@@ -14,7 +14,7 @@ import binary
 
 # What sees all families by design: calls to every export, and checks that run over all of them.
 EVERYWHERE = re.compile(r"/(?:slot_plain\.dir/frame/dispatch\.S|bench_\w+\.dir/|qvr_bench\.dir/|chosen_slot\.dir/)"
-                        r"|^tests/(?:fuzz|environment|slots)/")
+                        r"|^tests/(?:fuzz|environment|slots)/|^tools/.*/check/")
 
 
 def dependencies(build):
