@@ -59,27 +59,30 @@ double sourceOfCentre(const qvrResizeAxis* a, int64_t d)
     return (static_cast<double>(d) + 0.5) * a->inv + a->off;
 }
 
-// ---- Cubic ----------------------------------------------------------------------------------------------------------
+// ---- Methods --------------------------------------------------------------------------------------------------------
 
-// Polynomials in t, highest power first, for 0 <= t < 1 and 1 <= t < 2. Sums of products in the order of evaluation.
-double cubicWeight(int32_t method, double t)
+double linear(double t)
 {
-    const bool near = t < 1;
-    if (t >= 2)
-        return 0;
-    switch (method) {
-    case qvriInterCubic:
-        return near ? ((0.5 * t * t - t - 0.5) * t) + 1 : ((-1.0 / 6 * t * t + t - 11.0 / 6) * t) + 1;
-    case qvriInterCubicBSpline:
-        return near ? ((0.5 * t * t - t) * t) + 2.0 / 3 : ((-1.0 / 6 * t * t + t) * t) + (4.0 / 3 - 2 * t);
-    case qvriInterCubicCatmullRom:
-        return near ? (1.5 * t - 2.5) * t * t + 1 : ((-0.5 * t + 2.5) * t - 4) * t + 2;
-    default:
-        return near ? (0.95 * t - 1.7) * t * t + 5.0 / 6 : ((-23.0 / 60 * t + 2) * t - 3.4) * t + 28.0 / 15;
-    }
+    return t < 1 ? 1 - t : 0;
 }
 
-// ---- Lanczos --------------------------------------------------------------------------------------------------------
+// Polynomials in t, highest power first, for 0 <= t < 1 and 1 <= t < 2. Sums of products in the order of evaluation.
+double cubic(double t)
+{
+    return t < 1 ? ((0.5 * t * t - t - 0.5) * t) + 1 : t < 2 ? ((-1.0 / 6 * t * t + t - 11.0 / 6) * t) + 1 : 0;
+}
+double bSpline(double t)
+{
+    return t < 1 ? ((0.5 * t * t - t) * t) + 2.0 / 3 : t < 2 ? ((-1.0 / 6 * t * t + t) * t) + (4.0 / 3 - 2 * t) : 0;
+}
+double catmullRom(double t)
+{
+    return t < 1 ? (1.5 * t - 2.5) * t * t + 1 : t < 2 ? ((-0.5 * t + 2.5) * t - 4) * t + 2 : 0;
+}
+double cubicB05C03(double t)
+{
+    return t < 1 ? (0.95 * t - 1.7) * t * t + 5.0 / 6 : t < 2 ? ((-23.0 / 60 * t + 2) * t - 3.4) * t + 28.0 / 15 : 0;
+}
 
 constexpr int kLobes = 3, kStepsPerUnit = 100;
 
@@ -111,90 +114,69 @@ constexpr LanczosTable makeLanczos()
 constexpr LanczosTable kLanczos = makeLanczos();
 
 // T: the type of fractions and weights.
-template<class T> T lanczosWeight(T t)
+template<class T> double interpolated(T t)
 {
-    if (!(-kLobes < t && t < kLobes))
+    if (!(t < kLobes))
         return 0;
-    const T u = (t < 0 ? -t : t) * kStepsPerUnit;
+    const T u = t * kStepsPerUnit;
     // t just below 3 can round to the last entry.
     const int k = u < kLobes * kStepsPerUnit - 1 ? static_cast<int>(u) : kLobes * kStepsPerUnit - 1;
     const T low = kLanczos.at[k], high = kLanczos.at[k + 1];
-    return low + (high - low) * (u - static_cast<T>(k));
+    return static_cast<double>(low + (high - low) * (u - static_cast<T>(k)));
 }
-
-// ---- Taps -----------------------------------------------------------------------------------------------------------
-
-template<class T>
-void fillTaps(const qvrResizeAxis* axis, int32_t method, int32_t* start, T* weights, int64_t perPosition,
-              int64_t perTap)
+double lanczosSingle(double t)
 {
-    const int lead = qvrTapCount(method) / 2 - 1;
-    const double last = axis->length - 1;
-    for (int32_t n = 0; n < axis->count; n++, weights += perPosition) {
-        const double d = static_cast<double>(axis->first + n);
-        // The centre of a produced pixel lies within the image; what rounding makes of it, too.
-        const double pos = bounded((d + 0.5) * axis->inv + (axis->off - 0.5), -1, last + 0.5);
-        const int64_t i = floorOf(pos);
-        const T frac = static_cast<T>(pos - static_cast<double>(i));
-        start[n] = static_cast<int32_t>(i) - lead;
-        if (method == qvriInterLinear) {
-            weights[0] = frac;
-        } else if (method == qvriInterLanczos) {
-            for (int k = 0; k < 6; k++)
-                weights[k * perTap] = lanczosWeight<T>(static_cast<T>(k - 2) - frac);
-        } else {
-            const double f = frac;
-            const double t[4] = {absOf(f + 1), absOf(f), absOf(1 - f), absOf(2 - f)};
-            for (int k = 0; k < 4; k++)
-                weights[k * perTap] = static_cast<T>(cubicWeight(method, t[k]));
-        }
-    }
+    return interpolated(static_cast<float>(t));
 }
+
+// sinc(t) sinc(t / 3) by one sine, for sin 3x = sin x (3 - 4 sin^2 x).
+double lanczos(double t)
+{
+    // Next to 0 the kernel is 1 - O(t^2), and t^2 may be nothing.
+    if (t < 1e-9)
+        return 1;
+    const double x = M_PI / kLobes * t, s = sin(x);
+    return t < kLobes ? s * s * (3 - 4 * s * s) / (kLobes * x * x) : 0;
+}
+
+constexpr qvrResizeMethod kMethods[] = {
+    {qvriInterNearest, 0, 0, nullptr, nullptr, nullptr},
+    {qvriInterSuper, 0, 0, nullptr, nullptr, nullptr},
+    {qvriInterLinear, 1, 0, linear, linear, linear},
+    {qvriInterCubic, 2, qvriInterLinear, cubic, cubic, cubic},
+    {qvriInterCubicBSpline, 2, qvriInterLinear, bSpline, bSpline, bSpline},
+    {qvriInterCubicCatmullRom, 2, qvriInterLinear, catmullRom, catmullRom, catmullRom},
+    {qvriInterCubicB05C03, 2, qvriInterLinear, cubicB05C03, cubicB05C03, cubicB05C03},
+    {qvriInterLanczos, 3, qvriInterCubic, lanczosSingle, interpolated<double>, lanczos},
+};
 
 // ---- Low pass -------------------------------------------------------------------------------------------------------
 
-// sinc(t) sinc(t / 3) by one sine, for sin 3x = sin x (3 - 4 sin^2 x).
-double lanczosKernel(double t)
-{
-    const double x = M_PI / kLobes * t, s = sin(x);
-    return s * s * (3 - 4 * s * s) / (kLobes * x * x);
-}
-double lowPassKernel(int32_t method, double t)
-{
-    if (method == qvriInterLinear)
-        return t < 1 ? 1 - t : 0;
-    if (method != qvriInterLanczos)
-        return cubicWeight(method, t);
-    // Next to 0 the kernel is 1 - O(t^2), and t^2 may be nothing.
-    return t < 1e-9 ? 1 : t < kLobes ? lanczosKernel(t) : 0;
-}
-
-double integral(int32_t method, double from, double to)
+double integral(double (*kernel)(double), double from, double to)
 {
     double sum = 0;
     for (double a = from; a < to;) {
         const double next = static_cast<double>(floorOf(a * kPanels) + 1) / kPanels, b = next < to ? next : to;
-        const double ends = lowPassKernel(method, a) + lowPassKernel(method, b);
-        sum += (b - a) / 6 * (ends + 4 * lowPassKernel(method, (a + b) / 2));
+        sum += (b - a) / 6 * (kernel(a) + kernel(b) + 4 * kernel((a + b) / 2));
         a = b;
     }
     return sum;
 }
 
-double weightAt(const qvrLowPass* l, double distance)
+double weightAt(const qvrFilter* f, double distance)
 {
-    return lowPassKernel(l->method, absOf(distance) * l->scale) * l->scale;
+    return f->method->lowPass(absOf(distance) * f->scale) * f->scale;
 }
 
 // The weights of the taps from `nearest` on, away from the centre.
-double foldedWeight(const qvrLowPass* l, double centre, int64_t nearest, int64_t step)
+double foldedWeight(const qvrFilter* f, double centre, int64_t nearest, int64_t step)
 {
     const double from = absOf(static_cast<double>(nearest) - centre);
-    if (l->reach - from >= kFoldByTap)
-        return integral(l->method, (from - 0.5) * l->scale, l->reach * l->scale);
+    if (f->reach - from >= kFoldByTap)
+        return integral(f->method->lowPass, (from - 0.5) * f->scale, f->reach * f->scale);
     double sum = 0;
-    for (int64_t j = nearest; absOf(static_cast<double>(j) - centre) <= l->reach; j += step)
-        sum += weightAt(l, static_cast<double>(j) - centre);
+    for (int64_t j = nearest; absOf(static_cast<double>(j) - centre) <= f->reach; j += step)
+        sum += weightAt(f, static_cast<double>(j) - centre);
     return sum;
 }
 
@@ -248,75 +230,106 @@ int32_t qvrNearestIndex(const qvrResizeAxis* axis, int64_t d)
     return static_cast<int32_t>(bounded(at, 0, axis->length - 1));
 }
 
-int32_t qvrTapCount(int32_t method)
+const qvrResizeMethod* qvrMethodOf(int32_t selector)
 {
-    return method == qvriInterLinear ? 2 : method == qvriInterLanczos ? 6 : 4;
+    for (const qvrResizeMethod& m : kMethods)
+        if (m.selector == selector)
+            return &m;
+    return nullptr;
 }
 
-void qvrFillTaps32(const qvrResizeAxis* axis, int32_t method, int32_t* start, float* weights, int64_t perPosition,
-                   int64_t perTap)
+void qvrMakeFilter(const qvrResizeAxis* axis, const qvrResizeMethod* method, int lowPass, int single, qvrFilter* f)
 {
-    fillTaps(axis, method, start, weights, perPosition, perTap);
-}
-
-void qvrFillTaps64(const qvrResizeAxis* axis, int32_t method, int32_t* start, double* weights, int64_t perPosition,
-                   int64_t perTap)
-{
-    fillTaps(axis, method, start, weights, perPosition, perTap);
-}
-
-void qvrMakeLowPass(const qvrResizeAxis* axis, int32_t method, int exact, qvrLowPass* l)
-{
-    const double radius = qvrTapCount(method) / 2;
-    l->inv = bounded(axis->inv, 0, kMostInv);
-    l->off = axis->off;
-    l->length = axis->length;
-    l->method = method;
-    l->scale = l->inv >= 1.0 ? 1 / l->inv : 1;
-    l->reach = l->inv >= 1.0 ? radius * l->inv : radius;
-    const int64_t all = l->length + 2 * (kFold + 1);
-    const double taps = 2 * l->reach + 1;
-    l->most = taps < static_cast<double>(all) ? static_cast<int64_t>(taps) : all;
-    l->period = 0;
-    l->pixels = 0;
-    for (int q = 1; q <= kMostPeriod && l->period == 0 && l->inv < axis->length && absOf(l->off) < kNear; q++) {
-        const double p = l->inv * q;
+    const double radius = method->radius;
+    *f = {bounded(axis->inv, 0, kMostInv),
+          axis->off,
+          1,
+          radius,
+          axis->length,
+          2 * method->radius,
+          0,
+          0,
+          method,
+          lowPass,
+          single};
+    if (!lowPass)
+        return;
+    if (f->inv >= 1.0) {
+        f->scale = 1 / f->inv;
+        f->reach = radius * f->inv;
+    }
+    const int64_t all = f->length + 2 * (kFold + 1);
+    const double taps = 2 * f->reach + 1;
+    f->most = taps < static_cast<double>(all) ? static_cast<int64_t>(taps) : all;
+    if (!(f->inv < axis->length && absOf(f->off) < kNear))
+        return;
+    // The products of the halves with a number of nine bits are exact.
+    const double high = static_cast<double>(static_cast<float>(f->inv)), low = f->inv - high;
+    for (int q = 1; q <= kMostPeriod && f->period == 0; q++) {
+        const double p = f->inv * q;
         const int64_t whole = floorOf(p + 0.5);
-        const double rest = fma(l->inv, q, -static_cast<double>(whole));
-        if (absOf(rest) <= (exact ? 0 : p * kPeriodic) && whole > 0) {
-            l->period = q;
-            l->pixels = whole;
+        const double rest = (high * q - static_cast<double>(whole)) + low * q;
+        if (absOf(rest) <= (single ? p * kPeriodic : 0) && whole > 0) {
+            f->period = q;
+            f->pixels = whole;
         }
     }
 }
 
-void qvrLowPassRange(const qvrLowPass* l, int64_t d, qvrLowPassTaps* taps)
+void qvrTapsOf(const qvrFilter* f, int64_t d, qvrTaps* taps)
 {
-    const int64_t periods = l->period > 0 ? d / l->period : 0, shift = periods * l->pixels;
+    taps->sum = 0;
+    if (!f->lowPass) {
+        // The centre of a produced pixel lies within the image; what rounding makes of it, too.
+        const double pos =
+            bounded((static_cast<double>(d) + 0.5) * f->inv + (f->off - 0.5), -1, static_cast<double>(f->length) - 0.5);
+        const int64_t i = floorOf(pos);
+        const double fraction = pos - static_cast<double>(i);
+        taps->fraction = f->single ? static_cast<double>(static_cast<float>(fraction)) : fraction;
+        taps->first = i - f->most / 2 + 1;
+        taps->count = f->most;
+        return;
+    }
+    const int64_t periods = f->period > 0 ? d / f->period : 0, shift = periods * f->pixels;
     // Places are relative to the period, so that its lists are the same in all of them.
-    const double low = static_cast<double>(-kFold - 1 - shift), high = static_cast<double>(l->length + kFold - shift);
-    const double centre = (static_cast<double>(d - periods * l->period) + 0.5) * l->inv + l->off;
-    taps->centre = bounded(centre, static_cast<double>(-1 - shift), static_cast<double>(l->length + 1 - shift));
-    const double from = taps->centre - l->reach, to = taps->centre + l->reach;
+    const double low = static_cast<double>(-kFold - 1 - shift), high = static_cast<double>(f->length + kFold - shift);
+    const double centre = (static_cast<double>(d - periods * f->period) + 0.5) * f->inv + f->off;
+    taps->centre = bounded(centre, static_cast<double>(-1 - shift), static_cast<double>(f->length + 1 - shift));
+    const double from = taps->centre - f->reach, to = taps->centre + f->reach;
     const int64_t first = from > low ? ceilOf(from) : static_cast<int64_t>(low);
     const int64_t end = to < high ? floorOf(to) : static_cast<int64_t>(high);
-    const int64_t last = end - first < l->most ? end : first + l->most - 1;
-    taps->before =
-        from > low ? weightAt(l, static_cast<double>(first) - taps->centre) : foldedWeight(l, taps->centre, first, -1);
-    taps->behind =
-        to < high ? weightAt(l, static_cast<double>(last) - taps->centre) : foldedWeight(l, taps->centre, last, 1);
+    const int64_t last = end - first < f->most ? end : first + f->most - 1;
+    taps->foldsBefore = from <= low;
+    taps->foldsBehind = to >= high;
     taps->first = first + shift;
     taps->shift = shift;
     taps->count = last - first + 1;
 }
 
-void qvrLowPassWeights(const qvrLowPass* l, const qvrLowPassTaps* taps, int64_t from, int64_t count, double* weights)
+void qvrWeightsOf(const qvrFilter* f, qvrTaps* taps, int64_t from, int64_t count, double* weights)
 {
-    for (int64_t k = from; k < from + count; k++)
-        weights[k - from] = k == 0 ? taps->before
-                            : k == taps->count - 1
-                                ? taps->behind
-                                : weightAt(l, static_cast<double>(taps->first - taps->shift + k) - taps->centre);
+    if (!f->lowPass) {
+        for (int64_t k = 0; k < count; k++) {
+            const double t = absOf(static_cast<double>(k - f->most / 2 + 1) - taps->fraction);
+            weights[k] = (f->single ? f->method->single : f->method->wide)(t);
+        }
+        if (f->most == 2)
+            weights[1] = taps->fraction;
+        return;
+    }
+    const auto weight = [=](int64_t k) {
+        const int64_t at = taps->first - taps->shift + k;
+        return k == 0 && taps->foldsBefore                 ? foldedWeight(f, taps->centre, at, -1)
+               : k == taps->count - 1 && taps->foldsBehind ? foldedWeight(f, taps->centre, at, 1)
+                                                           : weightAt(f, static_cast<double>(at) - taps->centre);
+    };
+    for (int64_t k = 0; k < count; k++)
+        weights[k] = weight(from + k);
+    if (taps->sum == 0)
+        for (int64_t k = 0; k < taps->count; k++)
+            taps->sum += k >= from && k < from + count ? weights[k - from] : weight(k);
+    for (int64_t k = 0; k < count; k++)
+        weights[k] /= taps->sum;
 }
 
 void qvrMakeSuper(const qvrResizeAxis* axis, qvrSuperAxis* s)

@@ -57,6 +57,26 @@ template<int NC> inline void halveRow(const uint8_t* upper, const uint8_t* lower
     }
 }
 
+// A band of blocks inside the image from a whole pixel on, of an axis' factor of a half; false if it is not.
+template<int NC> inline bool halveBand(const qvrResizeBand* b)
+{
+    const auto inside = [](const qvrResizeAxis& a) {
+        const double first = static_cast<double>(2 * a.first) + a.off;
+        const bool whole = first >= 0 && first < a.length && first == static_cast<double>(static_cast<Index>(first));
+        return whole && static_cast<Index>(first) + 2 * Index{a.count} <= a.length;
+    };
+    if (!kCanHalve<NC> || !inside(b->x) || !inside(b->y))
+        return false;
+    const Index left = 2 * b->x.first + static_cast<Index>(b->x.off),
+                top = 2 * b->y.first + static_cast<Index>(b->y.off);
+    if constexpr (kCanHalve<NC>)
+        for (Index n = 0; n < b->y.count; n++) {
+            const uint8_t* const upper = reinterpret_cast<const uint8_t*>(sourceRow(b, top + 2 * n)) + left * NC;
+            halveRow<NC>(upper, upper + b->srcStep, reinterpret_cast<uint8_t*>(outputRow(b, n, NC)), b->x.count * NC);
+        }
+    return true;
+}
+
 } // namespace
 
 #endif

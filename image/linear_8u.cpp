@@ -4,20 +4,15 @@
 // and two rows make out = (h[upper] (2^14 - wy) + h[lower] wy + 2^19) >> 20. Where only one row or one column of the
 // image is involved there is one rounding: (w0 a + w1 b + 2^13) >> 14.
 #include "image/halve.h"
+#include "image/separable.h"
 
 namespace {
 
 constexpr int kOne = 1 << 14;
-constexpr double kWeightRound = 1e-7;
 
 struct Weights {
     int16_t w0, w1;
 };
-
-QVR_INLINE int weightOf(float frac)
-{
-    return static_cast<int>(static_cast<double>(frac) * kOne + kWeightRound);
-}
 
 // The columns of a band: start[x] is the left tap and w[x] the weights; inside for x in [from, to).
 struct Columns {
@@ -25,6 +20,19 @@ struct Columns {
     const Weights* w;
     Index width, from, to, length;
 };
+Columns columnsOf(const qvrColumns* c)
+{
+    Columns v = {c->first, static_cast<const Weights*>(c->weights), c->width, 0, c->width, c->length};
+    while (v.from < v.width && v.start[v.from] < 0)
+        v.from++;
+    while (v.to > v.from && v.start[v.to - 1] >= v.length - 1)
+        v.to--;
+    return v;
+}
+QVR_INLINE int rowWeight(const qvrRowTaps* rows)
+{
+    return static_cast<int>(rows->weight[1] * kOne + 1e-7);
+}
 
 QVR_INLINE uint8_t blend(int a, int b, int w0, int w1)
 {
@@ -137,68 +145,45 @@ void blendRows(const int16_t* upper, const int16_t* lower, Index from, Index to,
         storePartial(dst + i, block(i), static_cast<int>(to - i));
 }
 
-template<int NC> void linear(const qvrResizeBand* b)
+template<int NC> void filter(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
 {
-    const Index width = b->x.count, length = b->x.length, height = b->y.length;
-    Carver carver = bufferOf(b);
-    int32_t* const start = carver.take<int32_t>(width, 16);
-    Weights* const w = carver.take<Weights>(width, 16);
-    // The fractions lie where the filtered rows will.
-    float* const frac = Carver(carver).take<float>(width, 64);
-    qvrFillTaps32(&b->x, qvriInterLinear, start, frac, 1, 1);
-    Columns c = {start, w, width, 0, width, length};
-    for (Index x = 0; x < width; x++) {
-        const int w1 = weightOf(frac[x]);
-        w[x] = {static_cast<int16_t>(kOne - w1), static_cast<int16_t>(w1)};
-    }
-    while (c.from < width && start[c.from] < 0)
-        c.from++;
-    while (c.to > c.from && start[c.to - 1] >= length - 1)
-        c.to--;
-    // Every output the mean of two by two pixels: h is 32 (a + b) and out (a + b + c + d + 2) >> 2.
-    bool halves = kCanHalve<NC> && c.from == 0 && c.to == width;
-    for (Index x = 0; halves && x < width; x++)
-        halves = w[x].w1 == kOne / 2 && start[x] == start[0] + 2 * x;
-    // Two rows of less than 2^30 elements, on cache lines.
-    int16_t* const rows[2] = {carver.take<int16_t>(width * NC + 64, 64), carver.take<int16_t>(width * NC + 64, 64)};
-    Index filtered[2] = {-1, -1};
-    qvrResizeAxis row = b->y;
-    row.count = 1;
-    for (Index n = 0; n < b->y.count; n++) {
-        row.first = b->y.first + n;
-        int32_t y;
-        float fy;
-        qvrFillTaps32(&row, qvriInterLinear, &y, &fy, 1, 1);
-        uint8_t* const dst = reinterpret_cast<uint8_t*>(outputRow(b, n, NC));
-        if (y < 0 || y >= height - 1) {
-            singleRow<NC>(reinterpret_cast<const uint8_t*>(sourceRow(b, clampIndex(y, height))), c, dst);
-            continue;
-        }
-        const int wy = weightOf(fy);
-        const auto at = [&](Index k) { return reinterpret_cast<const uint8_t*>(sourceRow(b, y + k)); };
-        if constexpr (kCanHalve<NC>)
-            if (halves && wy == kOne / 2) {
-                halveRow<NC>(at(0) + Index{start[0]} * NC, at(1) + Index{start[0]} * NC, dst, width * NC);
-                continue;
-            }
-        for (Index k = 0; k < 2; k++) {
-            const Index slot = (y + k) % 2;
-            if (filtered[slot] != y + k)
-                filterRow<NC>(at(k), c, rows[slot]);
-            filtered[slot] = y + k;
-        }
-        singleColumn<NC>(at(0), at(1), c, 0, c.from, wy, dst);
-        blendRows(rows[y % 2], rows[(y + 1) % 2], c.from * NC, c.to * NC, wy, dst);
-        singleColumn<NC>(at(0), at(1), c, c.to, width, wy, dst);
-    }
+    for (Index r = 0; r < count; r++)
+        filterRow<NC>(reinterpret_cast<const uint8_t*>(rows[r]), columnsOf(c), reinterpret_cast<int16_t*>(lines[r]));
 }
+
+template<int NC> void blend(const qvrColumns* columns, const qvrRowTaps* rows, char* to)
+{
+    const Columns c = columnsOf(columns);
+    const int wy = rowWeight(rows);
+    uint8_t* const dst = reinterpret_cast<uint8_t*>(to);
+    const auto* const upper = reinterpret_cast<const uint8_t*>(rows->source[0]);
+    const auto* const lower = reinterpret_cast<const uint8_t*>(rows->source[1]);
+    singleColumn<NC>(upper, lower, c, 0, c.from, wy, dst);
+    blendRows(reinterpret_cast<const int16_t*>(rows->line[0]), reinterpret_cast<const int16_t*>(rows->line[1]),
+              c.from * NC, c.to * NC, wy, dst);
+    singleColumn<NC>(upper, lower, c, c.to, c.width, wy, dst);
+}
+
+// Rows that show one source row.
+template<int NC> int direct(const qvrColumns* c, const qvrRowTaps* rows, char* to)
+{
+    if (!rows->apart)
+        singleRow<NC>(reinterpret_cast<const uint8_t*>(rows->source[0]), columnsOf(c), reinterpret_cast<uint8_t*>(to));
+    return !rows->apart;
+}
+
+constexpr qvrRowKernels kLinear[] = {
+    {1, 1, 2, qvrWeights_words, 0, 0, 1, filter<1>, blend<1>, direct<1>, nullptr, nullptr},
+    {1, 4, 2, qvrWeights_words, 0, 0, 1, filter<4>, blend<4>, direct<4>, nullptr, nullptr},
+};
 
 } // namespace
 
 extern "C" void SLOT(ownResizeLinear_8u)(const qvrResizeBand* band, int pixel)
 {
-    if (pixel == qvrPixel_8u_C1)
-        linear<1>(band);
-    else
-        linear<4>(band);
+    // The mean of two by two pixels: h is 32 (a + b) and out (a + b + c + d + 2) >> 2.
+    const bool halves = band->x.inv == 2 && band->y.inv == 2;
+    const bool done = halves && (pixel == qvrPixel_8u_C1 ? halveBand<1>(band) : halveBand<4>(band));
+    if (!done)
+        qvrResizeSeparable(band, &kLinear[pixel]);
 }

@@ -13,8 +13,6 @@ constexpr double kStartRound = 0.4999999999, kEndRound = 0.5000000001;
 // With an edge treatment only pixels that are covered to within this are produced.
 constexpr double kWholeCover = 1e-10;
 
-constexpr int kLanczosLeast = 6, kCubicLeast = 4; // source pixels that the methods need on both axes
-
 // Bytes that aligning the start of the buffer can cost.
 constexpr int kBufferSlack = 16;
 
@@ -35,11 +33,6 @@ double ceilOf(double v)
 double truncOf(double v)
 {
     return static_cast<double>(static_cast<int64_t>(v));
-}
-
-bool isCubic(int32_t method)
-{
-    return method >= qvriInterCubic && method <= qvriInterCubicB05C03;
 }
 
 bool validRects(qvriRect src, qvriRect dst)
@@ -87,29 +80,30 @@ Wide lowPassTaps(int radius, int32_t src, int32_t dst)
     return 2 * static_cast<int64_t>(whole < reach ? whole + 1 : whole) + 2;
 }
 
-Wide plainBytes(int32_t method, Wide dw, Wide dh, Wide sw, Wide nc, Wide e)
+Wide plainBytes(const qvrResizeMethod* method, Wide dw, Wide dh, Wide sw, Wide nc, Wide e)
 {
     const Wide index = 4 * (up(dw, 16) + up(dh, 16)); // row and column offsets
-    if (method == qvriInterNearest)
-        return index;
-    if (method == qvriInterLinear)
-        return index + e * (up(dw, 64) + up(dh, 64) + nc * up(2 * dw + 64, 64));
-    if (method == qvriInterLanczos)
-        return index +
-               e * (up(6 * dw + 160, 32) + up(dw, 32) + up(dh, 32) + up(6 * dh + 160, 32) + nc * up(6 * dw + 160, 32));
-    if (method == qvriInterSuper)
+    const auto weights = [=](Wide d, int slack) { return up(2 * method->radius * d + slack, 32) + up(d, 32); };
+    if (method->selector == qvriInterSuper)
         return 2 * e * nc * up(sw, 16);
-    return index +
-           e * (up(4 * dw + 96, 32) + up(dw, 32) + up(dh, 32) + up(4 * dh + 96, 32) + nc * up(4 * dw + 192, 64));
+    switch (method->radius) {
+    case 0:
+        return index;
+    case 1:
+        return index + e * (up(dw, 64) + up(dh, 64) + nc * up(2 * dw + 64, 64));
+    case 2:
+        return index + e * (weights(dw, 96) + weights(dh, 96) + nc * up(4 * dw + 192, 64));
+    default:
+        return index + e * (weights(dw, 160) + weights(dh, 160) + nc * up(6 * dw + 160, 32));
+    }
 }
 
-Wide lowPassBytes(int32_t method, qvriRect src, qvriRect dst, Wide nc, int elementBytes)
+Wide lowPassBytes(const qvrResizeMethod* method, qvriRect src, qvriRect dst, Wide nc, int elementBytes)
 {
-    const int radius = method == qvriInterLinear ? 1 : method == qvriInterLanczos ? 3 : 2;
     const Wide dw = dst.width, dh = dst.height;
     const Wide lines = up(dw * src.height * nc, 16), line = up(dw * nc, 16);
-    const Wide columns = up(lowPassTaps(radius, src.width, dst.width) * dw, 16);
-    const Wide rows = up(dh * lowPassTaps(radius, src.height, dst.height), 16);
+    const Wide columns = up(lowPassTaps(method->radius, src.width, dst.width) * dw, 16);
+    const Wide rows = up(dh * lowPassTaps(method->radius, src.height, dst.height), 16);
     return elementBytes == 4 ? 8 * lines + 4 * line + 8 * columns + 8 * rows
                              : 16 * lines + 8 * line + 12 * columns + 12 * rows;
 }
@@ -117,9 +111,7 @@ Wide lowPassBytes(int32_t method, qvriRect src, qvriRect dst, Wide nc, int eleme
 // The selector's method and flags: qvrOk or qvrErrBadInterpolation.
 qvrStatus checkInterpolation(int32_t interpolation)
 {
-    const int32_t method = interpolation & QVR_INTERPOLATION_METHOD;
-    if (!(method == qvriInterNearest || method == qvriInterLinear || isCubic(method) || method == qvriInterSuper ||
-          method == qvriInterLanczos))
+    if (qvrMethodOf(interpolation & QVR_INTERPOLATION_METHOD) == nullptr)
         return qvrErrBadInterpolation;
     int flags = 0;
     for (int32_t flag : kFlags)
@@ -140,14 +132,12 @@ qvrStatus qvrMakeResizePlan(qvriSize srcSize, qvriRect srcRoi, qvriRect dstRoi, 
         return qvrErrBadFactor;
     if (const qvrStatus status = checkInterpolation(interpolation))
         return status;
-    int32_t method = interpolation & QVR_INTERPOLATION_METHOD;
-    if (method == qvriInterSuper && (xFactor > 1.0 || yFactor > 1.0))
+    const qvrResizeMethod* method = qvrMethodOf(interpolation & QVR_INTERPOLATION_METHOD);
+    if (method->selector == qvriInterSuper && (xFactor > 1.0 || yFactor > 1.0))
         return qvrErrBadFactor;
     const int32_t least = srcSize.width < srcSize.height ? srcSize.width : srcSize.height;
-    if (method == qvriInterLanczos && least < kLanczosLeast)
-        method = qvriInterCubic;
-    if (isCubic(method) && least < kCubicLeast)
-        method = qvriInterLinear;
+    while (method->smaller != 0 && least < 2 * method->radius)
+        method = qvrMethodOf(method->smaller);
     if (srcRoi.x >= srcSize.width || srcRoi.y >= srcSize.height)
         return qvrWarnRoiOutside;
 
@@ -172,9 +162,8 @@ qvrStatus qvrMakeResizePlan(qvriSize srcSize, qvriRect srcRoi, qvriRect dstRoi, 
 qvrStatus qvrResizeThreadBytes(qvriRect srcRoi, qvriRect dstRoi, int channels, int32_t interpolation, int elementBytes,
                                int32_t* size)
 {
-    const int32_t method = interpolation & QVR_INTERPOLATION_METHOD;
-    const bool antialias = (interpolation & qvriAntialias) != 0;
-    const bool ignored = antialias && (method == qvriInterNearest || method == qvriInterSuper);
+    const qvrResizeMethod* const method = qvrMethodOf(interpolation & QVR_INTERPOLATION_METHOD);
+    const bool antialias = (interpolation & qvriAntialias) != 0, ignored = antialias && method->radius == 0;
     const Wide bytes = antialias && !ignored
                            ? lowPassBytes(method, srcRoi, dstRoi, channels, elementBytes)
                            : plainBytes(method, dstRoi.width, dstRoi.height, srcRoi.width, channels, elementBytes);

@@ -29,10 +29,24 @@ typedef struct {
     int32_t length; // source pixels along the axis
 } qvrResizeAxis;
 
+// The methods. A separable one weighs the pixels within `radius` of a position by their distance; singles have a form
+// of their own where the weight is looked up. `lowPass` is what is stretched when reducing with antialiasing.
+typedef struct {
+    int32_t selector;
+    int32_t radius;  // 0: not separable
+    int32_t smaller; // takes its place where the source has fewer than 2 radius rows or columns; 0: none
+    double (*single)(double distance);
+    double (*wide)(double distance);
+    double (*lowPass)(double distance);
+} qvrResizeMethod;
+// Null: there is no such method.
+QVR_HIDDEN const qvrResizeMethod* qvrMethodOf(int32_t selector);
+
 typedef struct {
     qvrResizeAxis x, y;
     double xMinF, xMaxF, yMinF, yMaxF; // the clipped extent of the destination in continuous coordinates
-    int32_t method, flags;
+    const qvrResizeMethod* method;
+    int32_t flags;
 } qvrResizePlan;
 
 // One horizontal band: y holds its rows.
@@ -41,7 +55,8 @@ typedef struct {
     char* dst;
     int64_t srcStep, dstStep;
     qvrResizeAxis x, y;
-    int32_t method;
+    const qvrResizeMethod* method;
+    int32_t lowPass;
     char* buffer;
     int64_t bufferBytes;
 } qvrResizeBand;
@@ -66,35 +81,30 @@ QVR_HIDDEN int32_t qvrResizeThreads(int32_t threadBytes);
 // The source pixel under the centre of destination pixel d, clamped into the image.
 QVR_HIDDEN int32_t qvrNearestIndex(const qvrResizeAxis* axis, int64_t d);
 
-// Two, four or six taps by method. For position n of the axis, start[n] is the pixel of the first tap, unclamped but
-// from one pixel round the image, and weights[n * perPosition + k * perTap] are the weights; of method 2 only the
-// fraction is stored, as a single weight.
-QVR_HIDDEN int32_t qvrTapCount(int32_t method);
-QVR_HIDDEN void qvrFillTaps32(const qvrResizeAxis* axis, int32_t method, int32_t* start, float* weights,
-                              int64_t perPosition, int64_t perTap);
-QVR_HIDDEN void qvrFillTaps64(const qvrResizeAxis* axis, int32_t method, int32_t* start, double* weights,
-                              int64_t perPosition, int64_t perTap);
-
-// Low-pass weights of an axis: kernel(|j - centre| * scale) * scale for the taps j within `reach` of the centre. Where
-// inv = pixels / period in small numbers, the lists repeat after `period` positions, that many pixels further on.
+// A separable method on an axis. Without low pass each position has 2 radius taps. With it the weights are kernel(|j -
+// centre| * scale) * scale for the taps j within `reach` of the centre, divided by their sum; where inv = pixels /
+// period in small numbers, the lists repeat after `period` positions, that many pixels further on.
 typedef struct {
     double inv, off, scale, reach;
     int64_t length;
     int64_t most; // no position has more taps
     int64_t period, pixels;
-    int32_t method;
-} qvrLowPass;
+    const qvrResizeMethod* method;
+    int32_t lowPass, single; // single: fractions are singles; else only lists that are equal to the last bit repeat
+} qvrFilter;
 // The taps of a position: `count` from pixel `first` on, unclamped. Those far outside the image are one at each end.
 typedef struct {
-    int64_t first, count, shift; // the centre is relative to pixel `shift`
-    double centre, before, behind;
-} qvrLowPassTaps;
-// exact: repeat only lists that are equal to the last bit of a double.
-QVR_HIDDEN void qvrMakeLowPass(const qvrResizeAxis* axis, int32_t method, int exact, qvrLowPass* lowPass);
-QVR_HIDDEN void qvrLowPassRange(const qvrLowPass* lowPass, int64_t d, qvrLowPassTaps* taps);
-// Weights from .. from + count - 1 of the list. They have yet to be divided by the sum of all.
-QVR_HIDDEN void qvrLowPassWeights(const qvrLowPass* lowPass, const qvrLowPassTaps* taps, int64_t from, int64_t count,
-                                  double* weights);
+    int64_t first, count;
+    double fraction;                  // of the position behind its pixel
+    int64_t shift;                    // of a low pass: the centre is relative to this pixel
+    int32_t foldsBefore, foldsBehind; // the ends stand for all beyond them
+    double centre, sum;               // sum: of all weights, once it is known
+} qvrTaps;
+QVR_HIDDEN void qvrMakeFilter(const qvrResizeAxis* axis, const qvrResizeMethod* method, int lowPass, int single,
+                              qvrFilter* filter);
+QVR_HIDDEN void qvrTapsOf(const qvrFilter* filter, int64_t d, qvrTaps* taps);
+// Weights from .. from + count - 1 of the list.
+QVR_HIDDEN void qvrWeightsOf(const qvrFilter* filter, qvrTaps* taps, int64_t from, int64_t count, double* weights);
 
 // Supersampling along an axis: position d covers the source from d inv + off to (d + 1) inv + off. Where inv = p / q
 // and off are multiples of 1 / q, all covers are whole numbers of that unit, p for each position; else q is 0.

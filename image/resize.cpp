@@ -9,17 +9,15 @@ namespace {
 // Below this many rows or columns a call stays on one thread.
 constexpr int kThreadsFrom = 64;
 
-void runBand(const qvrResizeBand& band, bool lowPass, int pixel)
+void runBand(const qvrResizeBand& band, int pixel)
 {
     if (band.y.count == 0)
         return;
-    if (band.method == qvriInterNearest)
+    if (band.method->selector == qvriInterNearest)
         SLOT(ownResizeNearest)(&band, pixel);
-    else if (band.method == qvriInterSuper)
+    else if (band.method->selector == qvriInterSuper)
         SLOT(ownResizeSuper)(&band, pixel);
-    else if (lowPass)
-        SLOT(ownResizeLowPass)(&band, pixel);
-    else if (band.method == qvriInterLinear && (pixel == qvrPixel_8u_C1 || pixel == qvrPixel_8u_C4))
+    else if (band.method->radius == 1 && !band.lowPass && pixel <= qvrPixel_8u_C4)
         SLOT(ownResizeLinear_8u)(&band, pixel);
     else
         SLOT(ownResizeTaps)(&band, pixel);
@@ -40,7 +38,6 @@ qvrStatus resize(const void* src, qvriSize srcSize, int srcStep, qvriRect srcRoi
                                                   pixel == qvrPixel_64f_C1 ? 8 : 4, &threadBytes);
     if (status < 0)
         return status;
-    const bool lowPass = (plan.flags & qvriAntialias) != 0;
     const qvrResizeBand whole = {static_cast<const char*>(src),
                                  static_cast<char*>(dst),
                                  srcStep,
@@ -48,11 +45,12 @@ qvrStatus resize(const void* src, qvriSize srcSize, int srcStep, qvriRect srcRoi
                                  plan.x,
                                  plan.y,
                                  plan.method,
+                                 (plan.flags & qvriAntialias) != 0,
                                  reinterpret_cast<char*>(buffer),
                                  threadBytes};
     const int threads = qvrResizeThreads(threadBytes);
     if (plan.x.count < kThreadsFrom || plan.y.count < kThreadsFrom || threads <= 1) {
-        runBand(whole, lowPass, pixel);
+        runBand(whole, pixel);
     } else {
         parallelTeam(threads, [&](int t, int team) {
             qvrResizeBand band = whole;
@@ -61,7 +59,7 @@ qvrStatus resize(const void* src, qvriSize srcSize, int srcStep, qvriRect srcRoi
             band.y.count = t == team - 1 ? rows + plan.y.count % team : rows;
             band.bufferBytes = Index{threadBytes} * threads / team;
             band.buffer += t * band.bufferBytes;
-            runBand(band, lowPass, pixel);
+            runBand(band, pixel);
         });
     }
     if (plan.flags & (qvriEdgeBlend | qvriEdgeFade))

@@ -390,21 +390,6 @@ template<class T, int NC, class A> void makeStrip(const Super<A>& s, Index from,
         }
 }
 
-// The whole band, where it is made of blocks of two by two inside the image; false if not.
-template<int NC, class A> bool halveBand(const Super<A>& s)
-{
-    const qvrResizeBand* const b = s.band;
-    const Index left = 2 * b->x.first + s.x.at, top = 2 * b->y.first + s.y.at;
-    if (s.x.q != 1 || s.y.q != 1 || s.x.p != 2 || s.y.p != 2 || left < 0 || top < 0 ||
-        left + 2 * b->x.count > b->x.length || top + 2 * b->y.count > b->y.length)
-        return false;
-    for (Index n = 0; n < b->y.count; n++) {
-        const uint8_t* const upper = reinterpret_cast<const uint8_t*>(sourceRow(b, top + 2 * n)) + left * NC;
-        halveRow<NC>(upper, upper + b->srcStep, reinterpret_cast<uint8_t*>(outputRow(b, n, NC)), b->x.count * NC);
-    }
-    return true;
-}
-
 template<class T, int NC, class A> void superBand(Super<A>& s)
 {
     const qvrResizeBand* const b = s.band;
@@ -448,9 +433,8 @@ template<class T, int NC> void super(const qvrResizeBand* b)
     s.half = 0.5;
     s.mean = 1 / (qvrCoverSum(&s.x) * qvrCoverSum(&s.y));
     if constexpr (sizeof(T) == 1) {
-        if constexpr (kCanHalve<NC>)
-            if (halveBand<NC>(s))
-                return;
+        if (s.x.p == 2 && s.y.p == 2 && s.x.q == 1 && s.y.q == 1 && halveBand<NC>(b))
+            return;
         // Sums are at most 255 times the parts of an output. sum / parts + 1/2 is a multiple of 1 / (2 parts): with
         // half of that more, no rounding takes it to the other side of a whole number.
         const double parts = static_cast<double>(s.x.p) * static_cast<double>(s.y.p);

@@ -1,0 +1,683 @@
+// The row kernels of the separable methods, but for linear interpolation of bytes.
+//
+// Without antialiasing sums are in the type of the line, products added from the left: w0 s[i] + w1 s[i+1] + ...;
+// linear interpolation is s0 + (s1 - s0) f. With antialiasing a column has two partial sums in double (64f eight), by
+// the tap's number in its list, added in order; rows add up acc += float(double(line) * weight), taps ascending.
+//
+// Pixels outside the image are those of its edge: they are laid round the part of a row that is at hand.
+#include "frame/lookup.h"
+#include "image/kernels.h"
+#include "image/separable.h"
+
+namespace {
+
+constexpr Index kRoom = QVR_RESIZE_ROOM, kPast = QVR_RESIZE_PAST;
+constexpr Index kChunk = 512;    // elements of an output row at a time
+constexpr Index kMostTaps = 512; // of columns that are worked on phase by phase
+
+template<class T> struct LineOf {
+    using type = float;
+};
+template<> struct LineOf<double> {
+    using type = double;
+};
+template<class T> using Line = typename LineOf<T>::type;
+
+template<class To, class From> QVR_INLINE Vec<To, lanes<From>> widened(From v)
+{
+    if constexpr (sizeof(Elem<From>) == 1)
+        return convert<To>(convert<int32_t>(v));
+    else
+        return convert<To>(v);
+}
+
+// block<N>(i) for i = 0 .. count - 1: R registers of A at a time, then one, then single elements.
+template<class A, int R = 8, class F> QVR_INLINE void eachBlock(Index count, const F& block)
+{
+    constexpr int L = kLanes<A>;
+    Index i = 0;
+    for (; i + R * L <= count; i += R * L)
+        block.template operator()<R * L>(i);
+    for (; i + L <= count; i += L)
+        block.template operator()<L>(i);
+    for (; i < count; i++)
+        block.template operator()<1>(i);
+}
+
+// ---- Sums of streams ------------------------------------------------------------------------------------------------
+
+// out[i] = sum of s[k][i] weight[k]. Products: each is rounded to a single, as the contract adds up rows.
+template<class A, int P, bool Products, class S, class W, class O>
+__attribute__((noinline)) void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count)
+{
+    eachBlock<A, 8 / P>(count, [&]<int N>(Index i) {
+        using V = Vec<A, N>;
+        V part[P] = {};
+        const auto add = [&](Index k, V& sum) {
+            const auto x = load<Vec<S, N>>(s[k] + at + i);
+            if constexpr (Products)
+                sum += convert<A>(convert<double>(x) * splat<Vec<double, N>>(weight[k]));
+            else
+                sum = fma(widened<A>(x), splat<V>(static_cast<A>(weight[k])), sum);
+        };
+        Index k = 0;
+        for (; k + P <= n; k += P)
+            for (int p = 0; p < P; p++)
+                add(k + p, part[p]);
+        if (P == 2 && k < n)
+            add(k, part[0]);
+        if constexpr (P == 2)
+            part[0] += part[1];
+        store(out + i, convert<O>(part[0]));
+    });
+}
+
+// ---- Pixels ---------------------------------------------------------------------------------------------------------
+
+// The row's pixels from .. from + n - 1 as S, those outside by the edges. inside(at, count, to) makes those inside.
+template<class S, class F> QVR_INLINE void layPixels(const qvrColumns* c, Index from, Index n, S* to, const F& inside)
+{
+    const Index nc = c->channels, low = clampIndex(from, c->length), high = clampIndex(from + n - 1, c->length) + 1;
+    const Index left = low > from ? (low - from < n ? low - from : n - 1) : 0;
+    const Index right = from + n - high > 0 ? (from + n - high < n ? from + n - high : n - 1) : 0;
+    inside(low * nc, (n - left - right) * nc, to + left * nc);
+    for (Index i = left * nc - 1; i >= 0; i--)
+        to[i] = to[i + nc];
+    for (Index i = (n - right) * nc; i < n * nc; i++)
+        to[i] = to[i - nc];
+}
+template<class T, class S>
+__attribute__((noinline)) void fetch(const qvrColumns* c, const char* row, Index from, Index n, S* to)
+{
+    layPixels(c, from, n, to, [&](Index at, Index count, S* inside) {
+        const T* const p = reinterpret_cast<const T*>(row) + at;
+        eachBlock<S>(count, [&]<int N>(Index i) { store(inside + i, widened<S>(load<Vec<T, N>>(p + i))); });
+    });
+}
+
+// Plane i of p: the pixels i, i + p, ... one behind the other, `length` elements after plane i - 1.
+template<class U> __attribute__((noinline)) void sortPlanes(const U* s, Index pixels, Index p, U* planes, Index length)
+{
+    Index done = 0; // of each plane
+    if constexpr (sizeof(U) <= 8) {
+        using V = Full<U>;
+        constexpr int N = kLanes<U>;
+        const auto halves = [](V a, V b, V& even, V& odd) {
+            even = evens(a, b);
+            odd = odds(a, b);
+        };
+        for (; p == 2 && 2 * (done + N) <= pixels; done += N) {
+            V even, odd;
+            halves(load<V>(s + 2 * done), load<V>(s + 2 * done + N), even, odd);
+            store(planes + done, even);
+            store(planes + length + done, odd);
+        }
+        for (; p == 4 && 4 * (done + N) <= pixels; done += N) {
+            V even[2], odd[2], plane[4];
+            for (int i = 0; i < 2; i++)
+                halves(load<V>(s + 4 * done + 2 * i * N), load<V>(s + 4 * done + (2 * i + 1) * N), even[i], odd[i]);
+            halves(even[0], even[1], plane[0], plane[2]);
+            halves(odd[0], odd[1], plane[1], plane[3]);
+            for (int i = 0; i < 4; i++)
+                store(planes + i * length + done, plane[i]);
+        }
+    }
+    for (Index i = 0; i < p; i++)
+        for (Index m = done, at = i + done * p; at < pixels; m++, at += p)
+            planes[i * length + m] = s[at];
+}
+
+// to[m q + f] = from[f][m] for `n` elements in all, `pitch` elements between the phases.
+struct PhaseOrder {
+    uint8_t at[3][16][16]; // of 2, 3 and 4 phases: block of the result by phase
+};
+constexpr PhaseOrder makePhaseOrder()
+{
+    PhaseOrder order{};
+    for (int q = 2; q <= 4; q++)
+        for (int i = 0; i < 16 * q * q; i++) {
+            const int byte = i / (16 * q) * 16 + i % 16;
+            order.at[q - 2][i / 16][i % 16] = static_cast<uint8_t>(byte % q == i / 16 % q ? byte / q : 128);
+        }
+    return order;
+}
+constexpr PhaseOrder kPhaseOrder = makePhaseOrder();
+template<class U> __attribute__((noinline)) void joinPhases(const U* from, Index pitch, Index q, Index n, U* to)
+{
+    Index m = 0;
+    if constexpr (kSsse3 && sizeof(U) == 1)
+        for (; q <= 4 && (m + 16) * q <= n; m += 16)
+            for (Index block = 0; block < q; block++) {
+                using B = Vec<uint8_t, 16>;
+                B bytes = {};
+                for (Index f = 0; f < q; f++)
+                    bytes |= shuffleBytes(load<B>(from + f * pitch + m), load<B>(kPhaseOrder.at[q - 2][block * q + f]));
+                store(to + m * q + 16 * block, bytes);
+            }
+    if constexpr (sizeof(U) == 4) {
+        using V = Full<float>;
+        constexpr int N = lanes<V>;
+        for (; q == 2 && (m + N) * q <= n; m += N) {
+            const V even = load<V>(from + m), odd = load<V>(from + pitch + m);
+            store(to + 2 * m, zipLo(even, odd));
+            store(to + 2 * m + N, zipHi(even, odd));
+        }
+    }
+    for (; q == 3 && (m + 1) * q <= n; m++)
+        for (int f = 0; f < 3; f++)
+            to[m * 3 + f] = from[f * pitch + m];
+    for (Index f = 0; f < q; f++)
+        for (Index i = m; i * q + f < n; i++)
+            to[i * q + f] = from[f * pitch + i];
+}
+template<class A> struct Four {
+    A v[4];
+};
+
+// Sums for the columns of all phases from column `from` on, `width` in all. s holds pixels from `base` on, `pixels` of
+// them. Output m of phase f goes to out(f) + m * channels.
+template<class A, int P, class Out>
+QVR_INLINE void addPhases(const qvrColumns* c, Index from, Index width, const A* s, Index base, Index pixels, A* planes,
+                          const Out& out)
+{
+    const Index nc = c->channels, q = c->phases, p = c->pixels, length = pixels / p + 1;
+    const A* plane = s;
+    if (p > 1) {
+        if (nc == 1)
+            sortPlanes(s, pixels, p, planes, length);
+        else
+            sortPlanes(reinterpret_cast<const Four<A>*>(s), pixels, p, reinterpret_cast<Four<A>*>(planes), length);
+        plane = planes;
+    }
+    const A* taps[kMostTaps];
+    for (Index f = 0; f < q && f < width; f++) {
+        const Index at = c->first[from + f] - base;
+        for (Index k = 0; k < c->count[f]; k++)
+            taps[k] = plane + ((at + k) % p * length + (at + k) / p) * nc;
+        addStreams<A, P, false>(taps, 0, static_cast<const A*>(c->weights) + f * c->stride, c->count[f], out(f),
+                                (width - f + q - 1) / q * nc);
+    }
+}
+
+// ---- Low pass: along a row ------------------------------------------------------------------------------------------
+
+// One column, lanes are the partial sums.
+template<class A, int P> QVR_INLINE void dot(const A* s, const A* w, Index n, Vec<A, P>& part)
+{
+    using V = Vec<A, P>;
+    Index k = 0;
+    for (; k + P <= n; k += P)
+        part = fma(load<V>(s + k), load<V>(w + k), part);
+    if (k < n) {
+        const int rest = static_cast<int>(n - k);
+        part = fma(loadPartial<V>(s + k, rest), loadPartial<V>(w + k, rest), part);
+    }
+}
+// One column of four channels, or of four rows side by side. The taps from `least` on may be beyond the n of the list;
+// that there are `most` for all columns keeps the processor's guesses right.
+template<class A, int P>
+QVR_INLINE void dotFours(const A* s, const A* w, Index n, Index least, Index most, Vec<A, 4> (&part)[P])
+{
+    using V = Vec<A, 4>;
+    const auto add = [&](int p, V x, V weight) { part[p] = fma(x, weight, part[p]); };
+    Index k = 0;
+    for (; k + P <= least; k += P)
+        for (int p = 0; p < P; p++)
+            add(p, load<V>(s + 4 * (k + p)), splat<V>(w[k + p]));
+    for (; k < most; k += P)
+        for (int p = 0; p < P; p++) {
+            const auto own = splat<Bits<V>>(k + p < n ? ~Elem<Bits<V>>{0} : 0);
+            const V x = load<V>(s + 4 * (k + p)), weight = splat<V>(w[k + p]);
+            add(p, bitcast<V>(bits(x) & own), bitcast<V>(bits(weight) & own));
+        }
+}
+template<class V, int P> QVR_INLINE V sumInOrder(const V (&part)[P])
+{
+    V sum = part[0];
+    for (int p = 1; p < P; p++)
+        sum += part[p];
+    return sum;
+}
+
+// put(x, sum) for the columns from .. to - 1, of whose pixels `nc` values each stand at s from pixel `base` on.
+template<int P, class A, class Put>
+QVR_INLINE void eachFour(const qvrColumns* c, Index from, Index to, const A* s, Index base, const Put& put)
+{
+    Index list = from % c->lists;
+    for (Index x = from; x < to; x++) {
+        Vec<A, 4> part[P] = {};
+        dotFours(s + (c->first[x] - base) * 4, static_cast<const A*>(c->weights) + list * c->stride, c->count[list],
+                 c->least, c->most, part);
+        put(x, sumInOrder(part));
+        list = list + 1 < c->lists ? list + 1 : 0;
+    }
+}
+
+template<class T> constexpr int kParts = sizeof(T) == 8 ? 8 : 2;
+
+template<class V> QVR_INLINE void turnFour(V (&v)[4])
+{
+    const V acl = zipLo(v[0], v[2]), ach = zipHi(v[0], v[2]), bdl = zipLo(v[1], v[3]), bdh = zipHi(v[1], v[3]);
+    v[0] = zipLo(acl, bdl);
+    v[1] = zipHi(acl, bdl);
+    v[2] = zipLo(ach, bdh);
+    v[3] = zipHi(ach, bdh);
+}
+// Four rows side by side, and apart again.
+void turnRows(const double* rows, Index pitch, Index n, double* to)
+{
+    for (Index i = 0; i < n; i += 4) {
+        Vec<double, 4> v[4];
+        for (int r = 0; r < 4; r++)
+            v[r] = load<Vec<double, 4>>(rows + r * pitch + i);
+        turnFour(v);
+        for (int k = 0; k < 4; k++)
+            store(to + 4 * (i + k), v[k]);
+    }
+}
+template<class L> void turnBack(const L* sums, Index n, char* const* lines, Index count, Index at)
+{
+    for (Index i = 0; i < n; i += 4) {
+        Vec<L, 4> v[4];
+        for (int k = 0; k < 4; k++)
+            v[k] = load<Vec<L, 4>>(sums + 4 * (i + k));
+        turnFour(v);
+        for (int r = 0; r < 4 && r < count; r++)
+            storeFirst(reinterpret_cast<L*>(lines[r]) + at + i, v[r], n - i < 4 ? static_cast<int>(n - i) : 4);
+    }
+}
+
+template<class T> void filterLowPass(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
+{
+    using L = Line<T>;
+    alignas(64) double s[kRoom + kPast], other[kRoom + kPast];
+    const Index nc = c->channels, q = c->phases, phase = (c->width + q - 1) / q * nc;
+    for (Index x = 0; x < c->width; x += c->chunk) {
+        const Index end = x + c->chunk < c->width ? x + c->chunk : c->width, base = c->first[x];
+        const Index pixels = c->first[end - 1] - base + c->most, pitch = qvrAlignUp(pixels, Index{4});
+        const bool four = nc == 1 && !c->planes;
+        for (Index r = 0; r < (four ? 4 : count); r++) {
+            L* const out = reinterpret_cast<L*>(lines[r < count ? r : 0]);
+            fetch<T>(c, rows[r < count ? r : 0], base, pixels, four ? other + r * pitch : s);
+            if (nc == 4 && !c->planes)
+                eachFour<kParts<T>>(c, x, end, s, base,
+                                    [&](Index i, auto sum) { store(out + 4 * i, convert<L>(sum)); });
+            if constexpr (sizeof(T) != 8)
+                if (c->planes)
+                    addPhases<double, 2>(c, x, end - x, s, base, pixels, other,
+                                         [&](Index f) { return out + f * phase + x / q * nc; });
+        }
+        if (four) {
+            turnRows(other, pitch, pixels, s);
+            L* const sums = reinterpret_cast<L*>(other);
+            eachFour<kParts<T>>(c, x, end, s, base,
+                                [&](Index i, auto sum) { store(sums + 4 * (i - x), convert<L>(sum)); });
+            for (Index k = 4 * (end - x); k % 16 != 0; k++)
+                sums[k] = 0;
+            turnBack(sums, end - x, lines, count, x);
+        }
+    }
+}
+
+template<class T>
+void addTaps(const qvrColumns* c, const char* row, Index from, Index n, const double* w, double* parts)
+{
+    double s[kRoom + kPast];
+    fetch<T>(c, row, from, n, s);
+    if (sizeof(T) == 1 && c->channels == 4) {
+        Vec<double, 4> part[2] = {load<Vec<double, 4>>(parts), load<Vec<double, 4>>(parts + 4)};
+        dotFours(s, w, n, n - n % 2, n, part);
+        store(parts, part[0]);
+        store(parts + 4, part[1]);
+    } else {
+        auto part = load<Vec<double, kParts<T>>>(parts);
+        dot<double, kParts<T>>(s, w, n, part);
+        store(parts, part);
+    }
+}
+
+// ---- Output rows ----------------------------------------------------------------------------------------------------
+
+__attribute__((noinline)) void roundBytes(const float* sum, Index n, uint8_t* dst)
+{
+    constexpr int N = 4 * kLanes<float>;
+    using V = Vec<float, N>;
+    Index i = 0;
+    for (; i + N <= n; i += N)
+        store(dst + i, packBytes(roundToByte(load<V>(sum + i))));
+    if (i < n)
+        storePartial(dst + i, packBytes(roundToByte(loadPartial<V>(sum + i, static_cast<int>(n - i)))),
+                     static_cast<int>(n - i));
+}
+
+// n columns of an output row from the sums of their phases, `pitch` elements apart.
+template<class A, class T> void finishPhases(const qvrColumns* c, const A* sum, Index pitch, Index n, T* dst)
+{
+    const Index nc = c->channels, q = c->phases;
+    const auto join = [&]<class U>(const U* from, Index apart, Index at, Index count) {
+        joinPhases(from, apart, q, count, reinterpret_cast<U*>(dst) + at);
+    };
+    if constexpr (sizeof(T) != 1) {
+        join(sum, pitch, 0, n);
+    } else if (q == 1) {
+        roundBytes(sum, n * nc, dst);
+    } else {
+        constexpr Index kStep = 64;
+        alignas(64) uint8_t values[8 * 4 * kStep];
+        for (Index m = 0; m * q < n; m += kStep) {
+            const Index rest = n - m * q, count = rest < kStep * q ? rest : kStep * q;
+            for (Index f = 0; f < q && f < count; f++)
+                roundBytes(sum + f * pitch + m * nc, (count - f + q - 1) / q * nc, values + f * kStep * nc);
+            if (nc == 1)
+                join(values, kStep, m * q, count);
+            else
+                join(reinterpret_cast<const uint32_t*>(values), kStep, m * q, count);
+        }
+    }
+}
+
+// The sums of a row's lines. Singles have one rounding less for each tap where products are fused.
+template<class T> void blendLowPass(const qvrColumns* c, const qvrRowTaps* rows, char* to)
+{
+    using L = Line<T>;
+    constexpr bool fused = kFma && sizeof(T) == 4;
+    using A = decltype(L{} + typename FloatOf < fused || sizeof(T) == 8 ? 8 : 4 > ::type{});
+    const Index nc = c->channels, q = c->phases, phase = (c->width + q - 1) / q, step = kChunk / (q * nc);
+    T* const dst = reinterpret_cast<T*>(to);
+    const auto add = [&](Index at, L* sum, Index n) {
+        addStreams<A, 1, !fused && sizeof(T) != 8>(reinterpret_cast<const L* const*>(rows->line), at, rows->weight,
+                                                   rows->count, sum, n);
+    };
+    if constexpr (sizeof(T) != 1)
+        if (q == 1)
+            return add(0, dst, c->width);
+    alignas(64) L sum[kChunk];
+    for (Index m = 0; m < phase; m += step) {
+        const Index rest = c->width - m * q, columns = rest < step * q ? rest : step * q;
+        for (Index f = 0; f < q && f < columns; f++)
+            add((f * phase + m) * nc, sum + f * step * nc, (columns - f + q - 1) / q * nc);
+        finishPhases(c, sum, step * nc, columns, dst + m * q * nc);
+    }
+}
+
+// ---- Low pass of bytes in singles -----------------------------------------------------------------------------------
+
+// Source rows as singles.
+void widenRows(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
+{
+    for (Index r = 0; r < count; r++)
+        fetch<uint8_t>(c, rows[r], c->lineFirst, c->linePixels, reinterpret_cast<float*>(lines[r]));
+}
+
+// The prescribed sum of one element.
+__attribute__((noinline)) float prescribedSum(const qvrColumns* c, const qvrRowTaps* rows, Index x, Index channel)
+{
+    using P = Vec<double, 2>;
+    float pixels[kMostTaps + 8], acc = 0;
+    P weights[kMostTaps / 2 + 4];
+    const Index list = x % c->lists, n = c->count[list], first = c->first[x], nc = c->channels;
+    const float* const w = static_cast<const float*>(c->weights) + list * c->stride;
+    for (Index i = 0; i < n; i += 2) // zeros follow
+        weights[i / 2] = convert<double>(load<Vec<float, 2>>(w + i));
+    const bool inside = nc == 1 && first >= c->lineFirst && first + n < c->lineFirst + c->linePixels;
+    for (Index t = 0; t < rows->count; t++) {
+        const float* line = reinterpret_cast<const float*>(rows->line[t]) + (first - c->lineFirst) * nc;
+        if (!inside) {
+            line -= first * nc;
+            for (Index i = 0; i <= n; i++)
+                pixels[i] = line[clampIndex(first + i, c->length) * nc + channel];
+            line = pixels;
+        }
+        P part = {};
+        for (Index i = 0; i < n; i += 2)
+            part += convert<double>(load<Vec<float, 2>>(line + i)) * weights[i / 2];
+        acc += static_cast<float>(static_cast<double>(static_cast<float>(part[0] + part[1])) * rows->weight[t]);
+    }
+    return acc;
+}
+
+// Sums too near to a step between two bytes are formed anew as prescribed.
+__attribute__((noinline)) void guardSums(const qvrColumns* c, const qvrRowTaps* rows, float* sum, Index from, Index n)
+{
+    const Index nc = c->channels;
+    using V = Full<float>;
+    constexpr int N = lanes<V>;
+    const V limit = splat<V>(0.5f - rows->guard);
+    const auto near = [&](Index i) {
+        const V v = load<V>(sum + i);
+        return abs(v - roundNearest(v)) > limit;
+    };
+    if (rows->guard == 0)
+        return;
+    for (Index k = n * nc; k % (2 * N) != 0; k++)
+        sum[k] = 0;
+    for (Index i = 0; i < n * nc; i += 2 * N) {
+        const auto first = near(i), second = near(i + N);
+        if (!anyTrue(first | second))
+            continue;
+        for (int half = 0; half < 2; half++)
+            for (uint32_t found = byteBits(half == 0 ? first : second); found != 0;) {
+                const int lane = __builtin_ctz(found) / 4;
+                const Index k = i + half * N + lane;
+                sum[k] = prescribedSum(c, rows, from + k / nc * c->phases, k % nc);
+                found &= ~(15u << 4 * lane);
+            }
+    }
+}
+
+// Along the sums of rows; behind a list there are zeros, as behind the pixels.
+void sumColumns(const qvrColumns* c, Index from, Index to, const float* s, Index base, float* sum)
+{
+    if (c->channels == 4)
+        return eachFour<2>(c, from, to, s, base, [&](Index x, auto four) { store(sum + 4 * (x - from), four); });
+    using V = Vec<float, 8>;
+    Index list = from % c->lists;
+    for (Index x = from; x < to; x += 4) {
+        Vec<float, 4> h[4] = {};
+        for (int i = 0; i < 4 && x + i < to; i++) {
+            V part = {};
+            const float* const w = static_cast<const float*>(c->weights) + list * c->stride;
+            for (Index k = 0; k < c->stride; k += 8)
+                part = fma(load<V>(s + (c->first[x + i] - base) + k), load<V>(w + k), part);
+            h[i] = lo(part) + hi(part);
+            list = list + 1 < c->lists ? list + 1 : 0;
+        }
+        const auto a = zipLo(h[0], h[1]) + zipHi(h[0], h[1]), b = zipLo(h[2], h[3]) + zipHi(h[2], h[3]);
+        store(sum + (x - from), shuffleBlocks<0, 1, 4, 5>(a, b) + shuffleBlocks<2, 3, 6, 7>(a, b));
+    }
+}
+
+void sumBytes(const qvrColumns* c, const qvrRowTaps* rows, char* dst)
+{
+    alignas(64) float s[kRoom + kPast], planes[kRoom + kPast], sum[kRoom + kPast];
+    const Index nc = c->channels, q = c->phases;
+    for (Index x = 0; x < c->width; x += c->chunk) {
+        const Index end = x + c->chunk < c->width ? x + c->chunk : c->width, base = c->first[x];
+        const Index pixels = c->first[end - 1] - base + c->most;
+        layPixels(c, base, pixels, s, [&](Index at, Index count, float* to) {
+            addStreams<float, 1, false>(reinterpret_cast<const float* const*>(rows->line), at - c->lineFirst * nc,
+                                        rows->single, rows->count, to, count);
+        });
+        const Index phase = qvrAlignUp((end - x + q - 1) / q * nc, Index{16});
+        if (c->planes) {
+            addPhases<float, 1>(c, x, end - x, s, base, pixels, planes, [&](Index f) { return sum + f * phase; });
+        } else {
+            for (Index k = 0; k < kPast; k++)
+                s[pixels * nc + k] = 0;
+            sumColumns(c, x, end, s, base, sum);
+        }
+        for (Index f = 0; f < q; f++) {
+            const Index n = (end - x - f + q - 1) / q;
+            guardSums(c, rows, sum + f * phase, x + f, n);
+        }
+        finishPhases(c, sum, phase, end - x, reinterpret_cast<uint8_t*>(dst) + x * nc);
+    }
+}
+
+// ---- Without antialiasing -------------------------------------------------------------------------------------------
+
+// Two or four neighbouring elements at each of the places at[0], at[1], ...
+template<class V, class T> QVR_INLINE void pairsAt(const T* s, const int32_t* at, V& first, V& second)
+{
+    pairColumns([=](int i) { return s + at[i]; }, first, second);
+}
+template<int NT, class V> QVR_INLINE void tapsAt(const Elem<V>* s, const int32_t* at, V* t)
+{
+    if constexpr (kAvx2 && lanes<V> == 8) {
+        // Enlarging: all of one tap come out of one load.
+        if (at[7] - at[0] < 8) {
+            const auto from = load<Vec<int32_t, 8>>(at) - at[0];
+            for (int k = 0; k < NT; k++)
+                t[k] = choose8(load<V>(s + at[0] + k), from);
+            return;
+        }
+    }
+    if constexpr (NT == 2 || lanes<V> == 1) {
+        for (int k = 0; k < NT; k += 2)
+            pairsAt(s + k, at, t[k], t[k + 1]);
+    } else if constexpr (sizeof(Elem<V>) == 4) {
+        fourColumns([=](int i) { return s + at[i]; }, t);
+        if constexpr (NT == 6)
+            pairsAt(s + 4, at, t[4], t[5]);
+    } else {
+        for (int k = 0; k < NT; k += 2)
+            pairsAt(s + k, at, t[k], t[k + 1]);
+    }
+}
+
+// One channel: neighbouring columns are the lanes.
+template<int NT, class A> void filterColumns(const qvrColumns* c, const A* s, Index from, Index to, A* line)
+{
+    const A* const w = static_cast<const A*>(c->weights);
+    const auto block = [&]<class V>(V, Index x) {
+        V t[NT], sum;
+        tapsAt<NT>(s, c->first + x, t);
+        if constexpr (NT == 2) {
+            sum = fma(t[1] - t[0], load<V>(w + x), t[0]);
+        } else {
+            sum = load<V>(w + x) * t[0];
+            for (int k = 1; k < NT; k++)
+                sum = fma(load<V>(w + k * c->width + x), t[k], sum);
+        }
+        store(line + x, sum);
+    };
+    Index x = from;
+    for (; x + kLanes<A> <= to; x += kLanes<A>)
+        block(Full<A>{}, x);
+    for (; x < to; x++)
+        block(Vec<A, 1>{}, x);
+    // A single column outside: no difference is formed.
+    if constexpr (NT == 2) {
+        for (x = from; x < to && c->first[x] < 0; x++)
+            line[x] = s[c->first[x]];
+        for (x = to; x > from && c->first[x - 1] >= c->length - 1; x--)
+            line[x - 1] = s[c->first[x - 1]];
+    }
+}
+
+// Four channels: one pixel in four lanes, two in eight.
+template<int NT> void filterPixels(const qvrColumns* c, const float* s, Index from, Index to, float* line)
+{
+    const float* const w = static_cast<const float*>(c->weights);
+    const auto block = [&]<int P>(Index x) {
+        const auto both = [&](const float* a, const float* b) {
+            if constexpr (P == 2)
+                return concat(load<Vec<float, 4>>(a), load<Vec<float, 4>>(b));
+            else
+                return load<Vec<float, 4>>(a);
+        };
+        using V = Vec<float, 4 * P>;
+        const float *const a = s + 4 * Index{c->first[x]}, *const b = s + 4 * Index{c->first[x + P - 1]};
+        const float *const u = w + x * NT, *const v = w + (x + P - 1) * NT;
+        V four = both(u, v), sum = shuffleBlocks<0, 0, 0, 0>(four) * both(a, b);
+        sum = fma(shuffleBlocks<1, 1, 1, 1>(four), both(a + 4, b + 4), sum);
+        sum = fma(shuffleBlocks<2, 2, 2, 2>(four), both(a + 8, b + 8), sum);
+        sum = fma(shuffleBlocks<3, 3, 3, 3>(four), both(a + 12, b + 12), sum);
+        if constexpr (NT == 6) {
+            // The last two taps are the last of the four from the third on.
+            four = both(u + 2, v + 2);
+            sum = fma(shuffleBlocks<2, 2, 2, 2>(four), both(a + 16, b + 16), sum);
+            sum = fma(shuffleBlocks<3, 3, 3, 3>(four), both(a + 20, b + 20), sum);
+        }
+        store(line + 4 * x, sum);
+    };
+    constexpr int P = kLanes<float> / 4;
+    Index x = from;
+    for (; x + P <= to; x += P)
+        block.template operator()<P>(x);
+    for (; x < to; x++)
+        block.template operator()<1>(x);
+}
+
+template<class T, int NC> void filterTaps(const qvrColumns* c, const char* const* row, char* const* line, Index count)
+{
+    using A = Line<T>;
+    alignas(64) A pixels[kRoom + kPast];
+    A* const out = reinterpret_cast<A*>(*line);
+    if (count > 1)
+        filterTaps<T, NC>(c, row + 1, line + 1, count - 1);
+    for (Index x = 0; x < c->width; x += c->chunk) {
+        const Index end = x + c->chunk < c->width ? x + c->chunk : c->width, base = c->first[x];
+        fetch<T>(c, *row, base, c->first[end - 1] - base + c->most, pixels);
+        const A* const s = pixels - base * NC;
+        if constexpr (NC == 4)
+            (c->most == 4 ? filterPixels<4> : filterPixels<6>)(c, s, x, end, out);
+        else
+            (c->most == 2   ? filterColumns<2, A>
+             : c->most == 4 ? filterColumns<4, A>
+                            : filterColumns<6, A>)(c, s, x, end, out);
+    }
+}
+
+template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, char* to)
+{
+    using A = Line<T>;
+    const Index n = c->width * c->channels;
+    const A* const* const line = reinterpret_cast<const A* const*>(rows->line);
+    T* const dst = reinterpret_cast<T*>(to);
+    if constexpr (sizeof(T) == 1) {
+        alignas(64) float sum[kChunk];
+        for (Index i = 0; i < n; i += kChunk) {
+            const Index count = n - i < kChunk ? n - i : kChunk;
+            addStreams<float, 1, false>(line, i, rows->single, rows->count, sum, count);
+            roundBytes(sum, count, dst + i);
+        }
+    } else if (rows->count == 2) {
+        const auto f = static_cast<A>(rows->weight[1]);
+        eachBlock<A>(n, [&]<int N>(Index i) {
+            using V = Vec<A, N>;
+            const V upper = load<V>(line[0] + i), lower = load<V>(line[1] + i);
+            store(dst + i, rows->apart ? fma(lower - upper, splat<V>(f), upper) : upper);
+        });
+    } else {
+        addStreams<A, 1, false>(line, 0, rows->weight, rows->count, dst, n);
+    }
+}
+
+constexpr qvrRowKernels kTaps[] = {
+    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr, nullptr, nullptr},
+    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr, nullptr, nullptr},
+    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, filterTaps<float, 1>, blendTaps<float>, nullptr, nullptr, nullptr},
+    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, filterTaps<double, 1>, blendTaps<double>, nullptr, nullptr, nullptr},
+};
+template<class T> constexpr qvrRowKernels lowPassKernels(int channels)
+{
+    constexpr int element = sizeof(T), line = sizeof(Line<T>);
+    return {element,          channels,        line,    qvrWeights_double, element == 8, kFma, kParts<T>,
+            filterLowPass<T>, blendLowPass<T>, nullptr, addTaps<T>,        nullptr};
+}
+constexpr qvrRowKernels kLowPass[] = {lowPassKernels<uint8_t>(1), lowPassKernels<uint8_t>(4), lowPassKernels<float>(1),
+                                      lowPassKernels<double>(1)};
+constexpr qvrRowKernels kSums[] = {
+    {1, 1, 4, qvrWeights_single, 0, kFma, 1, widenRows, sumBytes, nullptr, nullptr, &kLowPass[qvrPixel_8u_C1]},
+    {1, 4, 4, qvrWeights_single, 0, kFma, 1, widenRows, sumBytes, nullptr, nullptr, &kLowPass[qvrPixel_8u_C4]},
+};
+
+} // namespace
+
+extern "C" void SLOT(ownResizeTaps)(const qvrResizeBand* band, int pixel)
+{
+    qvrResizeSeparable(band, !band->lowPass            ? &kTaps[pixel]
+                             : pixel <= qvrPixel_8u_C4 ? &kSums[pixel]
+                                                       : &kLowPass[pixel]);
+}
