@@ -2,7 +2,7 @@
 PREFIX ?= /usr/local
 ONLY ?=
 
-.PHONY: demo test fuzz bench install uninstall python wheel package docs reproducible
+.PHONY: demo test fuzz bench install uninstall python wheel package package-test docs reproducible
 .DEFAULT_GOAL := demo
 
 demo:
@@ -46,10 +46,16 @@ wheel: python
 
 # Debian packages into build/packages.
 package:
-	scripts/packages.sh build package python
-	cmake --preset release -DQVR_TESTS=OFF -DQVR_PYTHON=ON
-	cmake --build --preset release
-	cd build/release && cpack -B ../packages
+	scripts/packages.sh build package python docs
+	scripts/docs.sh
+	cmake --preset package
+	cmake --build --preset package
+	rm -rf build/packages
+	cd build/package && cpack -B ../packages
+
+# The packages of the last `make package`: lintian, and installed, used and removed in a bare Debian. As root.
+package-test:
+	scripts/package_test.sh
 
 # Reference pages and guides into build/docs/html.
 docs:

@@ -43,7 +43,7 @@
 #include <stdint.h>
 
 #define MORVENQVR_VERSION_MAJOR 1 /**< changes with the binary interface, as the soname does */
-#define MORVENQVR_VERSION_MINOR 0 /**< changes with additions */
+#define MORVENQVR_VERSION_MINOR 1 /**< changes with additions */
 #define MORVENQVR_VERSION_PATCH 0 /**< changes with corrections */
 
 #ifdef __cplusplus

@@ -23,7 +23,7 @@ for _name in (*_FUNCTIONS, *_OBJECTS, *_BY_HAND):
     globals()[_name] = getattr(_core, _name)
 del _name
 
-__version__ = "1.0.0"
+__version__ = "1.1.0"
 __all__ = [*_FUNCTIONS, *_OBJECTS, *_BY_HAND, "Sections", "daubechies", "iir_highpass", "iir_lowpass", "second_order_sections",
            "upfirdn", "wavedec", "waverec", "ArgumentError", "ArrayError", "Error", "NoMemoryError", "StateError", "int16c", "METHODS"]
 __doc__ += "\nBy group of the library's reference:\n\n" + "".join(

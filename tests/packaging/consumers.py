@@ -2,8 +2,9 @@
 """The README's two programs, in C and in C++, against an installed copy, through pkg-config and through the CMake package.
 
     consumers.py install BUILD README WORK     from `cmake --install` into a prefix of its own
-    consumers.py debian BUILD README WORK      from the Debian packages, unpacked
-Both are built by pkg-config, by two compilers, and by the README's CMake file, to which the second is added.
+    consumers.py debian BUILD README WORK      from the Debian packages, unpacked, whose form is judged too
+Both are built by pkg-config, by two compilers, and by the README's CMake file, to which the second is added; what this made runs
+in every slot of this machine.
 """
 import os
 import re
@@ -34,34 +35,68 @@ def readmeBlocks(readme):
 def install(build, work):
     prefix = work / "prefix"
     run("cmake", "--install", build, "--prefix", prefix)
-    return prefix, {}
+    return prefix, "lib", {}
 
 
 def debian(build, work):
-    run("cpack", "-B", work / "packages", cwd=build)
-    packages = sorted((work / "packages").glob("*.deb"))
-    names = [run("dpkg-deb", "--field", p, "Package").strip() for p in packages]
-    assert names == ["libmorvenqvr-dev", "libmorvenqvr1"], names
-    depends = run("dpkg-deb", "--field", packages[1], "Depends")
-    for needed in ("libomp5-19", "libc6"):
-        assert needed in depends, depends
-    assert "stdc++" not in depends, depends
-    version = run("dpkg-deb", "--field", packages[1], "Version").strip()
-    assert f"libmorvenqvr1 (= {version})" in run("dpkg-deb", "--field", packages[0], "Depends")
+    # Two people at two times: the same bytes.
+    for name, mask, zone in (("packages", 0o022, "UTC"), ("again", 0o077, "Pacific/Auckland")):
+        run("cpack", "-B", work / name, cwd=build, umask=mask, env={**os.environ, "TZ": zone})
+    packages = {run("dpkg-deb", "--field", p, "Package").strip(): p for p in sorted((work / "packages").glob("*.deb"))}
+    assert {"libmorvenqvr1", "libmorvenqvr-dev", "libmorvenqvr-doc", "morvenqvr-tools", "libmorvenqvr1-dbgsym",
+            "morvenqvr-tools-dbgsym"} <= set(packages), packages
+    for p in packages.values():
+        assert p.read_bytes() == (work / "again" / p.name).read_bytes(), f"{p.name} differs from itself"
+    runtime, development = packages["libmorvenqvr1"], packages["libmorvenqvr-dev"]
+    depends = run("dpkg-deb", "--field", runtime, "Depends").strip()
+    assert re.fullmatch(r"libc6 \(>= [\d.]+\), libomp5-19 \| libomp-x\.y", depends), depends
+    version = run("dpkg-deb", "--field", runtime, "Version").strip()
+    assert f"libmorvenqvr1 (= {version})" in run("dpkg-deb", "--field", development, "Depends")
     root = work / "root"
-    for p in packages:
+    root.mkdir()
+    for name, p in packages.items():
+        alone = work / "alone" / name
+        alone.mkdir(parents=True)
+        run("dpkg-deb", "--extract", p, alone)
         run("dpkg-deb", "--extract", p, root)
-    runtime = [line.split()[-1] for line in run("dpkg-deb", "--contents", packages[1]).splitlines()]
-    assert not any(f.endswith((".h", ".hpp", ".so", ".pc", ".cmake")) for f in runtime), runtime
-    return root / "usr", {"PKG_CONFIG_SYSROOT_DIR": str(root)}
+        listed = [line.split(" -> ")[0].split()[-1] for line in run("dpkg-deb", "--contents", p).splitlines()]
+        if name in ("libmorvenqvr1", "libmorvenqvr-dev"):
+            misplaced = [f for f in listed if f.startswith("./usr/lib/") and f.count("/") > 3 and "/x86_64-linux-gnu/" not in f]
+            assert not misplaced, misplaced
+        if name == "libmorvenqvr1":
+            assert not any(f.endswith((".h", ".hpp", ".so", ".pc", ".cmake")) for f in listed), listed
+        if not name.endswith("-dbgsym"):
+            documents = alone / "usr/share/doc" / name
+            assert all((documents / f).stat().st_size > 100 for f in ("copyright", "changelog.gz", "changelog.Debian.gz")), name
+        # Each file by its begun KiB, every folder and link as one.
+        size = sum((f.lstat().st_size + 1023) // 1024 if f.is_file() and not f.is_symlink() else 1 for f in alone.rglob("*"))
+        assert size == int(run("dpkg-deb", "--field", p, "Installed-Size")), (name, size)
+    control = work / "control"
+    run("dpkg-deb", "--control", runtime, control)
+    assert "libmorvenqvr 1 libmorvenqvr1" in (control / "shlibs").read_text() and "ldconfig" in (control / "triggers").read_text()
+    assert len(re.findall(r"^ Morven_\w+@MORVENQVR 1\.0\.0$", (control / "symbols").read_text(), re.M)) == 213
+    # The library has given its symbols away, to the file of its build id.
+    library = root / "usr/lib/x86_64-linux-gnu/libmorvenqvr.so.1"
+    found = re.search(r"Build ID: (\w\w)(\w+)", run("readelf", "-n", library))
+    assert "qvrLoadHook" not in run("readelf", "-sW", library)
+    assert "qvrLoadHook" in run("readelf", "-sW", root / f"usr/lib/debug/.build-id/{found[1]}/{found[2]}.debug")
+    return root / "usr", "lib/x86_64-linux-gnu", {"PKG_CONFIG_SYSROOT_DIR": str(root)}
+
+
+def slots(build):
+    """The slots that this machine can run a program in: all up to its own, or none where CPUID cannot be made to fault."""
+    tool = build / "tools/morvenqvr-slot"
+    if subprocess.run([tool, "mx", "true"], capture_output=True).returncode == 125:
+        return []
+    return re.findall(r"^(\w\w) .* runs here$", run(tool, "--list"), re.M)
 
 
 def main():
-    kind, build, readme, work = sys.argv[1], sys.argv[2], sys.argv[3], Path(sys.argv[4])
+    kind, build, readme, work = sys.argv[1], Path(sys.argv[2]), sys.argv[3], Path(sys.argv[4])
     shutil.rmtree(work, ignore_errors=True)
     work.mkdir(parents=True)
-    prefix, environment = {"install": install, "debian": debian}[kind](build, work)
-    library = prefix / "lib"
+    prefix, libraries, environment = {"install": install, "debian": debian}[kind](build, work)
+    library = prefix / libraries
     environment = {**os.environ, **environment, "PKG_CONFIG_PATH": str(library / "pkgconfig")}
     loading = {**os.environ, "LD_LIBRARY_PATH": str(library)}
     soname = library / "libmorvenqvr.so.1"
@@ -90,6 +125,8 @@ def main():
     run("cmake", "--build", both / "build")
     for name in ("first", "second"):
         assert run(both / "build" / name, env=loading) == kExpected[name], name
+        for slot in slots(build):
+            assert run(build / "tools/morvenqvr-slot", slot, both / "build" / name, env=loading) == kExpected[name], (name, slot)
     print(f"{kind}: C and C++ programs by pkg-config and by CMake")
 
 
