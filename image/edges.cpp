@@ -2,7 +2,8 @@
 //
 // The row above, the row below, the columns to the left and right take the nearest produced pixel as `inner`, and the
 // covered fraction a of their side, corners the product of both: blend old + a (inner - old), fade a inner.
-#include "image/kernels.h"
+#include "frame/element.h"
+#include "image/plan.h"
 
 namespace {
 
@@ -37,49 +38,61 @@ template<class A, class T> T stored(A v, T)
     return v;
 }
 
-template<class T, int NC> struct Edges {
+int64_t clampIndex(int64_t i, int64_t length)
+{
+    return i < 0 ? 0 : i < length ? i : length - 1;
+}
+
+template<class T> struct Edges {
     char* at; // the first produced pixel
-    Index step, width, height;
+    int64_t step, width, height;
+    int channels;
     bool blend;
 
-    QVR_INLINE char* pixel(Index x, Index y) const { return at + y * step + x * (NC * static_cast<Index>(sizeof(T))); }
+    T* pixel(int64_t x, int64_t y) const
+    {
+        return reinterpret_cast<T*>(at + y * step + x * channels * static_cast<int64_t>(sizeof(T)));
+    }
     // The pixel at (x, y) from the produced one nearest to it.
-    void treat(Index x, Index y, double cover) const
+    void treat(int64_t x, int64_t y, double cover) const
     {
         using A = decltype(T{} + float{});
         const A a = static_cast<A>(cover);
-        const char* const inner = pixel(clampIndex(x, width), clampIndex(y, height));
-        char* const outer = pixel(x, y);
-        for (int k = 0; k < NC; k++) {
-            const A in = static_cast<A>(load<Vec<T, 1>>(inner + k * sizeof(T))[0]);
-            const A old = static_cast<A>(load<Vec<T, 1>>(outer + k * sizeof(T))[0]);
-            store(outer + k * sizeof(T), Vec<T, 1>{stored(blend ? old + a * (in - old) : a * in, T{})});
+        const T* const inner = pixel(clampIndex(x, width), clampIndex(y, height));
+        T* const outer = pixel(x, y);
+        for (int k = 0; k < channels; k++) {
+            const A in = static_cast<A>(get(inner, k)), old = static_cast<A>(get(outer, k));
+            put(outer, k, stored(blend ? old + a * (in - old) : a * in, T{}));
         }
     }
-    void row(Index y, double cover, double left, double right) const
+    void row(int64_t y, double cover, double left, double right) const
     {
         if (cover == 0)
             return;
-        for (Index x = 0; x < width; x++)
+        for (int64_t x = 0; x < width; x++)
             treat(x, y, cover);
         if (left != 0)
             treat(-1, y, left * cover);
         if (right != 0)
             treat(width, y, right * cover);
     }
-    void column(Index x, double cover) const
+    void column(int64_t x, double cover) const
     {
         if (cover != 0)
-            for (Index y = 0; y < height; y++)
+            for (int64_t y = 0; y < height; y++)
                 treat(x, y, cover);
     }
 };
 
-template<class T, int NC> void treatEdges(const qvrResizePlan* plan, char* dst, Index dstStep)
+template<class T> void treatEdges(const qvrResizePlan* plan, char* dst, int64_t step, int channels)
 {
-    constexpr Index pixelBytes = NC * static_cast<Index>(sizeof(T));
-    const Edges<T, NC> e = {dst + plan->y.first * dstStep + plan->x.first * pixelBytes, dstStep, plan->x.count,
-                            plan->y.count, (plan->flags & qvriEdgeBlend) != 0};
+    const int64_t pixelBytes = channels * static_cast<int64_t>(sizeof(T));
+    const Edges<T> e = {dst + plan->y.first * step + plan->x.first * pixelBytes,
+                        step,
+                        plan->x.count,
+                        plan->y.count,
+                        channels,
+                        (plan->flags & qvriEdgeBlend) != 0};
     const double left = coverBefore(plan->xMinF), right = coverBehind(plan->xMaxF);
     e.row(-1, coverBefore(plan->yMinF), left, right);
     e.row(e.height, coverBehind(plan->yMaxF), left, right);
@@ -89,7 +102,12 @@ template<class T, int NC> void treatEdges(const qvrResizePlan* plan, char* dst, 
 
 } // namespace
 
-extern "C" void SLOT(ownResizeEdges)(const qvrResizePlan* plan, char* dst, int64_t dstStep, int pixel)
+extern "C" void qvrResizeEdges(const qvrResizePlan* plan, char* dst, int64_t dstStep, int pixel)
 {
-    byPixel(pixel, [&]<class T, int NC>() { treatEdges<T, NC>(plan, dst, dstStep); });
+    if (pixel <= qvrPixel_8u_C4)
+        treatEdges<uint8_t>(plan, dst, dstStep, pixel == qvrPixel_8u_C1 ? 1 : 4);
+    else if (pixel == qvrPixel_32f_C1)
+        treatEdges<float>(plan, dst, dstStep, 1);
+    else
+        treatEdges<double>(plan, dst, dstStep, 1);
 }

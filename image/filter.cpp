@@ -9,6 +9,8 @@
 #include "image/kernels.h"
 #include "image/separable.h"
 
+#define QVR_APART __attribute__((noinline))
+
 namespace {
 
 constexpr Index kRoom = QVR_RESIZE_ROOM, kPast = QVR_RESIZE_PAST;
@@ -48,7 +50,7 @@ template<class A, int R = 8, class F> QVR_INLINE void eachBlock(Index count, con
 
 // out[i] = sum of s[k][i] weight[k]. Products: each is rounded to a single, as the contract adds up rows.
 template<class A, int P, bool Products, class S, class W, class O>
-__attribute__((noinline)) void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count)
+QVR_APART void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count)
 {
     eachBlock<A, 8 / P>(count, [&]<int N>(Index i) {
         using V = Vec<A, N>;
@@ -86,8 +88,7 @@ template<class S, class F> QVR_INLINE void layPixels(const qvrColumns* c, Index 
     for (Index i = (n - right) * nc; i < n * nc; i++)
         to[i] = to[i - nc];
 }
-template<class T, class S>
-__attribute__((noinline)) void fetch(const qvrColumns* c, const char* row, Index from, Index n, S* to)
+template<class T, class S> QVR_APART void fetch(const qvrColumns* c, const char* row, Index from, Index n, S* to)
 {
     layPixels(c, from, n, to, [&](Index at, Index count, S* inside) {
         const T* const p = reinterpret_cast<const T*>(row) + at;
@@ -96,7 +97,7 @@ __attribute__((noinline)) void fetch(const qvrColumns* c, const char* row, Index
 }
 
 // Plane i of p: the pixels i, i + p, ... one behind the other, `length` elements after plane i - 1.
-template<class U> __attribute__((noinline)) void sortPlanes(const U* s, Index pixels, Index p, U* planes, Index length)
+template<class U> QVR_APART void sortPlanes(const U* s, Index pixels, Index p, U* planes, Index length)
 {
     Index done = 0; // of each plane
     if constexpr (sizeof(U) <= 8) {
@@ -142,7 +143,7 @@ constexpr PhaseOrder makePhaseOrder()
     return order;
 }
 constexpr PhaseOrder kPhaseOrder = makePhaseOrder();
-template<class U> __attribute__((noinline)) void joinPhases(const U* from, Index pitch, Index q, Index n, U* to)
+template<class U> QVR_APART void joinPhases(const U* from, Index pitch, Index q, Index n, U* to)
 {
     Index m = 0;
     if constexpr (kSsse3 && sizeof(U) == 1)
@@ -338,7 +339,7 @@ void addTaps(const qvrColumns* c, const char* row, Index from, Index n, const do
 
 // ---- Output rows ----------------------------------------------------------------------------------------------------
 
-__attribute__((noinline)) void roundBytes(const float* sum, Index n, uint8_t* dst)
+QVR_APART void roundBytes(const float* sum, Index n, uint8_t* dst)
 {
     constexpr int N = 4 * kLanes<float>;
     using V = Vec<float, N>;
@@ -410,7 +411,7 @@ void widenRows(const qvrColumns* c, const char* const* rows, char* const* lines,
 }
 
 // The prescribed sum of one element.
-__attribute__((noinline)) float prescribedSum(const qvrColumns* c, const qvrRowTaps* rows, Index x, Index channel)
+QVR_APART float prescribedSum(const qvrColumns* c, const qvrRowTaps* rows, Index x, Index channel)
 {
     using P = Vec<double, 2>;
     float pixels[kMostTaps + 8], acc = 0;
@@ -437,7 +438,7 @@ __attribute__((noinline)) float prescribedSum(const qvrColumns* c, const qvrRowT
 }
 
 // Sums too near to a step between two bytes are formed anew as prescribed.
-__attribute__((noinline)) void guardSums(const qvrColumns* c, const qvrRowTaps* rows, float* sum, Index from, Index n)
+QVR_APART void guardSums(const qvrColumns* c, const qvrRowTaps* rows, float* sum, Index from, Index n)
 {
     const Index nc = c->channels;
     using V = Full<float>;

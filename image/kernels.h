@@ -13,8 +13,6 @@ QVR_HIDDEN void SLOT(ownResizeLinear_8u)(const qvrResizeBand* band, int pixel);
 QVR_HIDDEN void SLOT(ownResizeTaps)(const qvrResizeBand* band, int pixel); // all other separable methods
 QVR_HIDDEN void SLOT(ownResizeSuper)(const qvrResizeBand* band, int pixel);
 
-QVR_HIDDEN void SLOT(ownResizeEdges)(const qvrResizePlan* plan, char* dst, int64_t dstStep, int pixel);
-
 } // extern "C"
 
 namespace {

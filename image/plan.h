@@ -78,6 +78,9 @@ QVR_HIDDEN qvrStatus qvrResizeBufferBytes(qvriRect srcRoi, qvriRect dstRoi, int 
 // Number of threads that a buffer of less than 2 GiB and the budget allow.
 QVR_HIDDEN int32_t qvrResizeThreads(int32_t threadBytes);
 
+// The pixels round the produced block that the source covers in part.
+QVR_HIDDEN void qvrResizeEdges(const qvrResizePlan* plan, char* dst, int64_t dstStep, int pixel);
+
 // The source pixel under the centre of destination pixel d, clamped into the image.
 QVR_HIDDEN int32_t qvrNearestIndex(const qvrResizeAxis* axis, int64_t d);
 

@@ -63,7 +63,7 @@ qvrStatus resize(const void* src, qvriSize srcSize, int srcStep, qvriRect srcRoi
         });
     }
     if (plan.flags & (qvriEdgeBlend | qvriEdgeFade))
-        SLOT(ownResizeEdges)(&plan, static_cast<char*>(dst), dstStep, pixel);
+        qvrResizeEdges(&plan, static_cast<char*>(dst), dstStep, pixel);
     return status;
 }
 

@@ -13,6 +13,8 @@
 #include "frame/lookup.h"
 #include "image/halve.h"
 
+#define QVR_APART __attribute__((noinline))
+
 namespace {
 
 // Rows of bytes that 16-bit sums hold.
@@ -136,11 +138,11 @@ template<class T, class V> QVR_INLINE void sumFloats(const Super<double>& s, con
     store(line + i, sum);
 }
 
-// The line for the source pixels from .. from + n - 1.
-template<class T, int NC, class A> void makeLine(const Super<A>& s, Index from, Index n)
+// The line for `n` elements of the source row's element `from` on.
+template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from, Index n)
 {
-    constexpr int N = sizeof(T) == 1 ? 64 : 8;
-    const T* const p = reinterpret_cast<const T*>(sourceRow(s.band, s.rows.first)) + from * NC;
+    constexpr int N = 4 * kLanes<A>;
+    const T* const p = reinterpret_cast<const T*>(sourceRow(s.band, s.rows.first)) + from;
     const auto block = [&]<class V>(Index at, V v) {
         if constexpr (sizeof(T) == 1)
             sumBytes(s, p, at, s.line, v);
@@ -148,11 +150,9 @@ template<class T, int NC, class A> void makeLine(const Super<A>& s, Index from, 
             sumFloats(s, p, at, s.line, v);
     };
     Index i = 0;
-    for (; i + N <= n * NC; i += N)
+    for (; i + N <= n; i += N)
         block(i, Vec<A, N>{});
-    for (; i + 4 <= n * NC; i += 4)
-        block(i, Vec<A, 4>{});
-    for (; i < n * NC; i++)
+    for (; i < n; i++)
         block(i, Vec<A, 1>{});
     for (Index k = 0; k < kPast; k++)
         s.line[i + k] = 0;
@@ -176,7 +176,7 @@ template<class T, class A, class V> QVR_INLINE void putOutput(const Super<A>& s,
 
 // An output longer than the line, or one of many pixels, which are then at `line`.
 template<class T, int NC, class A>
-void longOutput(const Super<A>& s, const qvrCover& c, Index room, const A* line, T* dst)
+QVR_APART void longOutput(const Super<A>& s, const qvrCover& c, Index room, const A* line, T* dst)
 {
     using P = Vec<A, NC>;
     Pairwise<P> between;
@@ -185,7 +185,7 @@ void longOutput(const Super<A>& s, const qvrCover& c, Index room, const A* line,
     for (Index from = 0; from < c.count; from += room) {
         const Index to = c.count - from < room ? c.count : from + room;
         if (line == nullptr)
-            makeLine<T, NC>(s, c.first + from, to - from);
+            makeLine<T>(s, (c.first + from) * NC, (to - from) * NC);
         const A* p = line == nullptr ? s.line : line;
         for (Index j = from; j < to; j++, p += NC) {
             const P pixel = load<P>(p);
@@ -223,7 +223,7 @@ template<int N, class A> QVR_INLINE Vec<A, N> sumTaps(const Super<A>& s, const S
     return sum;
 }
 
-template<class T, int NC, class A> void stripOutputs(const Super<A>& s, const Strip<A>& strip, T* dst)
+template<class T, int NC, class A> QVR_APART void stripOutputs(const Super<A>& s, const Strip<A>& strip, T* dst)
 {
     const Index outputs = strip.to - strip.from;
     Index x = 0;
@@ -329,7 +329,7 @@ template<int NC> QVR_INLINE void addAlong(uint16_t* words, Index width, Index ou
 }
 
 // The outputs of a row of whole blocks; false if they are not small.
-template<int NC, class A> QVR_INLINE bool smallBlocks(const Super<A>& s, const Strip<A>& strip, uint8_t* dst)
+template<int NC> QVR_APART bool smallBlocks(const Super<float>& s, const Strip<float>& strip, uint8_t* dst)
 {
     Index width = s.x.p;
     const Index rows = s.y.p, outputs = strip.to - strip.from, n = outputs * NC, pixels = width * rows;
@@ -355,13 +355,13 @@ template<int NC, class A> QVR_INLINE bool smallBlocks(const Super<A>& s, const S
         const auto shift = static_cast<uint16_t>(__builtin_ctzll(static_cast<unsigned long long>(pixels)));
         each([&](Index i, auto w) { store(dst + i, convert<uint8_t>((w + half) >> shift)); });
     } else {
-        each([&](Index i, auto w) { putOutput(s, dst + i, convert<A>(convert<int32_t>(w))); });
+        each([&](Index i, auto w) { putOutput(s, dst + i, convert<float>(convert<int32_t>(w))); });
     }
     return true;
 }
 
 // The strip from output `from` on, as far as columns and line reach; empty if not even one output fits.
-template<class T, int NC, class A> void makeStrip(const Super<A>& s, Index from, Strip<A>& strip)
+template<class A> QVR_APART void makeStrip(const Super<A>& s, Index from, bool neighbours, Strip<A>& strip)
 {
     const qvrResizeBand* const b = s.band;
     strip.from = strip.to = from;
@@ -381,7 +381,7 @@ template<class T, int NC, class A> void makeStrip(const Super<A>& s, Index from,
         strip.tail[x] = c.tail;
         most = c.count > most ? c.count : most;
     }
-    strip.taps = sizeof(T) == 1 && NC == 1 && s.x.inv <= kTaps - 1 ? qvrAlignUp(most, Index{4}) : 0;
+    strip.taps = neighbours && s.x.inv <= kTaps - 1 ? qvrAlignUp(most, Index{4}) : 0;
     for (Index x = 0; x < strip.to - from; x++)
         for (Index k = 0; k < strip.taps; k++) {
             const Index last = strip.count[x] - 1;
@@ -403,7 +403,7 @@ template<class T, int NC, class A> void superBand(Super<A>& s)
     };
     Strip<A> strip;
     for (Index x = 0; x < width; x = strip.to) {
-        makeStrip<T, NC>(s, x, strip);
+        makeStrip(s, x, sizeof(T) == 1 && NC == 1, strip);
         if (strip.to == x) {
             qvrCover c;
             qvrCoverOf(&s.x, s.whole, b->x.first + x, &c);
@@ -413,10 +413,10 @@ template<class T, int NC, class A> void superBand(Super<A>& s)
         } else {
             for (Index n = 0; n < b->y.count; n++) {
                 T* const dst = output(n, x);
-                if constexpr (sizeof(T) == 1)
+                if constexpr (sizeof(A) == 4)
                     if (smallBlocks<NC>(s, strip, dst))
                         continue;
-                makeLine<T, NC>(s, strip.base, strip.span);
+                makeLine<T>(s, strip.base * NC, strip.span * NC);
                 stripOutputs<T, NC>(s, strip, dst);
             }
         }
