@@ -9,8 +9,6 @@
 #include "image/kernels.h"
 #include "image/separable.h"
 
-#define QVR_APART __attribute__((noinline))
-
 namespace {
 
 constexpr Index kRoom = QVR_RESIZE_ROOM, kPast = QVR_RESIZE_PAST;

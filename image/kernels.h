@@ -6,6 +6,9 @@
 #include "frame/simd.h"
 #include "image/plan.h"
 
+// A body of its own, where several calls would each have one.
+#define QVR_APART __attribute__((noinline))
+
 extern "C" {
 
 QVR_HIDDEN void SLOT(ownResizeNearest)(const qvrResizeBand* band, int pixel);

@@ -12,8 +12,7 @@
 // allows; an output that needs more is added up in pieces.
 #include "frame/lookup.h"
 #include "image/halve.h"
-
-#define QVR_APART __attribute__((noinline))
+#include "image/ratios.h"
 
 namespace {
 
@@ -434,6 +433,8 @@ template<class T, int NC> void super(const qvrResizeBand* b)
     s.mean = 1 / (qvrCoverSum(&s.x) * qvrCoverSum(&s.y));
     if constexpr (sizeof(T) == 1) {
         if (s.x.p == 2 && s.y.p == 2 && s.x.q == 1 && s.y.q == 1 && halveBand<NC>(b))
+            return;
+        if (averageRatios<NC>(b, &s.x, &s.y))
             return;
         // Sums are at most 255 times the parts of an output. sum / parts + 1/2 is a multiple of 1 / (2 parts): with
         // half of that more, no rounding takes it to the other side of a whole number.
