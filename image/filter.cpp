@@ -68,7 +68,10 @@ QVR_APART void addStreams(const S* const* s, Index at, const W* weight, Index n,
             add(k, part[0]);
         if constexpr (P == 2)
             part[0] += part[1];
-        store(out + i, convert<O>(part[0]));
+        if constexpr (sizeof(O) == 1)
+            store(out + i, packBytes(roundToByte(part[0])));
+        else
+            store(out + i, convert<O>(part[0]));
     });
 }
 
@@ -635,12 +638,7 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
     const A* const* const line = reinterpret_cast<const A* const*>(rows->line);
     T* const dst = reinterpret_cast<T*>(to);
     if constexpr (sizeof(T) == 1) {
-        alignas(64) float sum[kChunk];
-        for (Index i = 0; i < n; i += kChunk) {
-            const Index count = n - i < kChunk ? n - i : kChunk;
-            addStreams<float, 1, false>(line, i, rows->single, rows->count, sum, count);
-            roundBytes(sum, count, dst + i);
-        }
+        addStreams<float, 1, false>(line, 0, rows->single, rows->count, dst, n);
     } else if (rows->count == 2) {
         const auto f = static_cast<A>(rows->weight[1]);
         eachBlock<A>(n, [&]<int N>(Index i) {

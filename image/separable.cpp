@@ -56,12 +56,41 @@ struct Job {
     bool exact; // bytes: sums of singles with the columns' weights are exact, if those of rows are short, too
 };
 
-// A period's lists of weights for rows, as far as they are made.
-struct RowLists {
-    double kept[kRun];
+// Weights that are made already: of a low pass the lists of a period, else those of some fractions.
+struct KnownWeights {
+    double list[kRun];
+    double fraction[kRun / 8]; // of list k, from 8 k on; negative: none
     bool made[kRun];
     Index lists;
 };
+void startKnown(const qvrFilter* f, KnownWeights& known)
+{
+    known.lists = f->period > 0 && f->period <= kRun / f->most ? f->period : 0;
+    for (Index i = 0; i < known.lists; i++)
+        known.made[i] = false;
+    for (double& fraction : known.fraction)
+        fraction = -1;
+}
+
+// All weights of position d, in `other` if they are not known.
+const double* weightsOf(const qvrFilter* f, KnownWeights& known, Index d, qvrTaps& taps, double* other)
+{
+    double* w = other;
+    bool made = false;
+    if (!f->lowPass) {
+        const Index slot = static_cast<Index>(taps.fraction * 65521) % (kRun / 8);
+        w = known.list + 8 * slot;
+        made = known.fraction[slot] == taps.fraction;
+        known.fraction[slot] = taps.fraction;
+    } else if (known.lists > 0) {
+        w = known.list + d % known.lists * f->most;
+        made = known.made[d % known.lists];
+        known.made[d % known.lists] = true;
+    }
+    if (!made)
+        qvrWeightsOf(f, &taps, 0, taps.count, w);
+    return w;
+}
 
 // True if sums of bytes with the weights are exact in single, as those with eighths of 32.
 bool areShort(const double* w, Index count)
@@ -171,6 +200,8 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
 {
     c.magnitude = 0;
     c.least = c.most;
+    KnownWeights known;
+    startKnown(&j.x, known);
     j.exact = true;
     for (Index x = 0; x < c.width; x++) {
         if (x >= c.lists) {
@@ -179,10 +210,16 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
         }
         qvrTaps taps;
         qvrTapsOf(&j.x, from + x, &taps);
-        double w[kRun], magnitude = 0;
+        double other[kRun], magnitude = 0;
+        if (!j.x.lowPass) {
+            storeWeights(j, c, x, taps, weightsOf(&j.x, known, from + x, taps, other), 0, taps.count);
+            c.first[x] = static_cast<int32_t>(taps.first);
+            continue;
+        }
         for (Index t = 0; t < taps.count; t += kRun) {
             const Index n = least(taps.count - t, kRun);
-            qvrWeightsOf(&j.x, &taps, t, n, w);
+            const double* const w = other;
+            qvrWeightsOf(&j.x, &taps, t, n, other);
             storeWeights(j, c, x, taps, w, t, n);
             for (Index i = 0; i < n; i++)
                 magnitude += magnitudeOf(w[i]);
@@ -206,20 +243,6 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
         c.magnitude = magnitude > c.magnitude ? magnitude : c.magnitude;
     }
     c.lineFirst = clampIndex(c.first[0], c.length - c.linePixels + 1);
-}
-
-// The weights of row d, kept if there are few lists.
-const double* rowWeights(const qvrFilter* f, RowLists& lists, Index d, qvrTaps& taps, double* other)
-{
-    if (lists.lists == 0) {
-        qvrWeightsOf(f, &taps, 0, taps.count, other);
-        return other;
-    }
-    double* const w = lists.kept + d % lists.lists * f->most;
-    if (!lists.made[d % lists.lists])
-        qvrWeightsOf(f, &taps, 0, taps.count, w);
-    lists.made[d % lists.lists] = true;
-    return w;
 }
 
 // A list longer than the room, one run of pixels after the other.
@@ -286,10 +309,8 @@ void resizeColumns(Job& j, Index from, Index width)
     r.rows.single = singles;
     layOut(j, width, space, r);
     makeColumns(j, b->x.first + from, r.c);
-    RowLists lists;
-    lists.lists = j.y.period > 0 && j.y.period <= kRun / j.y.most ? j.y.period : 0;
-    for (Index i = 0; i < lists.lists; i++)
-        lists.made[i] = false;
+    KnownWeights known;
+    startKnown(&j.y, known);
     qvrTaps last;
     qvrTapsOf(&j.y, b->y.first + b->y.count - 1, &last);
     const Index end = clampIndex(last.first + last.count - 1, j.y.length) + 1;
@@ -297,7 +318,7 @@ void resizeColumns(Job& j, Index from, Index width)
     for (Index n = 0; n < b->y.count; n++) {
         qvrTaps taps;
         qvrTapsOf(&j.y, b->y.first + n, &taps);
-        const double* w = rowWeights(&j.y, lists, b->y.first + n, taps, r.rows.weight);
+        const double* w = weightsOf(&j.y, known, b->y.first + n, taps, r.rows.weight);
         if (sumsFirst(k))
             guardRow(j, r.c, taps, w, r.rows);
         const Index low = clampIndex(taps.first, j.y.length);
