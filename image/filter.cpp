@@ -5,6 +5,7 @@
 // the tap's number in its list, added in order; rows add up acc += float(double(line) * weight), taps ascending.
 //
 // Pixels outside the image are those of its edge: they are laid round the part of a row that is at hand.
+#include "frame/element.h"
 #include "frame/lookup.h"
 #include "image/kernels.h"
 #include "image/separable.h"
@@ -167,10 +168,10 @@ template<class U> QVR_APART void joinPhases(const U* from, Index pitch, Index q,
     }
     for (; q == 3 && (m + 1) * q <= n; m++)
         for (int f = 0; f < 3; f++)
-            to[m * 3 + f] = from[f * pitch + m];
+            put(to, m * 3 + f, from[f * pitch + m]);
     for (Index f = 0; f < q; f++)
         for (Index i = m; i * q + f < n; i++)
-            to[i * q + f] = from[f * pitch + i];
+            put(to, i * q + f, from[f * pitch + i]);
 }
 template<class A> struct Four {
     A v[4];
@@ -621,7 +622,9 @@ template<class T, int NC> void filterTaps(const qvrColumns* c, const char* const
     for (Index x = 0; x < c->width; x += c->chunk) {
         const Index end = x + c->chunk < c->width ? x + c->chunk : c->width, base = c->first[x];
         fetch<T>(c, *row, base, c->first[end - 1] - base + c->most, pixels);
-        const A* const s = pixels - base * NC;
+        // Where pixel 0 would be.
+        const A* const s = reinterpret_cast<const A*>(reinterpret_cast<uintptr_t>(pixels) -
+                                                      static_cast<uintptr_t>(base * NC) * sizeof(A));
         if constexpr (NC == 4)
             (c->most == 4 ? filterPixels<4> : filterPixels<6>)(c, s, x, end, out);
         else

@@ -249,6 +249,64 @@ TEST(ResizePlace, MeansOfExtremeFactors)
     check(Source<double, 1>{64, 48});
 }
 
+// ---- What low-pass weights preserve ---------------------------------------------------------------------------------
+
+constexpr int kLowPass[] = {qvriInterLinear,          qvriInterCubic,       qvriInterCubicBSpline,
+                            qvriInterCubicCatmullRom, qvriInterCubicB05C03, qvriInterLanczos};
+
+// The sum of all weights is one, so a constant stays that constant.
+TEST(ResizePlace, LowPassOfConstants)
+{
+    const auto check = [&]<class T>(T value, double units) {
+        const Source<T, 1> s = {97, 61, std::vector<T>(97 * 61, value)};
+        for (int method : kLowPass)
+            for (double f : {0.5, 0.75, 1.0 / 3, 0.3, 0.123456789, 1.0, 1.7, 0.02})
+                slots::each(tableOf<T, 1>(), [&](auto resize, int) {
+                    const int dw = int(97 * f + 0.5), dh = std::max(1, int(61 * f + 0.5));
+                    std::vector<T> got(size_t(dw) * dh, value);
+                    resizeInto(resize, s, {0, 0, 97, 61}, got, dw, {0, 0, dw, dh}, f, f, 0.17, 0.29,
+                               method | int(qvriAntialias));
+                    for (T v : got)
+                        ASSERT_NEAR(double(v), double(value), units) << "method " << method << " factor " << f;
+                });
+    };
+    for (uint8_t value : {0, 1, 77, 128, 255})
+        check(value, 0);
+    check(100.0f, 4 * 0x1p-17);
+    check(100.0, 16 * 0x1p-46);
+}
+
+// A ramp stays a ramp: pixel j holds j, so an output holds its centre. Exactly where the weights balance round it, as
+// those of a triangle of whole width do; the others are off by less than a tenth of the step between outputs.
+TEST(ResizePlace, LowPassOfRamps)
+{
+    const int width = 240, height = 12;
+    Source<double, 1> ramp = {width, height};
+    for (int i = 0; i < width * height; i++)
+        ramp.values[size_t(i)] = i % width;
+    const Source<float, 1> single = {width, height, std::vector<float>(ramp.values.begin(), ramp.values.end())};
+    const Source<uint8_t, 1> byte = {width, height, std::vector<uint8_t>(ramp.values.begin(), ramp.values.end())};
+    const auto check = [&]<class T>(const Source<T, 1>& s, int method, double inv) {
+        const int dw = int(width / inv), margin = int(std::ceil(4 * std::max(1.0, 1 / inv)));
+        const bool exact = method == qvriInterLinear && inv == std::floor(inv);
+        const double unit = sizeof(T) == 1 ? 0.5001 : sizeof(T) == 4 ? 1e-4 : 1e-11;
+        slots::each(tableOf<T, 1>(), [&](auto resize, int) {
+            std::vector<T> got(size_t(dw) * height);
+            resizeInto(resize, s, {0, 0, width, height}, got, dw, {0, 0, dw, height}, 1 / inv, 1, 0, 0,
+                       method | int(qvriAntialias));
+            for (int x = margin; x < dw - margin; x++)
+                ASSERT_NEAR(double(got[size_t(x)]), (x + 0.5) * inv, unit + (exact ? 0 : 0.1 * inv))
+                    << "method " << method << " step " << inv << " x " << x;
+        });
+    };
+    for (int method : kLowPass)
+        for (double inv : {1.0, 2.0, 3.0, 5.0, 4.0 / 3, 2.56, 0.5, 0.37}) {
+            check(ramp, method, inv);
+            check(single, method, inv);
+            check(byte, method, inv);
+        }
+}
+
 // ---- Low-pass sums against long doubles -----------------------------------------------------------------------------
 
 long double lowPassKernelExactly(int method, long double t)

@@ -1,7 +1,7 @@
 // One resize call on images between unreadable pages, every byte of the destination compared with the model.
 #pragma once
 
-#include "image/resize_model.h"
+#include "model/resize.h"
 #include "image/slot_tables.h"
 #include "support/guarded.h"
 #include "support/slots.h"

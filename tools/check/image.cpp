@@ -4,7 +4,7 @@
 #include "trial.h"
 
 #ifdef QVR_REFERENCE
-#include "image/resize_model.h"
+#include "model/resize.h"
 #endif
 
 using namespace check;
