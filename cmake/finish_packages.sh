@@ -113,6 +113,12 @@ for deb; do
         set_field "$root" Depends "$(field "$root" Depends), $(dependencies "$root"), libomp5-19 | libomp-x.y"
         set_field "$root" Multi-Arch foreign
         ;;
+    python3-morvenqvr)
+        # Byte code is made when the package is installed, and goes with it.
+        printf '#!/bin/sh\nset -e\n[ "$1" != configure ] || ! command -v py3compile >/dev/null || py3compile -p %s\n' "$package" >"$root/DEBIAN/postinst"
+        printf '#!/bin/sh\nset -e\n! command -v py3clean >/dev/null || py3clean -p %s\n' "$package" >"$root/DEBIAN/prerm"
+        chmod 755 "$root"/DEBIAN/{postinst,prerm}
+        ;;
     libmorvenqvr-doc) set_field "$root" Multi-Arch foreign ;;
     esac
     if [ -n "$ids" ]; then

@@ -51,7 +51,7 @@ set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "signal- and image-processing prim
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-morvenqvr)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
-    "${library} (>= ${PROJECT_VERSION}), libc6, python3 (>= 3.11), python3 (<< 3.12), python3-numpy (>= 1:1.24)")
+    "${library} (>= ${PROJECT_VERSION}), libc6, python3 (>= 3.11), python3 (<< 3.12), python3-numpy (>= 1:1.24), python3-numpy-abi9")
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION "signal- and image-processing primitives on numpy arrays
  The Python package morvenqvr: the functions of libmorvenqvr on numpy arrays,
  without copies, and objects for transforms, filters and resizing.")

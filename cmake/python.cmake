@@ -11,7 +11,7 @@ file(GLOB python_files CONFIGURE_DEPENDS ${python_sources}/*.* ${python_sources}
 set(python_built ${PROJECT_BINARY_DIR}/python)
 add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/python.stamp
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${python_built}
-    COMMAND ${CMAKE_COMMAND} -E env CC=${CMAKE_C_COMPILER} MORVENQVR_HEADER=${PROJECT_SOURCE_DIR}/include/morvenqvr.h
+    COMMAND ${CMAKE_COMMAND} -E env CC=${CMAKE_C_COMPILER} "CFLAGS=${CMAKE_C_FLAGS}" MORVENQVR_HEADER=${PROJECT_SOURCE_DIR}/include/morvenqvr.h
             MORVENQVR_LIBRARY=$<TARGET_FILE:morvenqvr> MORVENQVR_GENERATED=${PROJECT_BINARY_DIR}/python_work/made
             ${QVR_PYTHON_EXECUTABLE} -B -W ignore setup.py -q build --build-base ${PROJECT_BINARY_DIR}/python_work --build-lib ${python_built}
     COMMAND ${CMAKE_COMMAND} -E touch ${PROJECT_BINARY_DIR}/python.stamp

@@ -85,5 +85,5 @@ diff /tmp/before /tmp/after || { echo "files are left or missing"; exit 1; }
 echo "removed without a trace"
 EOF
 export root
-unshare --mount bash -c 'mount -t proc proc "$root/proc" 2>/dev/null || true; mount --bind /dev "$root/dev" 2>/dev/null || true; exec chroot "$root" bash /root/try.sh'
+unshare --mount bash -c 'mount -t proc proc "$root/proc" 2>/dev/null || true; mount --bind /dev "$root/dev" 2>/dev/null || true; exec env -i HOME=/root TERM=dumb PATH=/usr/sbin:/usr/bin:/sbin:/bin chroot "$root" bash /root/try.sh'
 rm -rf "$root"
