@@ -118,6 +118,20 @@ def test_cluster():
     assert result.shape == whole.shape and apart(result, whole) < 1e-6
 
 
+def test_guide():
+    """The lines of docs/python.md run."""
+    import re
+    import morvenqvr as qvr
+    text = (Path(os.environ["QVR_SOURCE"]) / "docs/python.md").read_text()
+    blocks = re.findall(r"```python\n(.*?)```", text, re.S)
+    names = {"np": np, "qvr": qvr, "signal_rows": np.ones((3, 1024), "f4"), "stream": [np.ones(10000, "f4")] * 3, "play": len,
+             "grey_image": np.ones((768, 1024), "u1")}
+    assert len(blocks) == 3
+    for block in blocks:
+        exec(block, names)
+    assert len(names["parts"][0]) == 10000 // 147 * 160
+
+
 @pytest.mark.parametrize("name", ["live_filter.py", "spectrogram.py", "denoise.py", "thumbnails.py", "cluster.py"])
 def test_help(name):
     assert "usage" in run(name, "--help")
