@@ -1,5 +1,5 @@
 # The Python package, in the folder python/ of the build: target `python`, part of `all` where tests or the package need it.
-option(QVR_PYTHON "Install and package the Python package" OFF)
+option(QVR_PYTHON "Make the Debian package of the Python package" OFF)
 if(QVR_SANITIZE)
     return()
 endif()
@@ -25,8 +25,6 @@ if(QVR_TESTS OR QVR_PYTHON)
 endif()
 add_custom_target(python ${in_all} DEPENDS ${PROJECT_BINARY_DIR}/python.stamp)
 
-if(QVR_PYTHON)
-    # The installed package finds the installed library.
-    install(DIRECTORY ${python_built}/morvenqvr DESTINATION lib/python3/dist-packages COMPONENT python
-        PATTERN libmorvenqvr.so.1 EXCLUDE PATTERN __pycache__ EXCLUDE)
-endif()
+# For the Debian package alone; there the package finds the installed library.
+install(DIRECTORY ${python_built}/morvenqvr DESTINATION lib/python3/dist-packages COMPONENT python EXCLUDE_FROM_ALL
+    PATTERN libmorvenqvr.so.1 EXCLUDE PATTERN __pycache__ EXCLUDE)
