@@ -31,7 +31,7 @@ header = first("header", [os.environ["MORVENQVR_HEADER"]] if "MORVENQVR_HEADER" 
                [here.parent / "include/morvenqvr.h", "/usr/local/include/morvenqvr.h", "/usr/include/morvenqvr.h"])
 os.chdir(here)
 made = Path(os.path.relpath(os.environ.get("MORVENQVR_GENERATED", "build/generated"), here))
-generate.main(header, made)
+version = generate.main(header, made)
 
 
 class Build(build_py):
@@ -67,4 +67,4 @@ extension = Extension(
 
 [extension] = cythonize([extension], include_path=[str(made), "morvenqvr"], build_dir=str(made / "c"), language_level=3, force=True)
 extension.sources = [os.path.relpath(source) for source in extension.sources]
-setup(cmdclass={"build_py": Build}, ext_modules=[extension], options={"egg_info": {"egg_base": str(made)}})
+setup(version=version, cmdclass={"build_py": Build}, ext_modules=[extension], options={"egg_info": {"egg_base": str(made)}})

@@ -191,6 +191,7 @@ def main(header_path, folder):
                 by_function[function.name, name] = choices
     write(folder / "_generated.py", "\n".join([
         '"""Made from morvenqvr.h."""',
+        f"VERSION = {header.version!r}",
         f"STATUSES = {header.statuses!r}",
         f"SELECTORS = {by_function!r}",
         f"CONSTANTS = {({k: v for k, v in header.constants.items() if v not in header.statuses or not k.startswith(('qvrErr', 'qvrWarn', 'qvrOk'))})!r}",
@@ -201,6 +202,7 @@ def main(header_path, folder):
         f"FUNCTIONS = {[name for name in found if not name.startswith('_')]!r}",
     ]) + "\n")
     write(folder / "__init__.pyi", stubs(found, header))
+    return header.version
 
 
 def write(path, text):

@@ -47,6 +47,7 @@ class Header:
     exports: dict = field(default_factory=dict)
     groups: dict = field(default_factory=dict)  # name -> (title, text)
     constants: dict = field(default_factory=dict)  # enumerator -> value
+    version: str = ""
     statuses: dict = field(default_factory=dict)  # value -> (name, meaning)
 
 
@@ -68,6 +69,7 @@ def parameter(text):
 def read(path):
     header = Header()
     source = open(path, encoding="utf-8").read()
+    header.version = ".".join(re.findall(r"#define MORVENQVR_VERSION_(?:MAJOR|MINOR|PATCH) (\d+)", source))
     group = ""
     token = re.compile(r"/\*\*(?P<comment>.*?)\*/|enum \{(?P<enum>.*?)\};|"
                        r"^(?P<returns>[\w ]+?[\w*]) ?(?P<star>\*?)Morven_(?P<name>\w+)\((?P<parameters>[^)]*)\);", re.S | re.M)

@@ -13,7 +13,7 @@ never warn.
 from . import _core
 from ._core import LIBRARY, INT16C as int16c, METHODS
 from ._errors import ArgumentError, ArrayError, Error, NoMemoryError, StateError, Warning
-from ._generated import EXPORTS as _EXPORTS, FUNCTIONS as _FUNCTIONS, GROUPS, STATUSES
+from ._generated import EXPORTS as _EXPORTS, FUNCTIONS as _FUNCTIONS, GROUPS, STATUSES, VERSION
 from .design import (Sections, daubechies, iir_highpass, iir_lowpass, second_order_sections, upfirdn, wavedec, waverec)
 
 _OBJECTS = ("RealFFT", "Hilbert", "Wavelet", "FIR", "IIR", "FIRMultirate", "Resize")
@@ -23,7 +23,7 @@ for _name in (*_FUNCTIONS, *_OBJECTS, *_BY_HAND):
     globals()[_name] = getattr(_core, _name)
 del _name
 
-__version__ = "1.1.0"
+__version__ = VERSION
 __all__ = [*_FUNCTIONS, *_OBJECTS, *_BY_HAND, "Sections", "daubechies", "iir_highpass", "iir_lowpass", "second_order_sections",
            "upfirdn", "wavedec", "waverec", "ArgumentError", "ArrayError", "Error", "NoMemoryError", "StateError", "int16c", "METHODS"]
 __doc__ += "\nBy group of the library's reference:\n\n" + "".join(

@@ -414,6 +414,8 @@ cdef object run(const QvrGroup* g, PyObject** inputs, object out, PyObject** ext
         for k in range(m):
             if types[k] >= 0 and op[k].data == op[m].data and same_place(&op[k], &op[m]):
                 over |= 1 << k
+    elif g.needsOut:
+        raise ArrayError(name_of(g.name), None, "out", "wanted an array; got None")
     elif dtype is not None:
         wanted = kInt16c.num if dtype is kInt16c else numpy.dtype(dtype).num
     if accuracy is not None:

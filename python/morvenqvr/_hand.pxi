@@ -48,6 +48,17 @@ cdef int integer(object function, object name, object value, long low, long high
     return number
 
 
+cdef tuple several(object function, object name, object values, int count):
+    """So many values in a row, as (height, width)."""
+    try:
+        found = tuple(values)
+    except TypeError:
+        raise ArrayError(function, None, name, f"wanted {count} numbers; got {type(values).__name__}") from None
+    if len(found) != count:
+        raise ArgumentError(function, "qvrErrBadSize", name, f"wanted {count} numbers; got {len(found)}")
+    return found
+
+
 cdef double real(object function, object name, object value) except? -1:
     try:
         return value
@@ -255,6 +266,7 @@ def block_min_max(x, block, *, copy=False):
     x = taken("block_min_max", "x", x, cnp.NPY_SHORT, 2, copy, &s)
     cdef int height = integer("block_min_max", "x", s.dims[0], 1, kLongestRow, "qvrErrBadSize")
     cdef int width = integer("block_min_max", "x", s.dims[1], 1, kLongestRow, "qvrErrBadSize")
+    block = several("block_min_max", "block", block, 2)
     cdef int block_height = integer("block_min_max", "block", block[0], 1, kLongestRow, "qvrErrBadSize")
     cdef int block_width = integer("block_min_max", "block", block[1], 1, kLongestRow, "qvrErrBadSize")
     cdef int step = integer("block_min_max", "x", s.strides[0] if height > 1 else 2 * width, -kLongestRow, kLongestRow, "qvrErrBadStep")

@@ -15,7 +15,7 @@ cdef int selector(object function, object method, object antialias, object edge)
 
 cdef int rectangle(object function, object name, object region, object shape, QvrRect* r) except -1:
     """(top, left, height, width), or the whole image for None."""
-    top, left, height, width = (0, 0, shape[0], shape[1]) if region is None else region
+    top, left, height, width = (0, 0, shape[0], shape[1]) if region is None else several(function, name, region, 4)
     r.x, r.y = integer(function, name, left, 0, kLongestRow, "qvrErrBadSize"), integer(function, name, top, 0, kLongestRow, "qvrErrBadSize")
     r.width, r.height = integer(function, name, width, 1, kLongestRow, "qvrErrBadSize"), integer(function, name, height, 1, kLongestRow, "qvrErrBadSize")
     return 0
@@ -68,7 +68,8 @@ cdef class Resize(_Owner):
                  shift=(0.0, 0.0), source_region=None, region=None):
         cdef int bytes_ = 0, status
         f = "Resize"
-        self.arguments = (tuple(source_shape), tuple(shape))
+        source_shape, shape = several(f, "source_shape", source_shape, 2), several(f, "shape", shape, 2)
+        self.arguments = source_shape, shape
         self.keywords = dict(method=method, antialias=antialias, edge=edge, dtype=numpy.dtype(dtype).str, channels=channels,
                              factors=factors, shift=shift, source_region=source_region, region=region)
         self.source_size.height = integer(f, "source_shape", source_shape[0], 1, kLongestRow, "qvrErrBadSize")
@@ -85,7 +86,8 @@ cdef class Resize(_Owner):
         rectangle(f, "region", region, shape, &self.roi)
         if self.roi.x + <long>self.roi.width > self.size.width or self.roi.y + <long>self.roi.height > self.size.height:
             raise ArgumentError(f, "qvrErrBadSize", "region", f"wanted a region of the result; got {region}")
-        factors = (shape[0] / source_shape[0], shape[1] / source_shape[1]) if factors is None else factors
+        factors = (shape[0] / source_shape[0], shape[1] / source_shape[1]) if factors is None else several(f, "factors", factors, 2)
+        shift = several(f, "shift", shift, 2)
         self.yFactor, self.xFactor = real(f, "factors", factors[0]), real(f, "factors", factors[1])
         if not (self.yFactor > 0 and self.xFactor > 0 and self.yFactor * 0 == 0 and self.xFactor * 0 == 0):
             raise ArgumentError(f, "qvrErrBadFactor", "factors")
@@ -171,9 +173,7 @@ def resize(image, shape, *, method="cubic", antialias=False, edge=None, copy=Fal
         raise ArrayError("resize", None, "image", f"wanted an array; got {type(image).__name__}")
     if array.ndim not in (2, 3) or array.ndim == 3 and array.shape[2] != 4:
         raise ArgumentError("resize", "qvrErrBadChannels", "image", f"wanted (height, width) or (height, width, 4); got {describe(array)}")
-    sizes = tuple(shape)
-    if len(sizes) != 2:
-        raise ArgumentError("resize", "qvrErrBadSize", "shape", f"wanted (height, width); got {shape}")
+    sizes = several("resize", "shape", shape, 2)
     if 0 in array.shape[:2] or 0 in sizes:
         return numpy.zeros(sizes + array.shape[2:], array.dtype)
     factors = [size / length for size, length in zip(sizes, array.shape)]
@@ -216,7 +216,8 @@ def resize_region(image, out, factors, *, region=None, shape=None, method="cubic
         raise ArgumentError(f, None, "out", "wanted a writable array; got a read-only one")
     apart(f, "image", image, &s, out, &t)
     rectangle(f, "region", region, image.shape, &roi)
-    shape = (out.shape[0] - roi.y, out.shape[1] - roi.x) if shape is None else shape
+    shape = (out.shape[0] - roi.y, out.shape[1] - roi.x) if shape is None else several(f, "shape", shape, 2)
+    factors = several(f, "factors", factors, 2)
     size.height = integer(f, "shape", shape[0], 1, kLongestRow, "qvrErrBadSize")
     size.width = integer(f, "shape", shape[1], 1, kLongestRow, "qvrErrBadSize")
     if roi.x + <long>size.width > t.dims[1] or roi.y + <long>size.height > t.dims[0]:

@@ -38,6 +38,8 @@ def _poles(a):
 
 
 def _poles_warned(function, a):
+    if not numpy.isfinite(a).all():
+        raise ArgumentError(function, None, "cutoff", "wanted finite numbers; the coefficients are not")
     poles = numpy.roots(a)
     if poles.size and not abs(poles).max() < 0.9:
         poles = _poles(a)
@@ -207,13 +209,27 @@ def daubechies(moments):
     return low, inverse_high[::-1].copy(), reconstruct, inverse_high
 
 
+def _bank(function, wavelet, count):
+    """The first taps of a filter bank."""
+    taps = list(wavelet)[:count] if isinstance(wavelet, (list, tuple)) else []
+    if len(taps) < count or any(numpy.ndim(t) != 1 or len(t) < 2 for t in taps):
+        raise ArgumentError(function, "qvrErrBadSize", "wavelet", f"wanted {count} filters of two taps or more, as of daubechies")
+    return [numpy.asarray(t, numpy.float32) for t in taps]
+
+
 def wavedec(x, wavelet, levels, *, copy=False):
     """Coefficients of a whole float32 signal with zeros round it: [approximation, details from coarse to fine].
 
         wavelet: (low, high, ...) taps, as of daubechies
         levels: how often the approximation is split again
     """
-    taps = [numpy.asarray(t, numpy.float32) for t in wavelet[:2]]
+    taps = _bank("wavedec", wavelet, 2)
+    if not isinstance(levels, (int, numpy.integer)) or levels < 0:
+        raise ArgumentError("wavedec", "qvrErrBadSize", "levels", f"wanted an integer from 0; got {levels!r}")
+    if not isinstance(x, numpy.ndarray) and copy:
+        x = numpy.asarray(x, numpy.float32)
+    if not isinstance(x, numpy.ndarray) or x.ndim != 1:
+        raise ArrayError("wavedec", None, "x", f"wanted an array of float32 and one axis; got {type(x).__name__}")
     details = []
     for _ in range(levels):
         with _core.Wavelet(*taps) as stream:
@@ -228,7 +244,9 @@ def wavedec(x, wavelet, levels, *, copy=False):
 
 def waverec(coefficients, wavelet, *, copy=False):
     """The signal of wavedec's coefficients; of an odd length the last sample is one too many."""
-    taps = [numpy.asarray(t, numpy.float32) for t in wavelet]
+    taps = _bank("waverec", wavelet, 4)
+    if not isinstance(coefficients, (list, tuple)) or not coefficients or any(numpy.ndim(c) != 1 for c in coefficients):
+        raise ArgumentError("waverec", "qvrErrBadSize", "coefficients", "wanted a list of arrays, as wavedec gives it")
     x = coefficients[0]
     for detail in coefficients[1:]:
         x = x[:len(detail)]

@@ -1,5 +1,6 @@
 """The wheel, which carries the shared object, and the Debian package, which finds the installed one."""
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -7,7 +8,8 @@ import zipfile
 from pathlib import Path
 
 ROOT, BUILD = Path(os.environ["QVR_SOURCE"]), Path(os.environ["QVR_BUILD"])
-TRY = "import numpy, morvenqvr; print(morvenqvr.LIBRARY); assert morvenqvr.add(numpy.float32([1, 2]), 1).sum() == 5"
+VERSION = ".".join(re.findall(r"#define MORVENQVR_VERSION_(?:MAJOR|MINOR|PATCH) (\d+)", (ROOT / "include/morvenqvr.h").read_text()))
+TRY = "import numpy, morvenqvr; assert morvenqvr.__version__; print(morvenqvr.LIBRARY); assert morvenqvr.add(numpy.float32([1, 2]), 1).sum() == 5"
 
 
 def run(*command, **options):
@@ -28,7 +30,7 @@ def test_wheel(tmp_path):
         env={**os.environ, "CC": "clang-19", "CFLAGS": "-O0", "MORVENQVR_HEADER": str(ROOT / "include/morvenqvr.h"),
              "MORVENQVR_LIBRARY": str(BUILD / "libmorvenqvr.so.1")})
     wheel, = (tmp_path / "wheel").glob("*.whl")
-    assert wheel.name.startswith("morvenqvr-1.0.0-cp3") and "linux_x86_64" in wheel.name
+    assert wheel.name.startswith(f"morvenqvr-{VERSION}-cp3") and "linux_x86_64" in wheel.name
     with zipfile.ZipFile(wheel) as archive:
         archive.extractall(tmp_path / "site")
         names = set(archive.namelist())
@@ -40,10 +42,10 @@ def test_wheel(tmp_path):
 
 def test_debian_package(tmp_path):
     run("cpack", "-B", tmp_path, "-D", "CPACK_COMPONENTS_ALL=python", cwd=BUILD)
-    package, = tmp_path.glob("*.deb")
+    package, = tmp_path.glob("python3-morvenqvr_*.deb")
     fields = {name: run("dpkg-deb", "--field", package, name).strip() for name in ("Package", "Depends", "Section", "Description")}
     assert fields["Package"] == "python3-morvenqvr" and fields["Section"] == "python"
-    for needed in ("libmorvenqvr1 (>= 1.0.0)", "python3-numpy", "python3 (>= 3.11)"):
+    for needed in (f"libmorvenqvr1 (>= {VERSION})", "python3-numpy", "python3 (>= 3.11)"):
         assert needed in fields["Depends"]
     run("dpkg-deb", "--extract", package, tmp_path / "root")
     folder = tmp_path / "root/usr/lib/python3/dist-packages"
