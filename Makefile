@@ -61,6 +61,6 @@ package-test:
 docs:
 	scripts/docs.sh
 
-# Two builds of the committed state must give the same bytes.
+# Two builds of the committed state must give the same bytes, packages too.
 reproducible:
 	scripts/reproducible.sh

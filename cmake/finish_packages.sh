@@ -5,6 +5,7 @@
 # Libraries and programs give their debug symbols to a package of their own; copyright and changelogs are added; dependencies
 # are read off the binaries, and those on the OpenMP runtime allow any of its versions; the exported symbols must be those on
 # record. Everything carries the date of the release (or SOURCE_DATE_EPOCH), so that the same sources give the same bytes.
+# QVR_PACKAGE_COMPRESSION is the level of xz.
 set -euo pipefail
 export LC_ALL=C TZ=UTC
 umask 022
@@ -84,7 +85,7 @@ build() { # root, file
     (cd "$1" && find . -type f ! -path './DEBIAN/*' -printf '%P\n' | sort | xargs -rd '\n' md5sum >DEBIAN/md5sums)
     chmod 644 "$1"/DEBIAN/{control,md5sums}
     touch -d "@$SOURCE_DATE_EPOCH" "$1" "$1"/DEBIAN "$1"/DEBIAN/*
-    dpkg-deb --root-owner-group -Zxz --build "$1" "$2" >/dev/null
+    dpkg-deb --root-owner-group -Zxz "-z${QVR_PACKAGE_COMPRESSION:-6}" --build "$1" "$2" >/dev/null
 }
 
 folder=$1

@@ -1,14 +1,18 @@
 #!/usr/bin/env bash
-# Builds the committed state twice, in folders of different names and depths, and compares the shared objects.
+# Builds the committed state twice, in folders of different names and depths, as for packages, and compares the shared objects
+# and the packages byte by byte.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/packages.sh build
+scripts/packages.sh build package
 rm -rf build/reproducible
 for folder in a another/deeper/folder; do
     mkdir -p "build/reproducible/$folder"
     git archive HEAD | tar -x -C "build/reproducible/$folder"
-    (cd "build/reproducible/$folder" && cmake --preset release -DQVR_TESTS=OFF >/dev/null &&
-        cmake --build --preset release -j "${JOBS:-$(nproc)}" >/dev/null)
+    (cd "build/reproducible/$folder" && cmake --preset package -DQVR_PYTHON=OFF >/dev/null &&
+        cmake --build --preset package -j "${JOBS:-$(nproc)}" >/dev/null && cd build/package && cpack -B ../packages >/dev/null 2>&1)
 done
-cmp build/reproducible/a/build/release/libmorvenqvr.so.1 build/reproducible/another/deeper/folder/build/release/libmorvenqvr.so.1
-echo "Both builds gave the same bytes: $(sha256sum build/reproducible/a/build/release/libmorvenqvr.so.1 | cut -d' ' -f1)"
+first=build/reproducible/a/build second=build/reproducible/another/deeper/folder/build
+cmp $first/package/libmorvenqvr.so.1 $second/package/libmorvenqvr.so.1
+diff -r $first/packages $second/packages -x _CPack_Packages
+(cd $first/packages && sha256sum -- *.deb)
+echo "Both builds gave the same bytes"

@@ -41,7 +41,7 @@ def install(build, work):
 def debian(build, work):
     # Two people at two times: the same bytes.
     for name, mask, zone in (("packages", 0o022, "UTC"), ("again", 0o077, "Pacific/Auckland")):
-        run("cpack", "-B", work / name, cwd=build, umask=mask, env={**os.environ, "TZ": zone})
+        run("cpack", "-B", work / name, cwd=build, umask=mask, env={**os.environ, "TZ": zone, "QVR_PACKAGE_COMPRESSION": "0"})
     packages = {run("dpkg-deb", "--field", p, "Package").strip(): p for p in sorted((work / "packages").glob("*.deb"))}
     assert {"libmorvenqvr1", "libmorvenqvr-dev", "libmorvenqvr-doc", "morvenqvr-tools", "libmorvenqvr1-dbgsym",
             "morvenqvr-tools-dbgsym"} <= set(packages), packages
