@@ -9,7 +9,6 @@ namespace bench {
     extern const PeerFunction plain_##family##_mx[], plain_##family##_m7[], plain_##family##_u8[],                     \
         plain_##family##_n8[], plain_##family##_y8[], plain_##family##_e9[], plain_##family##_l9[];
 QVR_PLAIN_TABLES(vector)
-QVR_PLAIN_TABLES(vector_fixed)
 QVR_PLAIN_TABLES(filters)
 QVR_PLAIN_TABLES(fourier)
 QVR_PLAIN_TABLES(elementary)
@@ -20,8 +19,8 @@ QVR_PLAIN_TABLES(image)
      plain_##family##_y8, plain_##family##_e9, plain_##family##_l9}
 
 namespace {
-const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(vector_fixed), QVR_PLAIN_ROW(filters),
-                                         QVR_PLAIN_ROW(fourier), QVR_PLAIN_ROW(elementary), QVR_PLAIN_ROW(image)};
+const PeerFunction* const kPlain[][7] = {QVR_PLAIN_ROW(vector), QVR_PLAIN_ROW(filters), QVR_PLAIN_ROW(fourier),
+                                         QVR_PLAIN_ROW(elementary), QVR_PLAIN_ROW(image)};
 } // namespace
 
 #ifdef QVR_HAVE_EIGEN

@@ -34,6 +34,13 @@ void visitPeerFunctions(const std::function<void(const char*, const char*)>& vis
         #name, reinterpret_cast<void (*)()>(static_cast<decltype(&Morven_##name)>(name))                               \
     }
 
+// The same by the model of that name.
+#define QVR_MODEL(name)                                                                                                \
+    bench::PeerFunction                                                                                                \
+    {                                                                                                                  \
+        #name, reinterpret_cast<void (*)()>(static_cast<decltype(&Morven_##name)>(model::name))                        \
+    }
+
 #define QVR_PEER_PASTE2(a, b) a##b
 #define QVR_PEER_PASTE(a, b) QVR_PEER_PASTE2(a, b)
 

@@ -5,6 +5,7 @@
 
 #include "bench/peers.h"
 #include "filters/iir_state_record.h"
+#include "model/filters.h"
 
 #define RESTRICT __restrict
 
@@ -38,29 +39,11 @@ qvrStatus qvrsIIR_64f(const double* src, double* dst, int n, qvrsIIRState_64f* s
     return 0;
 }
 
-// Each window copied and its middle selected.
-qvrStatus medianBySelection(float* x, int n, int mask)
-{
-    const int h = mask / 2;
-    float* in = new float[n];
-    float* window = new float[mask];
-    memcpy(in, x, sizeof(float) * static_cast<size_t>(n));
-    for (int i = 1; i < n - 1; i++) {
-        for (int k = 0; k < mask; k++)
-            window[k] = in[std::clamp(i - h + k, 0, n - 1)];
-        std::nth_element(window, window + h, window + mask);
-        x[i] = window[h];
-    }
-    delete[] in;
-    delete[] window;
-    return 0;
-}
-
 // A sorted window with a binary search for the sample that leaves and the place of the one that enters.
 qvrStatus qvrsFilterMedian_32f_I(float* x, int n, int mask)
 {
     if (mask <= 5)
-        return medianBySelection(x, n, mask);
+        return model::qvrsFilterMedian_32f_I(x, n, mask);
     const int h = mask / 2;
     float* in = new float[n];
     float* sorted = new float[mask];
@@ -86,40 +69,14 @@ qvrStatus qvrsFilterMedian_32f_I(float* x, int n, int mask)
     return 0;
 }
 
-template<class T> qvrStatus down(const T* RESTRICT src, int n, T* RESTRICT dst, int* count, int factor, int* phase)
-{
-    int k = 0, i = *phase;
-    for (; i < n; i += factor)
-        dst[k++] = src[i];
-    *count = k;
-    *phase = i - n;
-    return 0;
-}
-qvrStatus qvrsSampleDown_32f(const float* src, int n, float* dst, int* count, int factor, int* phase)
-{
-    return down(src, n, dst, count, factor, phase);
-}
-qvrStatus qvrsSampleDown_16s(const int16_t* src, int n, int16_t* dst, int* count, int factor, int* phase)
-{
-    return down(src, n, dst, count, factor, phase);
-}
-qvrStatus qvrsSampleUp_32f(const float* src, int n, float* dst, int* count, int factor, int* phase)
-{
-    for (int i = 0; i < n; i++)
-        for (int k = 0; k < factor; k++)
-            dst[i * factor + k] = k == *phase ? src[i] : 0;
-    *count = n * factor;
-    return 0;
-}
-
 } // namespace
 
 namespace bench {
 
 extern const PeerFunction QVR_PEER_PASTE(plain_filters_, QVR_BENCH_LEVEL)[];
 const PeerFunction QVR_PEER_PASTE(plain_filters_, QVR_BENCH_LEVEL)[] = {
-    QVR_PEER(qvrsIIR_64f),        QVR_PEER(qvrsFilterMedian_32f_I), QVR_PEER(qvrsSampleDown_32f),
-    QVR_PEER(qvrsSampleDown_16s), QVR_PEER(qvrsSampleUp_32f),       {nullptr, nullptr},
+    QVR_PEER(qvrsIIR_64f),         QVR_PEER(qvrsFilterMedian_32f_I), QVR_MODEL(qvrsSampleDown_32f),
+    QVR_MODEL(qvrsSampleDown_16s), QVR_MODEL(qvrsSampleUp_32f),      {nullptr, nullptr},
 };
 
 } // namespace bench

@@ -6,6 +6,7 @@
 
 #include "bench/fourier/wavelet_taps.h"
 #include "bench/peers.h"
+#include "model/fourier.h"
 
 #define RESTRICT __restrict
 
@@ -36,17 +37,6 @@ qvrStatus qvrsConvBiased_32f(const float* RESTRICT a, int n1, const float* RESTR
         for (int k = first; k < end; k++)
             sum += a[k] * b[i - k];
         y[i] = sum;
-    }
-    return 0;
-}
-
-qvrStatus qvrsConvCyclic8x8_32f(const float* RESTRICT x, const float* RESTRICT h, float* RESTRICT y)
-{
-    for (int n = 0; n < 8; n++) {
-        float sum = 0;
-        for (int k = 0; k < 8; k++)
-            sum += x[k] * h[(n - k) & 7];
-        y[n] = sum;
     }
     return 0;
 }
@@ -116,7 +106,7 @@ namespace bench {
 
 extern const PeerFunction QVR_PEER_PASTE(plain_fourier_, QVR_BENCH_LEVEL)[];
 const PeerFunction QVR_PEER_PASTE(plain_fourier_, QVR_BENCH_LEVEL)[] = {
-    QVR_PEER(qvrsConv_32f),      QVR_PEER(qvrsConvBiased_32f), QVR_PEER(qvrsConvCyclic8x8_32f),
+    QVR_PEER(qvrsConv_32f),      QVR_PEER(qvrsConvBiased_32f), QVR_MODEL(qvrsConvCyclic8x8_32f),
     QVR_PEER(qvrsCrossCorr_32f), QVR_PEER(qvrsAutoCorr_32f),   QVR_PEER(qvrsWTFwd_32f),
     QVR_PEER(qvrsWTInv_32f),     {nullptr, nullptr},
 };

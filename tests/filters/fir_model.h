@@ -7,25 +7,14 @@
 
 #include "filters/fir_state_record.h"
 #include "filters/slot_tables.h"
+#include "model/filters.h"
 #include "support/guarded.h"
 #include "support/slots.h"
 #include "support/values.h"
 
 namespace fir {
 
-// Scaled by 2^-scale with the magnitude of the scale taken modulo 128, saturated, then rounded half away from zero.
-inline int16_t to16(double y, int scale)
-{
-    const int64_t magnitude = std::llabs(int64_t{scale}) % 128;
-    const double v = std::ldexp(y, static_cast<int>(scale < 0 ? magnitude : -magnitude));
-    if (std::isnan(v))
-        return 0;
-    if (v < -32768.0)
-        return -32768;
-    if (v > 32767.0)
-        return 32767;
-    return static_cast<int16_t>(std::trunc(v < 0 ? v - 0.5 : v + 0.5));
-}
+using model::roundedAway16;
 
 struct Form32f {
     using Tap = float;
@@ -156,7 +145,7 @@ template<class Form> struct Model {
 template<class Form> typename Form::Data delivered(double y, int scale)
 {
     if constexpr (std::is_same_v<typename Form::Data, int16_t>)
-        return to16(y, scale);
+        return roundedAway16(y, scale);
     else
         return static_cast<typename Form::Data>(y);
 }

@@ -1,6 +1,7 @@
 #include <memory>
 
 #include "fourier/slot_tables.h"
+#include "model/fourier.h"
 #include "support/allocation.h"
 #include "support/guarded.h"
 #include "support/slots.h"
@@ -12,51 +13,7 @@ namespace {
 using Signal = std::vector<float>;
 using Exact = long double;
 
-struct Filter {
-    Signal taps;
-    int offset = 0;
-    int length() const { return static_cast<int>(taps.size()); }
-};
-
-// ---- Models ---------------------------------------------------------------------------------------------------------
-
-float single(float a, float b)
-{
-    return a * b;
-}
-
-// y[n] = sum of taps[k] x[2n - offset - k] of a stream that starts with zeros.
-Signal forwardModel(const Filter& f, const Signal& x)
-{
-    Signal y(x.size() / 2);
-    for (size_t n = 0; n < y.size(); n++) {
-        Exact sum = 0;
-        for (size_t k = 0; k < f.taps.size(); k++) {
-            const int64_t t = static_cast<int64_t>(2 * n) - f.offset - static_cast<int64_t>(k);
-            if (t >= 0)
-                sum += single(f.taps[k], x[static_cast<size_t>(t)]);
-        }
-        y[n] = static_cast<float>(sum);
-    }
-    return y;
-}
-
-// x[t] = sum of taps[k] u[t - offset - k], u[2n] = y[n]; an offset of -1 acts as one of 1.
-Signal inverseModel(const Filter& f, const Signal& y)
-{
-    const int64_t delay = f.offset == -1 ? 1 : f.offset;
-    Signal x(2 * y.size());
-    for (size_t t = 0; t < x.size(); t++) {
-        Exact sum = 0;
-        for (size_t k = 0; k < f.taps.size(); k++) {
-            const int64_t u = static_cast<int64_t>(t) - delay - static_cast<int64_t>(k);
-            if (u >= 0 && u % 2 == 0)
-                sum += single(f.taps[k], y[static_cast<size_t>(u / 2)]);
-        }
-        x[t] = static_cast<float>(sum);
-    }
-    return x;
-}
+using Filter = model::Channel;
 
 // ---- States ---------------------------------------------------------------------------------------------------------
 
@@ -168,7 +125,7 @@ TEST(WaveletForward, FiltersAndHalves)
         for (int length : {1, 2, 3, 4, 5, 8, 9, 16, 31, 70})
             for (int offset : {-1, 0, 1, 2, 7, 50}) {
                 const Filter low = someFilter(length, offset, 1), high = someFilter(length / 2 + 3, 3 - length % 5, 2);
-                const Signal wantLow = forwardModel(low, x), wantHigh = forwardModel(high, x);
+                const Signal wantLow = model::halved(low, x), wantHigh = model::halved(high, x);
                 for (size_t b = 0; b < kBlocks.size(); b++) {
                     Object<Forward> object(slot, low, high);
                     const Bands got = analyse(slot, object.state, x, kBlocks[b], (b * 4) % 12);
@@ -186,7 +143,7 @@ TEST(WaveletInverse, DoublesAndFilters)
         for (int length : {1, 2, 3, 4, 5, 8, 9, 16, 31, 70})
             for (int offset : {-1, 0, 1, 2, 3, 7, 50}) {
                 const Filter low = someFilter(length, offset, 1), high = someFilter(length / 2 + 3, 3 - length % 5, 2);
-                const Signal one = inverseModel(low, y.low), two = inverseModel(high, y.high);
+                const Signal one = model::doubled(low, y.low), two = model::doubled(high, y.high);
                 for (size_t b = 0; b < kBlocks.size(); b++) {
                     Object<Inverse> object(slot, low, high);
                     const Signal got = synthesise(slot, object.state, y, kBlocks[b], (b * 4) % 12);
@@ -211,11 +168,11 @@ TEST(WaveletForward, WholeNumbersAreExact)
     eachSlot([&](int slot) {
         Object<Forward> object(slot, low, high);
         const Bands got = analyse(slot, object.state, x, {37}, 0);
-        EXPECT_EQ(got.low, forwardModel(low, x));
-        EXPECT_EQ(got.high, forwardModel(high, x));
+        EXPECT_EQ(got.low, model::halved(low, x));
+        EXPECT_EQ(got.high, model::halved(high, x));
         Object<Inverse> back(slot, low, high);
         const Signal both = synthesise(slot, back.state, {got.low, Signal(300, 0.0f)}, {37}, 0);
-        EXPECT_EQ(both, inverseModel(low, got.low));
+        EXPECT_EQ(both, model::doubled(low, got.low));
     });
 }
 

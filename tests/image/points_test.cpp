@@ -1,6 +1,7 @@
 // Point operations against their contracts.
 #include "frame/threads.h"
 #include "image/slot_tables.h"
+#include "model/points.h"
 #include "support/budget.h"
 #include "support/cache.h"
 #include "support/guarded.h"
@@ -80,19 +81,6 @@ template<class Body> void sweepImages(Body&& body)
 
 // ---- AddC -----------------------------------------------------------------------------------------------------------
 
-template<class T> T addModel(T p, T c, int s)
-{
-    const int64_t most = std::numeric_limits<T>::max(), t = int64_t{p} + c;
-    if (s >= 40)
-        return 0;
-    if (s <= -40)
-        return T(t ? most : 0);
-    if (s <= 0)
-        return T(std::min(t << -s, most));
-    const int64_t down = t >> s, rest = t - (down << s), half = int64_t{1} << (s - 1);
-    return T(std::min(down + (rest > half || (rest == half && (down & 1))), most));
-}
-
 template<class T, class Table> void checkAddC(const Table& table, std::vector<int> factors)
 {
     slots::each(table, [&](auto f, int) {
@@ -104,7 +92,7 @@ template<class T, class Table> void checkAddC(const Table& table, std::vector<in
             ASSERT_EQ(f(c, image.data(), image.step, {w, h}, s), qvrOk);
             const std::vector<T> got = image.read();
             for (size_t i = 0; i < got.size(); i++)
-                ASSERT_EQ(got[i], addModel(old[i], c, s))
+                ASSERT_EQ(got[i], model::scaledPixel(old[i], c, s))
                     << +old[i] << " + " << +c << " factor " << s << " width " << w;
             ASSERT_TRUE(image.gapsIntact()) << "width " << w << " factor " << s;
         };
@@ -146,7 +134,8 @@ TEST(AddC, EveryByte)
                     p[i] = uint8_t(i);
                 ASSERT_EQ(f(uint8_t(c), p, 16, {16, 16}, s), qvrOk);
                 for (int i = 0; i < 256; i++)
-                    ASSERT_EQ(p[i], addModel(uint8_t(i), uint8_t(c), s)) << i << " + " << c << " factor " << s;
+                    ASSERT_EQ(p[i], model::scaledPixel(uint8_t(i), uint8_t(c), s))
+                        << i << " + " << c << " factor " << s;
             }
     });
 }
@@ -198,7 +187,7 @@ TEST(AddC, RegionsOfBytes)
                     const uint8_t c = s < -7 ? 0 : 9;
                     ASSERT_EQ(f(c, image.data(), w, {w, h}, s), qvrOk);
                     for (size_t i = 0; i < image.size(); i++)
-                        ASSERT_EQ(image[i], addModel(old[i], c, s));
+                        ASSERT_EQ(image[i], model::scaledPixel(old[i], c, s));
                     const bool region = slot != slots::mx && budget > 1 && (s < 1 || w + h >= 256);
                     if (regions::counted()) {
                         EXPECT_EQ(regions::forks() - forks, region) << s << " " << w << "x" << h;

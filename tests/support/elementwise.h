@@ -20,6 +20,36 @@ template<class D, class... S> struct Elementwise {
     std::vector<int> lengths = {};
 };
 
+// A model of whole arrays on single elements: what it writes, from its sources and, of an in-place form, from what was
+// there before.
+template<class S1, class S2, class D> auto element(qvrStatus (*model)(const S1*, const S2*, D*, int))
+{
+    return [model](S1 x, S2 y) {
+        D d{};
+        model(&x, &y, &d, 1);
+        return d;
+    };
+}
+template<class S, class D> struct ElementModel {
+    qvrStatus (*model)(const S*, D*, int);
+    D operator()(S x, D before = D{}) const
+    {
+        model(&x, &before, 1);
+        return before;
+    }
+};
+template<class S, class D> ElementModel<S, D> element(qvrStatus (*model)(const S*, D*, int))
+{
+    return {model};
+}
+template<class T> auto element(qvrStatus (*model)(T*, int))
+{
+    return [model](T x) {
+        model(&x, 1);
+        return x;
+    };
+}
+
 namespace elementwise_detail {
 
 inline std::vector<int> sweepLengths(const std::vector<int>& more)

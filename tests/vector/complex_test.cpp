@@ -1,3 +1,4 @@
+#include "model/vector.h"
 #include "support/elementwise.h"
 #include "vector/slot_tables.h"
 
@@ -17,10 +18,7 @@ std::vector<C> complexes(const std::vector<double>& flat)
     return v;
 }
 
-C product(C x, C y)
-{
-    return {x.re * y.re - x.im * y.im, x.re * y.im + x.im * y.re};
-}
+const auto product = element(model::qvrsMul_64fc);
 
 TEST(Complex, Mul)
 {

@@ -1,3 +1,4 @@
+#include "model/vector.h"
 #include "support/elementwise.h"
 #include "support/environment.h"
 #include "support/status_order.h"
@@ -8,13 +9,13 @@
 namespace {
 
 template<class D, class S, class Table>
-void checkConversion(const Table& table, D (*model)(S), std::vector<S> more = {})
+void checkConversion(const Table& table, qvrStatus (*model)(const S*, D*, int), std::vector<S> more = {})
 {
     slots::each(table, [&](auto f, int) {
-        checkElementwise<D, S>({f, model});
+        checkElementwise<D, S>({f, element(model)});
         if (!more.empty())
             for (size_t n = 1; n <= more.size(); n++)
-                checkCall<D, S>({f, model}, std::vector<S>(more.end() - n, more.end()), true, 0, 0, -1);
+                checkCall<D, S>({f, element(model)}, std::vector<S>(more.end() - n, more.end()), true, 0, 0, -1);
         Guarded dst(64);
         const S x[4] = {};
         checkPointersThenLengthOrder(2, [&](int null, int len) {
@@ -26,23 +27,17 @@ void checkConversion(const Table& table, D (*model)(S), std::vector<S> more = {}
     });
 }
 
-float narrowClamped(double x)
-{
-    const double most = 3.4028234663852886e38;
-    return static_cast<float>(x > most ? most : x < -most ? -most : x);
-}
-
 TEST(Convert, From16sTo32f)
 {
-    checkConversion<float, int16_t>(qvrTable_qvrsConvert_16s32f, [](int16_t x) { return static_cast<float>(x); });
+    checkConversion<float, int16_t>(qvrTable_qvrsConvert_16s32f, model::qvrsConvert_16s32f);
 }
 TEST(Convert, From32fTo64f)
 {
-    checkConversion<double, float>(qvrTable_qvrsConvert_32f64f, [](float x) { return static_cast<double>(x); });
+    checkConversion<double, float>(qvrTable_qvrsConvert_32f64f, model::qvrsConvert_32f64f);
 }
 TEST(Convert, From64fTo32fClamps)
 {
-    checkConversion<float, double>(qvrTable_qvrsConvert_64f32f, narrowClamped,
+    checkConversion<float, double>(qvrTable_qvrsConvert_64f32f, model::qvrsConvert_64f32f,
                                    {1e300, -1e300, 3.4028234663852886e38, 3.4028235677973362e38, 3.4028235677973366e38,
                                     INFINITY, -INFINITY, NAN, 1e-45, 7e-46, 1.0 + 0x1p-24, 1.0 + 0x1p-24 + 0x1p-40});
     slots::each(qvrTable_qvrsConvert_64f32f, [&](auto f, int) {
@@ -60,10 +55,7 @@ TEST(Convert, From64fTo32fClamps)
 }
 TEST(Convert, From32sTo16sSaturates)
 {
-    checkConversion<int16_t, int32_t>(qvrTable_qvrsConvert_32s16s,
-                                      [](int32_t x) {
-                                          return static_cast<int16_t>(x > 32767 ? 32767 : x < -32768 ? -32768 : x);
-                                      },
+    checkConversion<int16_t, int32_t>(qvrTable_qvrsConvert_32s16s, model::qvrsConvert_32s16s,
                                       {32767, 32768, -32768, -32769, 65536, -65536, INT32_MAX, INT32_MIN, 0, 1, -1});
 }
 
@@ -103,20 +95,6 @@ int16_t roundModel(long double x, int mode)
     const int64_t r = (m + 1) >> 1;
     const int64_t s = x < 0 ? -r : r;
     return static_cast<int16_t>(s > 32767 ? 32767 : s < -32768 ? -32768 : s);
-}
-
-// Powers as the repeated product in the element's type would give them.
-float factor32(int scale)
-{
-    if (scale > 149)
-        return 0;
-    if (scale < -127)
-        return INFINITY;
-    return std::ldexp(1.0f, -scale);
-}
-double factor64(int scale)
-{
-    return std::ldexp(1.0, -(scale < -1008 ? -1008 : scale > 1022 ? 1022 : scale));
 }
 
 template<class T> std::vector<T> roundingInputs()
@@ -179,11 +157,11 @@ template<class T, class Table> void checkTo16(const Table& table, T (*factorOf)(
 
 TEST(Convert, From32fTo16sScaled)
 {
-    checkTo16<float>(qvrTable_qvrsConvert_32f16s_Sfs, factor32);
+    checkTo16<float>(qvrTable_qvrsConvert_32f16s_Sfs, model::powerOfTwo32);
 }
 TEST(Convert, From64fTo16sScaled)
 {
-    checkTo16<double>(qvrTable_qvrsConvert_64f16s_Sfs, factor64);
+    checkTo16<double>(qvrTable_qvrsConvert_64f16s_Sfs, model::powerOfTwo64);
 }
 
 // Mode 1 rounds by MXCSR, the others do not look at it; the caller's word comes back as it was.

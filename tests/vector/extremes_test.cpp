@@ -1,16 +1,14 @@
+#include "model/vector.h"
 #include "support/arrays.h"
 #include "vector/slot_tables.h"
 
 namespace {
 
-// The loop of the contract; the place of the element that it ends with.
 template<class T> size_t place(const std::vector<T>& v, bool largest)
 {
-    size_t best = 0;
-    for (size_t i = 1; i < v.size(); i++)
-        if (largest ? v[i] > v[best] : v[i] < v[best])
-            best = i;
-    return best;
+    const int n = static_cast<int>(v.size());
+    return static_cast<size_t>(largest ? model::placeOfBest<T, true>(v.data(), n)
+                                       : model::placeOfBest<T, false>(v.data(), n));
 }
 
 // Random values; special ones; runs of few values, zeros of both signs among them, so that ties abound.

@@ -1,14 +1,14 @@
+#include "model/vector.h"
 #include "support/arrays.h"
 #include "vector/slot_tables.h"
 
 namespace {
 
-template<class T> int32_t model(const std::vector<T>& v, const std::vector<T>& find)
+template<class T> int32_t placeOf(const std::vector<T>& v, const std::vector<T>& find)
 {
-    if (v.empty() || find.empty())
-        return -1;
-    const auto at = std::search(v.begin(), v.end(), find.begin(), find.end());
-    return at == v.end() ? -1 : static_cast<int32_t>(at - v.begin());
+    int32_t at;
+    model::find(v.data(), static_cast<int>(v.size()), find.data(), static_cast<int>(find.size()), &at);
+    return at;
 }
 
 template<class T, class F>
@@ -26,7 +26,7 @@ void check(F f, const std::vector<T>& v, const std::vector<T>& find, size_t offs
     const T* p = place(sub, find, offset * 7 % 32);
     int32_t index = -77;
     EXPECT_EQ(f(s, static_cast<int>(v.size()), p, static_cast<int>(find.size()), &index), qvrOk);
-    EXPECT_EQ(index, model(v, find)) << "len " << v.size() << " find " << find.size() << " +" << offset;
+    EXPECT_EQ(index, placeOf(v, find)) << "len " << v.size() << " find " << find.size() << " +" << offset;
 }
 
 // Few values, so that partial matches are many.

@@ -1,3 +1,4 @@
+#include "model/element.h"
 #include "support/elementwise.h"
 #include "vector/slot_tables.h"
 
@@ -6,10 +7,12 @@ namespace {
 // The exact value over 2^s, half to even, saturated.
 template<class T> T scaled(int64_t t, int64_t s)
 {
-    const int64_t clamped = s < -2000 ? -2000 : s > 2000 ? 2000 : s;
-    const double x = std::nearbyint(std::ldexp(static_cast<double>(t), static_cast<int>(-clamped)));
     using L = std::numeric_limits<T>;
-    return x > L::max() ? L::max() : x < L::min() ? L::min() : static_cast<T>(x);
+    const model::Wide most = L::max(), least = L::min();
+    const int64_t shift = std::clamp<int64_t>(s, -40, 60);
+    const model::Wide x =
+        shift > 0 ? model::divideHalfEven(t, model::Wide{1} << shift) : model::Wide{t} * (model::Wide{1} << -shift);
+    return static_cast<T>(x > most ? most : x < least ? least : x);
 }
 template<class T> T saturated(int64_t t)
 {

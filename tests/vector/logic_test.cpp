@@ -1,3 +1,4 @@
+#include "model/vector.h"
 #include "support/cache.h"
 #include "support/elementwise.h"
 #include "vector/slot_tables.h"
@@ -61,8 +62,8 @@ TEST(Logic, AndConstantInPlace)
 TEST(Logic, OrInPlace)
 {
     slots::each(qvrTable_qvrsOr_16u_I, [&](auto f, int) {
-        checkInPlace<T, T, T>({[=](const T* s, const T*, T* d, int n) { return f(s, d, n); },
-                               [](T x, T y) { return static_cast<T>(x | y); }});
+        checkInPlace<T, T, T>(
+            {[=](const T* s, const T*, T* d, int n) { return f(s, d, n); }, element(model::qvrsOr_16u_I)});
         Guarded dst(16);
         const T x[4] = {1, 2, 3, 4};
         checkPointersThenLengthOrder(2, [&](int null, int len) {

@@ -1,3 +1,4 @@
+#include "model/vector.h"
 #include "support/elementwise.h"
 #include "vector/slot_tables.h"
 
@@ -7,15 +8,8 @@ namespace {
 
 using F = float;
 
-// std::ceil and std::floor keep the sign of zero, infinities and NaN, whatever the rounding mode.
-F up(F x)
-{
-    return std::ceil(x);
-}
-F down(F x)
-{
-    return std::floor(x);
-}
+// They keep the sign of zero, infinities and NaN, whatever the rounding mode.
+const auto up = element(model::qvrsCeil_32f), down = element(model::qvrsFloor_32f);
 
 const std::vector<F> kHard = {0.0f,          -0.0f,         0.3f,
                               -0.3f,         0.5f,          -0.5f,
@@ -29,7 +23,7 @@ const std::vector<F> kHard = {0.0f,          -0.0f,         0.3f,
                               INFINITY,      -INFINITY,     NAN,
                               floatOf(1),    -floatOf(1),   floatOf(0x7FA00001)};
 
-template<class Table> void checkRounding(const Table& table, F (*model)(F))
+template<class Table, class Model> void checkRounding(const Table& table, const Model& model)
 {
     slots::each(table, [&](auto f, int) {
         checkElementwise<F, F>({f, model});

@@ -1,3 +1,4 @@
+#include "model/vector.h"
 #include "support/elementwise.h"
 #include "support/status_order.h"
 #include "vector/slot_tables.h"
@@ -6,8 +7,9 @@ namespace {
 
 float unit(int16_t x)
 {
-    const float product = static_cast<float>(x) * 3.0518044e-5f;
-    return product + 1.5259022e-5f;
+    float y, *row = &y;
+    model::qvrsSplitScaled_16s32f_D2L(&x, &row, 1, 1);
+    return y;
 }
 
 // Samples end at an unreadable page, rows too; `offset` moves both off their alignment.

@@ -1,3 +1,4 @@
+#include "model/vector.h"
 #include "support/arrays.h"
 #include "vector/slot_tables.h"
 
@@ -14,36 +15,11 @@ std::vector<int> scales()
     return v;
 }
 
-// p / q, half to even; exact in 128 bits.
-using Wide = __int128;
-Wide divideHalfEven(Wide p, Wide q)
-{
-    Wide floor = p / q - (p % q < 0 ? 1 : 0);
-    const Wide twice = 2 * (p - floor * q);
-    return floor + (twice > q || (twice == q && (floor & 1)) ? 1 : 0);
-}
-int32_t saturate(Wide x)
-{
-    return static_cast<int32_t>(x > INT32_MAX ? INT32_MAX : x < INT32_MIN ? INT32_MIN : x);
-}
-
+using model::Wide;
 template<class T> Wide exactSum(const std::vector<T>& v)
 {
-    Wide t = 0;
-    for (T x : v)
-        t += x;
-    return t;
+    return model::exactSum(v.data(), static_cast<int>(v.size()));
 }
-
-int32_t sumModel(Wide t, int s)
-{
-    if (s >= 49)
-        return 0;
-    if (s >= 0)
-        return saturate(divideHalfEven(t, Wide{1} << s));
-    return s >= -40 ? saturate(t << -s) : saturate(t * (Wide{1} << 40));
-}
-
 template<class T> std::vector<T> full(size_t n, uint32_t seed)
 {
     return seed % 2 ? randomValues<T>(n, seed) : mixedValues<T>(n, seed);
@@ -70,7 +46,7 @@ TEST(Sums, SumOfShorts)
             for (int s : some) {
                 int32_t result = 77;
                 EXPECT_EQ(f(p, static_cast<int>(v.size()), &result, s), qvrOk);
-                EXPECT_EQ(result, sumModel(t, s)) << "scale " << s;
+                EXPECT_EQ(result, model::scaledSum(t, s)) << "scale " << s;
             }
         };
         sweepArrays<T>(full<T>, [&](const T* p, const std::vector<T>& v) { check(p, v, {0, 1, 5}); },
@@ -115,21 +91,10 @@ TEST(Sums, LargeScalesRoundOnce)
             for (int s : {31, 32, 33, 34, 38, 39, 40, 41, 47, 48, 49}) {
                 int32_t result = 77;
                 EXPECT_EQ(f(v.data(), n, &result, s), qvrOk);
-                EXPECT_EQ(result, sumModel(t, s)) << x << " " << last << " scale " << s;
+                EXPECT_EQ(result, model::scaledSum(t, s)) << x << " " << last << " scale " << s;
             }
         });
     }
-}
-
-int16_t mean16Model(Wide sum, int n, int s)
-{
-    const double average = static_cast<double>(sum) / n;
-    const int64_t exponent = std::clamp<int64_t>(int64_t{1023} - s, 0, 2047);
-    const double factor = exponent == 0      ? 0
-                          : exponent == 2047 ? std::numeric_limits<double>::infinity()
-                                             : std::ldexp(1.0, static_cast<int>(exponent) - 1023);
-    const double x = average == 0 ? 0 : average * factor;
-    return static_cast<int16_t>(std::nearbyint(std::clamp(x, -32768.0, 32767.0)));
 }
 
 TEST(Sums, MeanOfShorts)
@@ -141,7 +106,7 @@ TEST(Sums, MeanOfShorts)
             for (int s : some) {
                 T result = 77;
                 EXPECT_EQ(f(p, static_cast<int>(v.size()), &result, s), qvrOk);
-                EXPECT_EQ(result, mean16Model(t, static_cast<int>(v.size()), s)) << "scale " << s;
+                EXPECT_EQ(result, model::scaledMean16(t, static_cast<int>(v.size()), s)) << "scale " << s;
             }
         };
         sweepArrays<T>(full<T>, [&](const T* p, const std::vector<T>& v) { check(p, v, {0, 1, -3}); },
@@ -171,22 +136,6 @@ TEST(Sums, MeanOfShorts)
     });
 }
 
-int32_t mean32Model(Wide t, int n, int s)
-{
-    const Wide rounded = divideHalfEven(t < 0 ? -t : t, n) * (t < 0 ? -1 : 1);
-    if (s == 0)
-        return saturate(rounded);
-    if (s > 0)
-        return s > 31 ? 0 : saturate(divideHalfEven(rounded, Wide{1} << s));
-    if (s <= -32)
-        return rounded >= 1 ? INT32_MAX : rounded < 0 ? INT32_MIN : 0;
-    if (t == saturate(t)) {
-        const Wide up = (t < 0 ? -t : t) << -s;
-        return saturate(divideHalfEven(up, n) * (t < 0 ? -1 : 1));
-    }
-    return saturate(rounded << -s);
-}
-
 TEST(Sums, MeanOfInts)
 {
     using T = int32_t;
@@ -196,7 +145,7 @@ TEST(Sums, MeanOfInts)
             for (int s : some) {
                 T result = 77;
                 EXPECT_EQ(f(p, static_cast<int>(v.size()), &result, s), qvrOk);
-                EXPECT_EQ(result, mean32Model(t, static_cast<int>(v.size()), s)) << "scale " << s;
+                EXPECT_EQ(result, model::scaledMean32(t, static_cast<int>(v.size()), s)) << "scale " << s;
             }
         };
         sweepArrays<T>(full<T>, [&](const T* p, const std::vector<T>& v) { check(p, v, {0, 1, -3}); });
@@ -241,7 +190,7 @@ TEST(Sums, LongMeansOfExtremeInts)
             for (int s : {0, 3, -2}) {
                 int32_t result = 77;
                 EXPECT_EQ(f(v.data(), n, &result, s), qvrOk);
-                EXPECT_EQ(result, mean32Model(t, n, s)) << x << " scale " << s;
+                EXPECT_EQ(result, model::scaledMean32(t, n, s)) << x << " scale " << s;
             }
         });
     }

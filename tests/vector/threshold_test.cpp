@@ -1,3 +1,4 @@
+#include "model/vector.h"
 #include "support/elementwise.h"
 #include "vector/slot_tables.h"
 
@@ -36,13 +37,21 @@ TEST(Threshold, FromOneSide)
         checkLevels(
             [f](T level) {
                 return Elementwise<T, T>{[=](const T*, T* d, int n) { return f(d, n, level, qvrCmpLess); },
-                                         [=](T x) { return level > x ? level : x; }, kOk, true};
+                                         [=](T x) {
+                                             model::qvrsThreshold_32f_I(&x, 1, level, qvrCmpLess);
+                                             return x;
+                                         },
+                                         kOk, true};
             },
             true);
         checkLevels(
             [f](T level) {
                 return Elementwise<T, T>{[=](const T*, T* d, int n) { return f(d, n, level, qvrCmpGreater); },
-                                         [=](T x) { return level < x ? level : x; }, kOk, true};
+                                         [=](T x) {
+                                             model::qvrsThreshold_32f_I(&x, 1, level, qvrCmpGreater);
+                                             return x;
+                                         },
+                                         kOk, true};
             },
             true);
         Guarded dst(16);
@@ -60,9 +69,19 @@ TEST(Threshold, FromOneSide)
     });
 }
 
-using Model = T (*)(T x, T level, T value);
+template<class... A> auto oneBeyond(qvrStatus (*model)(A...))
+{
+    return [model](T x, T level, T value) {
+        T d = x;
+        if constexpr (sizeof...(A) == 5)
+            model(&x, &d, 1, level, value);
+        else
+            model(&d, 1, level, value);
+        return d;
+    };
+}
 
-template<class Table> void checkOutOfPlace(Table& table, Model model)
+template<class Table, class Model> void checkOutOfPlace(Table& table, Model model)
 {
     slots::each(table, [&](auto f, int) {
         for (T value : {7.5f, floatOf(0x7FC00123), -0.0f})
@@ -86,7 +105,7 @@ template<class Table> void checkOutOfPlace(Table& table, Model model)
     });
 }
 
-template<class Table> void checkInPlaceForm(Table& table, Model model)
+template<class Table, class Model> void checkInPlaceForm(Table& table, Model model)
 {
     slots::each(table, [&](auto f, int) {
         for (T value : {7.5f, floatOf(0x7FC00123), -0.0f})
@@ -111,19 +130,19 @@ template<class Table> void checkInPlaceForm(Table& table, Model model)
 
 TEST(Threshold, GreaterOutOfPlace)
 {
-    checkOutOfPlace(qvrTable_qvrsThreshold_GTVal_32f, [](T x, T level, T value) { return !(level >= x) ? value : x; });
+    checkOutOfPlace(qvrTable_qvrsThreshold_GTVal_32f, oneBeyond(model::qvrsThreshold_GTVal_32f));
 }
 TEST(Threshold, GreaterInPlace)
 {
-    checkInPlaceForm(qvrTable_qvrsThreshold_GTVal_32f_I, [](T x, T level, T value) { return x > level ? value : x; });
+    checkInPlaceForm(qvrTable_qvrsThreshold_GTVal_32f_I, oneBeyond(model::qvrsThreshold_GTVal_32f_I));
 }
 TEST(Threshold, LessOutOfPlace)
 {
-    checkOutOfPlace(qvrTable_qvrsThreshold_LTVal_32f, [](T x, T level, T value) { return !(x >= level) ? value : x; });
+    checkOutOfPlace(qvrTable_qvrsThreshold_LTVal_32f, oneBeyond(model::qvrsThreshold_LTVal_32f));
 }
 TEST(Threshold, LessInPlace)
 {
-    checkInPlaceForm(qvrTable_qvrsThreshold_LTVal_32f_I, [](T x, T level, T value) { return level > x ? value : x; });
+    checkInPlaceForm(qvrTable_qvrsThreshold_LTVal_32f_I, oneBeyond(model::qvrsThreshold_LTVal_32f_I));
 }
 
 } // namespace

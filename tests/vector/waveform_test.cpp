@@ -1,3 +1,4 @@
+#include "model/vector.h"
 #include "support/arrays.h"
 #include "support/status_order.h"
 #include "vector/slot_tables.h"
@@ -10,18 +11,9 @@ using T = float;
 
 T crossings(const std::vector<T>& v, int type)
 {
-    int64_t count = 0;
-    for (size_t i = 0; i + 1 < v.size(); i++) {
-        const auto sign = [&](size_t k) { return v[k] > 0 ? 1 : v[k] < 0 ? -1 : 0; };
-        const T product = v[i + 1] * v[i];
-        if (type == 0)
-            count += product < 0;
-        else if (type == 1)
-            count += bitsOf(v[i + 1]) >> 31 != bitsOf(v[i]) >> 31;
-        else
-            count += std::abs(sign(i + 1) - sign(i));
-    }
-    return type == 2 ? static_cast<T>(count) * 0.5f : static_cast<T>(count);
+    T count;
+    model::qvrsZeroCrossing_32f(v.data(), static_cast<int>(v.size()), &count, type);
+    return count;
 }
 
 std::vector<T> wave(size_t n, uint32_t seed)
@@ -120,13 +112,11 @@ TEST(SignChangeRate, StepsBetweenSigns)
 {
     const auto f = Morven_qvrsSignChangeRate_Count0_32f;
     sweepArrays<T>(wave, [&](const T* p, const std::vector<T>& v) {
-        T sum = 0;
-        const auto sign = [&](size_t k) { return v[k] == 0 ? 0 : 0 > v[k] ? -1 : 1; };
-        for (size_t i = 1; i < v.size(); i++)
-            sum += static_cast<T>(std::abs(sign(i) - sign(i - 1)));
+        T want = 0;
+        model::qvrsSignChangeRate_Count0_32f(v.data(), static_cast<int>(v.size()), &want);
         T result = 77;
         EXPECT_EQ(f(p, static_cast<int>(v.size()), &result), qvrOk);
-        EXPECT_EQ(result, sum * 0.5f);
+        EXPECT_EQ(result, want);
     });
     const auto one = [f](std::vector<T> v) {
         T result = 77;
@@ -169,14 +159,8 @@ TEST(CompensateOffset, OutOfPlace)
             for (float factor : {0.999f, -0.5f, 1.1f}) {
                 const std::vector<T> x = randomValues<T>(n + 1, static_cast<uint32_t>(n));
                 std::vector<T> want(n);
-                T y = 2.7f * factor;
-                want[0] = y;
-                for (size_t i = 1; i < n; i++) {
-                    const T decayed = y * factor;
-                    const T step = x[i] - x[i - 1];
-                    y = decayed + step;
-                    want[i] = y;
-                }
+                T wantLast;
+                model::qvrsCompensateOffset_32f(x.data(), want.data(), static_cast<int>(n), &wantLast, 2.7f, factor);
                 Guarded& src = pooledGuarded(0, 4 * n + 200);
                 Guarded& dst = pooledGuarded(1, 4 * n + 200);
                 T* s = src.atEnd<T>(4 * n + 4, n % 5);
@@ -207,14 +191,10 @@ TEST(CompensateOffset, InPlace)
     for (size_t n = 1; n <= 100; n++)
         for (float factor : {0.999f, -0.5f, 1.1f}) {
             const std::vector<T> x = randomValues<T>(n, static_cast<uint32_t>(n));
-            std::vector<T> want(n);
-            const T before = 3.3f, decay = 2.7f * factor, first = x[0] - before;
-            want[0] = decay + first;
-            for (size_t i = 1; i < n; i++) {
-                const T difference = x[i] - want[i - 1];
-                const T decayed = x[i - 1] * factor;
-                want[i] = difference + decayed;
-            }
+            const T before = 3.3f;
+            std::vector<T> want = x;
+            T wantLast = before;
+            model::qvrsCompensateOffset_32f_I(want.data(), static_cast<int>(n), &wantLast, 2.7f, factor);
             Guarded& dst = pooledGuarded(1, 4 * n + 200);
             T* d = dst.atEnd<T>(4 * n, n % 7);
             memcpy(static_cast<void*>(d), x.data(), 4 * n);

@@ -1,25 +1,13 @@
 // Transforms, windows, Hilbert transform, convolution and correlation, wavelets.
 #include "trial.h"
 
+#ifdef QVR_REFERENCE
+#include "model/fourier.h"
+#endif
+
 using namespace check;
 
 namespace {
-
-#ifdef QVR_REFERENCE
-const double kPi = 3.14159265358979323846;
-using Complex = std::complex<double>;
-
-// X[k] = sum of x[n] exp(sign 2 pi i k n / N)
-std::vector<Complex> dft(const std::vector<Complex>& x, int sign)
-{
-    const size_t n = x.size();
-    std::vector<Complex> y(n);
-    for (size_t k = 0; k < n; k++)
-        for (size_t i = 0; i < n; i++)
-            y[k] += x[i] * std::polar(1.0, sign * 2 * kPi * static_cast<double>(k * i % n) / static_cast<double>(n));
-    return y;
-}
-#endif
 
 template<class T, class Init, class Free, class Forward, class Inverse>
 void realTransform(Trial& t, Init init, Free release, Forward forward, Inverse inverse, double epsilon)
@@ -31,20 +19,8 @@ void realTransform(Trial& t, Init init, Free release, Forward forward, Inverse i
         std::vector<T> spectrum(n + 2), signal(n);
 #ifdef QVR_REFERENCE
         t.status(qvrOk);
-        const auto f = dft({x.begin(), x.end()}, -1);
-        for (size_t k = 0; k <= n / 2; k++) {
-            spectrum[2 * k] = static_cast<T>(f[k].real() * factor);
-            spectrum[2 * k + 1] = static_cast<T>(k == 0 || k == n / 2 ? 0 : f[k].imag() * factor);
-        }
-        std::vector<Complex> whole(n);
-        for (size_t k = 0; k <= n / 2; k++) {
-            whole[k] = {static_cast<double>(X[2 * k]), k == 0 || k == n / 2 ? 0 : static_cast<double>(X[2 * k + 1])};
-            if (k != 0 && k != n / 2)
-                whole[n - k] = std::conj(whole[k]);
-        }
-        const auto b = dft(whole, 1);
-        for (size_t i = 0; i < n; i++)
-            signal[i] = static_cast<T>(b[i].real());
+        model::realForward(x, spectrum, factor);
+        model::realInverse(X, signal);
         (void)init, (void)release, (void)forward, (void)inverse;
         t.status(qvrOk), t.status(qvrOk), t.status(qvrOk);
 #else
@@ -79,7 +55,7 @@ QVR_CASE(qvrsFFT_R_16s)
         const auto x = t.values<int16_t>(n, -20000, 20000);
         std::vector<int16_t> spectrum(n + 2);
 #ifdef QVR_REFERENCE
-        const auto f = dft({x.begin(), x.end()}, -1);
+        const auto f = model::dft({x.begin(), x.end()}, -1);
         for (size_t k = 0; k <= n / 2; k++) {
             const auto rounded = [n](double v) {
                 return static_cast<int16_t>(
@@ -100,22 +76,12 @@ QVR_CASE(qvrsFFT_R_16s)
     }
 }
 
-#define QVR_WINDOW(name, usual, weight)                                                                                \
-    QVR_USUAL(name, usual, [](auto* d, int n) {                                                                        \
-        for (int i = 0; i < n; i++) {                                                                                  \
-            const double s = 2.0 * (i < n - 1 - i ? i : n - 1 - i) / (n - 1), c = kPi * s;                             \
-            if (2 * i != n - 1)                                                                                        \
-                d[i] = static_cast<std::remove_reference_t<decltype(*d)>>(static_cast<double>(d[i]) * (weight));       \
-            (void)c;                                                                                                   \
-        }                                                                                                              \
-        return +qvrOk;                                                                                                 \
-    })
-QVR_WINDOW(qvrsWinBartlett_32f_I, ({.tolerance = {1e-6, 1e-3}}), s)
-QVR_WINDOW(qvrsWinHann_32f_I, ({.tolerance = {1e-6, 1e-5}}), 0.5 - 0.5 * std::cos(c))
-QVR_WINDOW(qvrsWinHamming_32f_I, ({.tolerance = {1e-6, 1e-5}}), 0.54 - 0.46 * std::cos(c))
-QVR_WINDOW(qvrsWinBlackmanStd_32f_I, ({.tolerance = {1e-6, 1e-5}}), 0.42 - 0.5 * std::cos(c) + 0.08 * std::cos(2 * c))
+QVR_USUAL(qvrsWinBartlett_32f_I, ({.tolerance = {1e-6, 1e-3}}))
+QVR_USUAL(qvrsWinHann_32f_I, ({.tolerance = {1e-6, 1e-5}}))
+QVR_USUAL(qvrsWinHamming_32f_I, ({.tolerance = {1e-6, 1e-5}}))
+QVR_USUAL(qvrsWinBlackmanStd_32f_I, ({.tolerance = {1e-6, 1e-5}}))
 // The ends and the lowest slot truncate, the others round.
-QVR_WINDOW(qvrsWinHamming_16s_I, ({.low = -30000, .high = 30000, .tolerance = {0, 1}}), 0.54 - 0.46 * std::cos(c))
+QVR_USUAL(qvrsWinHamming_16s_I, ({.low = -30000, .high = 30000, .tolerance = {0, 1}}))
 
 QVR_CASE(qvrsHilbert_32f32fc)
 {
@@ -123,12 +89,7 @@ QVR_CASE(qvrsHilbert_32f32fc)
         const auto x = t.values<float>(static_cast<size_t>(n), -1, 1);
         std::vector<qvr32fc> y(x.size());
 #ifdef QVR_REFERENCE
-        auto f = dft({x.begin(), x.end()}, -1);
-        for (int k = 0; k < n; k++)
-            f[static_cast<size_t>(k)] *= k == 0 || 2 * k == n ? 1 : 2 * k < n ? 2 : 0;
-        const auto b = dft(f, 1);
-        for (size_t i = 0; i < y.size(); i++)
-            y[i] = {static_cast<float>(b[i].real() / n), static_cast<float>(b[i].imag() / n)};
+        model::analytic(x, y);
         t.status(qvrOk), t.status(qvrOk), t.status(qvrOk);
 #else
         qvrsHilbertState_32f32fc* state = nullptr;
@@ -140,29 +101,9 @@ QVR_CASE(qvrsHilbert_32f32fc)
     }
 }
 
-namespace {
-
-#ifdef QVR_REFERENCE
-// Sum of a[k] b[n + sign k], of what lies in both.
-qvr32f product(const qvr32f* a, int lenA, const qvr32f* b, int lenB, int64_t n, int sign)
-{
-    double sum = 0;
-    for (int k = 0; k < lenA; k++)
-        if (n + sign * k >= 0 && n + sign * k < lenB)
-            sum += static_cast<double>(a[k]) * static_cast<double>(b[n + sign * k]);
-    return static_cast<qvr32f>(sum);
-}
-#endif
-
-} // namespace
-
 QVR_CASE(qvrsConv_32f)
 {
-    const auto f = QVR_FUNCTION(qvrsConv_32f, [](const float* a, int m, const float* b, int n, float* d) {
-        for (int i = 0; i < m + n - 1; i++)
-            d[i] = product(a, m, b, n, i, -1);
-        return +qvrOk;
-    });
+    const auto f = QVR_FUNCTION(qvrsConv_32f);
     // Plain sums, and products of spectra.
     for (const int m : {5, 300}) {
         const auto a = t.values<float>(static_cast<size_t>(m), -1, 1), b = t.values<float>(400, -1, 1);
@@ -173,12 +114,7 @@ QVR_CASE(qvrsConv_32f)
 }
 QVR_CASE(qvrsConvBiased_32f)
 {
-    const auto f =
-        QVR_FUNCTION(qvrsConvBiased_32f, [](const float* a, int m, const float* b, int n, float* d, int len, int bias) {
-            for (int i = 0; i < len; i++)
-                d[i] = product(a, m, b - bias, n, i + bias, -1);
-            return +qvrOk;
-        });
+    const auto f = QVR_FUNCTION(qvrsConvBiased_32f);
     const auto a = t.values<float>(20, -1, 1), b = t.values<float>(90, -1, 1);
     std::vector<float> d(70);
     t.status(f(a.data(), 20, b.data() + 7, 90, d.data(), 70, 7));
@@ -186,14 +122,7 @@ QVR_CASE(qvrsConvBiased_32f)
 }
 QVR_CASE(qvrsConvCyclic8x8_32f)
 {
-    const auto f = QVR_FUNCTION(qvrsConvCyclic8x8_32f, [](const float* x, const float* h, float* y) {
-        for (int n = 0; n < 8; n++) {
-            y[n] = 0;
-            for (int k = 0; k < 8; k++)
-                y[n] += x[k] * h[(n - k) & 7];
-        }
-        return +qvrOk;
-    });
+    const auto f = QVR_FUNCTION(qvrsConvCyclic8x8_32f);
     const auto x = t.values<float>(8, -1, 1), h = t.values<float>(8, -1, 1);
     std::vector<float> y(8);
     t.status(f(x.data(), h.data(), y.data()));
@@ -201,12 +130,7 @@ QVR_CASE(qvrsConvCyclic8x8_32f)
 }
 QVR_CASE(qvrsCrossCorr_32f)
 {
-    const auto f =
-        QVR_FUNCTION(qvrsCrossCorr_32f, [](const float* a, int m, const float* b, int n, float* d, int len, int low) {
-            for (int i = 0; i < len; i++)
-                d[i] = product(a, m, b, n, i + low, 1);
-            return +qvrOk;
-        });
+    const auto f = QVR_FUNCTION(qvrsCrossCorr_32f);
     for (const int m : {5, 600}) {
         const auto a = t.values<float>(static_cast<size_t>(m), -1, 1), b = t.values<float>(700, -1, 1);
         std::vector<float> d(500);
@@ -216,11 +140,7 @@ QVR_CASE(qvrsCrossCorr_32f)
 }
 QVR_CASE(qvrsAutoCorr_32f)
 {
-    const auto f = QVR_FUNCTION(qvrsAutoCorr_32f, [](const float* a, int n, float* d, int len) {
-        for (int i = 0; i < len; i++)
-            d[i] = product(a, n, a, n, i, 1);
-        return +qvrOk;
-    });
+    const auto f = QVR_FUNCTION(qvrsAutoCorr_32f);
     for (const int n : {50, 1300}) {
         const auto a = t.values<float>(static_cast<size_t>(n), -1, 1);
         std::vector<float> d(a.size());
@@ -231,39 +151,13 @@ QVR_CASE(qvrsAutoCorr_32f)
 
 namespace {
 
+#ifdef QVR_REFERENCE
+using model::Channel;
+#else
 struct Channel {
     std::vector<float> taps;
     int offset;
 };
-
-#ifdef QVR_REFERENCE
-// One channel of a stream that begins with zeros: y[n] of the samples x, or x[t] of the values y.
-std::vector<float> halved(const Channel& c, const std::vector<float>& x)
-{
-    std::vector<float> y(x.size() / 2);
-    for (size_t n = 0; n < y.size(); n++) {
-        double sum = 0;
-        for (size_t k = 0; k < c.taps.size(); k++) {
-            const int64_t at = static_cast<int64_t>(2 * n) - c.offset - static_cast<int64_t>(k);
-            sum += at >= 0 ? static_cast<double>(c.taps[k] * x[static_cast<size_t>(at)]) : 0;
-        }
-        y[n] = static_cast<float>(sum);
-    }
-    return y;
-}
-std::vector<float> doubled(const Channel& c, const std::vector<float>& y)
-{
-    std::vector<float> x(2 * y.size());
-    for (size_t t = 0; t < x.size(); t++) {
-        double sum = 0;
-        for (size_t k = 0; k < c.taps.size(); k++) {
-            const int64_t at = static_cast<int64_t>(t) - std::abs(c.offset) - static_cast<int64_t>(k);
-            sum += at >= 0 && at % 2 == 0 ? static_cast<double>(c.taps[k] * y[static_cast<size_t>(at / 2)]) : 0;
-        }
-        x[t] = static_cast<float>(sum);
-    }
-    return x;
-}
 #endif
 
 } // namespace
@@ -275,8 +169,8 @@ QVR_CASE(qvrsWTFwd_32f)
     const auto x = t.values<float>(120, -1, 1);
     std::vector<float> l(60), h(60), historyLow(7), historyHigh(4);
 #ifdef QVR_REFERENCE
-    l = halved(low, x);
-    h = halved(high, x);
+    l = model::halved(low, x);
+    h = model::halved(high, x);
     // With an offset of -1 the last value is not used.
     for (size_t i = 0; i < 7; i++)
         historyLow[i] = x[40 - 7 + i];
@@ -307,8 +201,8 @@ QVR_CASE(qvrsWTInv_32f)
     const auto l = t.values<float>(60, -1, 1), h = t.values<float>(60, -1, 1);
     std::vector<float> x(120), historyLow(3), historyHigh(2);
 #ifdef QVR_REFERENCE
-    x = doubled(low, l);
-    const auto other = doubled(high, h);
+    x = model::doubled(low, l);
+    const auto other = model::doubled(high, h);
     for (size_t i = 0; i < x.size(); i++)
         x[i] += other[i];
     historyLow.assign(l.begin() + 17, l.begin() + 20);

@@ -4,6 +4,7 @@
 #include "trial.h"
 
 #ifdef QVR_REFERENCE
+#include "model/points.h"
 #include "model/resize.h"
 #endif
 
@@ -114,85 +115,62 @@ template<class T> struct Rows {
     }
     T* data() { return pixels.data(); }
 };
-template<class T> T& at(T* p, int step, int x, int y)
-{
-    return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(y * step))[x];
-}
 
 } // namespace
 
-#define QVR_PIXELS                                                                                                     \
-    for (int y = 0; y < s.height; y++)                                                                                 \
-        for (int x = 0; x < s.width; x++)
-#define QVR_IMAGE_ADD(name, T, limit)                                                                                  \
-    QVR_CASE(name)                                                                                                     \
-    {                                                                                                                  \
-        const auto f =                                                                                                 \
-            QVR_FUNCTION(name, ([](T value, T* d, int step, qvriSize s, int scale) {                                   \
-                             QVR_PIXELS                                                                                \
-                             {                                                                                         \
-                                 T& p = at(d, step, x, y);                                                             \
-                                 p = static_cast<T>(std::fmin(std::nearbyint(std::ldexp(p + value, -scale)), limit));  \
-                             }                                                                                         \
-                             return +qvrOk;                                                                            \
-                         }));                                                                                          \
-        for (const int scale : {0, 1}) {                                                                               \
-            Rows<T> d(t, 0, limit);                                                                                    \
-            t.status(f(77, d.data(), d.step, kSize, scale));                                                           \
-            t.array("the image", d.pixels, kExact);                                                                    \
-        }                                                                                                              \
+template<class T> static void imageAdd(Trial& t, qvrStatus (*f)(T, T*, int, qvriSize, int), double limit)
+{
+    for (const int scale : {0, 1}) {
+        Rows<T> d(t, 0, limit);
+        t.status(f(77, d.data(), d.step, kSize, scale));
+        t.array("the image", d.pixels, kExact);
     }
-QVR_IMAGE_ADD(qvriAddC_8u_C1IRSfs, uint8_t, 255.0)
-QVR_IMAGE_ADD(qvriAddC_16u_C1IRSfs, uint16_t, 65535.0)
+}
+QVR_CASE(qvriAddC_8u_C1IRSfs)
+{
+    imageAdd<uint8_t>(t, QVR_FUNCTION(qvriAddC_8u_C1IRSfs), 255);
+}
+QVR_CASE(qvriAddC_16u_C1IRSfs)
+{
+    imageAdd<uint16_t>(t, QVR_FUNCTION(qvriAddC_16u_C1IRSfs), 65535);
+}
 
 QVR_CASE(qvriSet_16u_C1R)
 {
-    const auto f = QVR_FUNCTION(qvriSet_16u_C1R, [](uint16_t value, uint16_t* d, int step, qvriSize s) {
-        QVR_PIXELS at(d, step, x, y) = value;
-        return +qvrOk;
-    });
     Rows<uint16_t> d(t, 0, 65535);
-    t.status(f(4711, d.data(), d.step, kSize));
+    t.status(QVR_FUNCTION(qvriSet_16u_C1R)(4711, d.data(), d.step, kSize));
     t.array("the image", d.pixels, kExact);
 }
 QVR_CASE(qvriCopy_16u_C1MR)
 {
-    const auto f = QVR_FUNCTION(qvriCopy_16u_C1MR, ([](const uint16_t* a, int from, uint16_t* d, int step, qvriSize s,
-                                                       const uint8_t* mask, int maskStep) {
-                                    QVR_PIXELS if (at(mask, maskStep, x, y)) at(d, step, x, y) = at(a, from, x, y);
-                                    return +qvrOk;
-                                }));
+    const auto f = QVR_FUNCTION(qvriCopy_16u_C1MR);
     Rows<uint16_t> a(t, 0, 65535), d(t, 0, 65535);
     Rows<uint8_t> mask(t, 0, 1);
     t.status(f(a.data(), a.step, d.data(), d.step, kSize, mask.data(), mask.step));
     t.array("the image", d.pixels, kExact);
 }
-#define QVR_WIDEN(name, T)                                                                                             \
-    QVR_CASE(name)                                                                                                     \
-    {                                                                                                                  \
-        const auto f = QVR_FUNCTION(name, ([](const uint8_t* a, int from, T* d, int step, qvriSize s) {                \
-                                        QVR_PIXELS at(d, step, x, y) = at(a, from, x, y);                              \
-                                        return +qvrOk;                                                                 \
-                                    }));                                                                               \
-        Rows<uint8_t> a(t, 0, 255);                                                                                    \
-        Rows<T> d(t, 0, 1000);                                                                                         \
-        t.status(f(a.data(), a.step, d.data(), d.step, kSize));                                                        \
-        t.array("the image", d.pixels, kExact);                                                                        \
-    }
-QVR_WIDEN(qvriConvert_8u16u_C1R, uint16_t)
-QVR_WIDEN(qvriConvert_8u16s_C1R, int16_t)
+template<class T> static void widen(Trial& t, qvrStatus (*f)(const uint8_t*, int, T*, int, qvriSize))
+{
+    Rows<uint8_t> a(t, 0, 255);
+    Rows<T> d(t, 0, 1000);
+    t.status(f(a.data(), a.step, d.data(), d.step, kSize));
+    t.array("the image", d.pixels, kExact);
+}
+QVR_CASE(qvriConvert_8u16u_C1R)
+{
+    widen<uint16_t>(t, QVR_FUNCTION(qvriConvert_8u16u_C1R));
+}
+QVR_CASE(qvriConvert_8u16s_C1R)
+{
+    widen<int16_t>(t, QVR_FUNCTION(qvriConvert_8u16s_C1R));
+}
 #define QVR_PALETTE(name, From, To, bits)                                                                              \
     QVR_CASE(name)                                                                                                     \
     {                                                                                                                  \
-        const auto f =                                                                                                 \
-            QVR_FUNCTION(name, ([](const From* a, int from, To* d, int step, qvriSize s, const To* table, int n) {     \
-                             QVR_PIXELS at(d, step, x, y) = table[at(a, from, x, y) & ((1 << n) - 1)];                 \
-                             return +qvrOk;                                                                            \
-                         }));                                                                                          \
         Rows<From> a(t, 0, sizeof(From) == 1 ? 255 : 65535);                                                           \
         Rows<To> d(t, 0, 255);                                                                                         \
         const auto table = t.values<To>(1 << bits, 0, sizeof(To) == 1 ? 255 : 4e9);                                    \
-        t.status(f(a.data(), a.step, d.data(), d.step, kSize, table.data(), bits));                                    \
+        t.status(QVR_FUNCTION(name)(a.data(), a.step, d.data(), d.step, kSize, table.data(), bits));                   \
         t.array("the image", d.pixels, kExact);                                                                        \
     }
 QVR_PALETTE(qvriLUTPalette_8u_C1R, uint8_t, uint8_t, 8)
@@ -202,24 +180,7 @@ QVR_PALETTE(qvriLUTPalette_16u32u_C1R, uint16_t, uint32_t, 11)
 
 QVR_CASE(qvriBlockMinMax_16s_C1R)
 {
-    const auto f = QVR_FUNCTION(qvriBlockMinMax_16s_C1R,
-                                ([](const int16_t* a, int step, qvriSize s, int16_t* low, int lowStep, int16_t* high,
-                                    int highStep, qvriSize block, int16_t* least, int16_t* most) {
-                                    *least = INT16_MAX;
-                                    *most = INT16_MIN;
-                                    QVR_PIXELS
-                                    {
-                                        const int16_t p = at(a, step, x, y);
-                                        int16_t &l = at(low, lowStep, x / block.width, y / block.height),
-                                                &h = at(high, highStep, x / block.width, y / block.height);
-                                        const bool first = x % block.width == 0 && y % block.height == 0;
-                                        l = first ? p : std::min(l, p);
-                                        h = first ? p : std::max(h, p);
-                                        *least = std::min(*least, p);
-                                        *most = std::max(*most, p);
-                                    }
-                                    return +qvrOk;
-                                }));
+    const auto f = QVR_FUNCTION(qvriBlockMinMax_16s_C1R);
     Rows<int16_t> a(t, -30000, 30000);
     std::vector<int16_t> low(5 * 3), high(5 * 3), ends(2);
     t.status(f(a.data(), a.step, kSize, low.data(), 10, high.data(), 10, {5, 4}, &ends[0], &ends[1]));
@@ -229,13 +190,7 @@ QVR_CASE(qvriBlockMinMax_16s_C1R)
 }
 QVR_CASE(qvriSplitRow_TIFF_16u8u_C1)
 {
-    const auto f = QVR_FUNCTION(qvriSplitRow_TIFF_16u8u_C1, [](const uint8_t* a, uint8_t** d, int n) {
-        for (int i = 0; i < n; i++) {
-            d[0][i] = a[2 * i + 1];
-            d[1][i] = a[2 * i];
-        }
-        return +qvrOk;
-    });
+    const auto f = QVR_FUNCTION(qvriSplitRow_TIFF_16u8u_C1);
     const auto a = t.values<uint8_t>(140, 0, 255);
     std::vector<uint8_t> high(70), low(70);
     uint8_t* planes[] = {high.data(), low.data()};
@@ -245,13 +200,7 @@ QVR_CASE(qvriSplitRow_TIFF_16u8u_C1)
 }
 QVR_CASE(qvriJoinRow_TIFF_8u16u_C1)
 {
-    const auto f = QVR_FUNCTION(qvriJoinRow_TIFF_8u16u_C1, [](uint8_t** a, uint8_t* d, int n) {
-        for (int i = 0; i < n; i++) {
-            d[2 * i + 1] = a[0][i];
-            d[2 * i] = a[1][i];
-        }
-        return +qvrOk;
-    });
+    const auto f = QVR_FUNCTION(qvriJoinRow_TIFF_8u16u_C1);
     auto high = t.values<uint8_t>(70, 0, 255), low = t.values<uint8_t>(70, 0, 255);
     std::vector<uint8_t> d(140);
     uint8_t* planes[] = {high.data(), low.data()};

@@ -101,11 +101,11 @@ std::vector<Case> cases();
     static const check::Case case_##name(#name, run_##name);                                                           \
     static void run_##name(check::Trial& t)
 
-// The function under test in a case with a model of its prototype.
+// The function under test, or its model.
 #ifdef QVR_REFERENCE
-#define QVR_FUNCTION(name, model) static_cast<decltype(&Morven_##name)>(model)
+#define QVR_FUNCTION(name) static_cast<decltype(&Morven_##name)>(model::name)
 #else
-#define QVR_FUNCTION(name, model) t.function<decltype(&Morven_##name)>(#name)
+#define QVR_FUNCTION(name) t.function<decltype(&Morven_##name)>(#name)
 #endif
 
 // A function for a case that has a model of its own way.
@@ -184,10 +184,10 @@ template<class... A> void callUsual(Trial& t, qvrStatus (*f)(A...), const Usual&
         arguments);
 }
 
-#define QVR_USUAL(name, usual, ...)                                                                                    \
+#define QVR_USUAL(name, usual)                                                                                         \
     QVR_CASE(name)                                                                                                     \
     {                                                                                                                  \
-        const auto f = QVR_FUNCTION(name, (__VA_ARGS__));                                                              \
+        const auto f = QVR_FUNCTION(name);                                                                             \
         const check::Usual u = check::Usual usual;                                                                     \
         for (const size_t n : {3, 19, 130})                                                                            \
             check::callUsual(t, f, u, n);                                                                              \
