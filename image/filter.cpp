@@ -655,22 +655,28 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
 }
 
 constexpr qvrRowKernels kTaps[] = {
-    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr, nullptr, nullptr},
-    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr, nullptr, nullptr},
-    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, filterTaps<float, 1>, blendTaps<float>, nullptr, nullptr, nullptr},
-    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, filterTaps<double, 1>, blendTaps<double>, nullptr, nullptr, nullptr},
+    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, 0, nullptr, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr, nullptr,
+     nullptr},
+    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, 0, nullptr, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr, nullptr,
+     nullptr},
+    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, 0, nullptr, filterTaps<float, 1>, blendTaps<float>, nullptr, nullptr,
+     nullptr},
+    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, 0, nullptr, filterTaps<double, 1>, blendTaps<double>, nullptr, nullptr,
+     nullptr},
 };
 template<class T> constexpr qvrRowKernels lowPassKernels(int channels)
 {
     constexpr int element = sizeof(T), line = sizeof(Line<T>);
-    return {element,          channels,        line,    qvrWeights_double, element == 8, kFma, kParts<T>,
+    return {element,          channels,        line,    qvrWeights_double, element == 8, kFma, kParts<T>, 0, nullptr,
             filterLowPass<T>, blendLowPass<T>, nullptr, addTaps<T>,        nullptr};
 }
 constexpr qvrRowKernels kLowPass[] = {lowPassKernels<uint8_t>(1), lowPassKernels<uint8_t>(4), lowPassKernels<float>(1),
                                       lowPassKernels<double>(1)};
 constexpr qvrRowKernels kSums[] = {
-    {1, 1, 4, qvrWeights_single, 0, kFma, 1, widenRows, sumBytes, nullptr, nullptr, &kLowPass[qvrPixel_8u_C1]},
-    {1, 4, 4, qvrWeights_single, 0, kFma, 1, widenRows, sumBytes, nullptr, nullptr, &kLowPass[qvrPixel_8u_C4]},
+    {1, 1, 4, qvrWeights_single, 0, kFma, 1, 0, nullptr, widenRows, sumBytes, nullptr, nullptr,
+     &kLowPass[qvrPixel_8u_C1]},
+    {1, 4, 4, qvrWeights_single, 0, kFma, 1, 0, nullptr, widenRows, sumBytes, nullptr, nullptr,
+     &kLowPass[qvrPixel_8u_C4]},
 };
 
 } // namespace

@@ -70,23 +70,45 @@ QVR_INLINE auto widen(Vec<uint8_t, 16> pairs)
     return convert<int16_t>(pairs);
 }
 
-// Eight outputs of one channel, as the 16 bytes of their pairs. From SSSE3 on near pairs come out of one load.
-QVR_INLINE Vec<uint8_t, 16> pairsOf(const uint8_t* s, const Columns& c, Index x)
+// Eight columns of one channel: the shuffle that makes their pairs of taps, widened, of the 16 bytes from the first tap
+// on. Behind the groups of a row: which columns have one, from .. to - 1.
+union Group {
+    uint8_t from[32];
+    Index run[2];
+};
+bool hasGroup(const Columns& c, Index x)
 {
-    const int32_t* const at = c.start + x;
-    if constexpr (kSsse3) {
-        const Index base = at[0] < c.length - 16 ? at[0] : c.length - 16;
-        if (base >= 0 && at[7] + 1 - base < 16) {
-            using Eight = Vec<int32_t, 8>;
-            const Vec<int16_t, 8> first = packSaturate(load<Eight>(at) - static_cast<int32_t>(base));
-            const Vec<int16_t, 8> both = first | bitcast<Vec<int16_t, 8>>(bits(first + 1) << 8);
-            return shuffleBytes(load<Vec<uint8_t, 16>>(s + base), bitcast<Vec<uint8_t, 16>>(both));
-        }
-    }
-    Vec<uint16_t, 8> pairs;
+    return x + 8 <= c.width && c.start[x] >= 0 && c.start[x] + 16 <= c.length && c.start[x + 7] - c.start[x] < 15;
+}
+void makeGroups(const qvrColumns* columns)
+{
+    const Columns c = columnsOf(columns);
+    Group* const groups = static_cast<Group*>(columns->extra);
+    Index x = 0, from = 0;
+    while (x < c.width && !hasGroup(c, x))
+        x += 8;
+    for (from = x; kSsse3 && hasGroup(c, x); x += 8)
+        for (Index i = 0; i < 32; i++)
+            groups[x / 8].from[i] =
+                static_cast<uint8_t>(i % 2 == 1 ? 128 : c.start[x + i / 4] - c.start[x] + i % 4 / 2);
+    groups[(c.width + 7) / 8].run[0] = from;
+    groups[(c.width + 7) / 8].run[1] = x;
+}
+// Pairs of eight columns; those outside take what is next to them, they are made anew.
+QVR_INLINE Vec<int16_t, 16> pairsAt(const uint8_t* s, const Columns& c, Index x)
+{
+    Vec<uint16_t, 8> pairs = {};
     for (int k = 0; k < 8; k++)
-        pairs[k] = load<Vec<uint16_t, 1>>(s + at[k])[0];
-    return bitcast<Vec<uint8_t, 16>>(pairs);
+        pairs[k] = load<Vec<uint16_t, 1>>(s + clampIndex(c.start[x + k], c.length - 1))[0];
+    return convert<int16_t>(bitcast<Vec<uint8_t, 16>>(pairs));
+}
+template<int NC> QVR_INLINE Vec<int16_t, 16> pairsOf(const uint8_t* s, const Group& group)
+{
+    if constexpr (kSsse3 && NC == 1) {
+        const auto window = load<Vec<uint8_t, 16>>(s);
+        return bitcast<Vec<int16_t, 16>>(shuffleBytes(concat(window, window), load<Vec<uint8_t, 32>>(group.from)));
+    }
+    return {};
 }
 
 // Two pixels of four channels: a b of each channel side by side.
@@ -97,25 +119,37 @@ QVR_INLINE Vec<uint8_t, 16> pixelPairs(const uint8_t* s, const int32_t* at)
     return __builtin_shufflevector(both, both, 0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
 }
 
-template<int NC> void filterRow(const uint8_t* s, const Columns& c, int16_t* h)
+template<int NC> void filterRow(const uint8_t* s, const Columns& c, const Group* groups, int16_t* h)
 {
     using Pairs = Vec<int16_t, 16>;
-    const auto eight = [&](Index x) {
-        Pairs p, w;
-        if constexpr (NC == 1) {
-            p = widen(pairsOf(s, c, x));
-            w = load<Pairs>(c.w + x);
-        } else {
-            p = widen(pixelPairs(s, c.start + x));
-            const auto two = load<Vec<int32_t, 2>>(c.w + x);
-            w = bitcast<Pairs>(__builtin_shufflevector(two, two, 0, 0, 0, 0, 1, 1, 1, 1));
-        }
-        return shiftRight(addProductPairs(p, w) + 128, 8);
-    };
-    constexpr Index outputs = 8 / NC;
+    const auto rounded = [](Pairs p, Pairs w) { return shiftRight(addProductPairs(p, w) + 128, 8); };
     Index x = c.from;
-    for (; x + 2 * outputs <= c.to; x += 2 * outputs)
-        store(h + x * NC, packSaturate(concat(eight(x), eight(x + outputs))));
+    if constexpr (NC == 1) {
+        const auto eight = [&](Index at) {
+            store(h + at, packSaturate(rounded(pairsAt(s, c, at), load<Pairs>(c.w + at))));
+        };
+        const auto half = [&](Index at) {
+            return rounded(pairsOf<1>(s + c.start[at], groups[at / 8]), load<Pairs>(c.w + at));
+        };
+        if (c.width >= 8 && c.length >= 2) {
+            const Index from = groups[(c.width + 7) / 8].run[0], to = groups[(c.width + 7) / 8].run[1];
+            for (x = 0; x + 8 <= c.width; x += 8) {
+                for (; x >= from && x + 16 <= to; x += 16)
+                    store(h + x, packSaturate(concat(half(x), half(x + 8))));
+                if (x + 8 <= c.width)
+                    eight(x);
+            }
+            return eight(c.width - 8);
+        }
+    } else {
+        const auto two = [&](Index at) {
+            const auto w = load<Vec<int32_t, 2>>(c.w + at);
+            return rounded(widen(pixelPairs(s, c.start + at)),
+                           bitcast<Pairs>(__builtin_shufflevector(w, w, 0, 0, 0, 0, 1, 1, 1, 1)));
+        };
+        for (; x + 4 <= c.to; x += 4)
+            store(h + x * NC, packSaturate(concat(two(x), two(x + 2))));
+    }
     for (; x < c.to; x++)
         for (int k = 0; k < NC; k++) {
             const uint8_t* const p = s + Index{c.start[x]} * NC + k;
@@ -148,7 +182,8 @@ void blendRows(const int16_t* upper, const int16_t* lower, Index from, Index to,
 template<int NC> void filter(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
 {
     for (Index r = 0; r < count; r++)
-        filterRow<NC>(reinterpret_cast<const uint8_t*>(rows[r]), columnsOf(c), reinterpret_cast<int16_t*>(lines[r]));
+        filterRow<NC>(reinterpret_cast<const uint8_t*>(rows[r]), columnsOf(c), static_cast<const Group*>(c->extra),
+                      reinterpret_cast<int16_t*>(lines[r]));
 }
 
 template<int NC> void blend(const qvrColumns* columns, const qvrRowTaps* rows, char* to)
@@ -173,8 +208,8 @@ template<int NC> int direct(const qvrColumns* c, const qvrRowTaps* rows, char* t
 }
 
 constexpr qvrRowKernels kLinear[] = {
-    {1, 1, 2, qvrWeights_words, 0, 0, 1, filter<1>, blend<1>, direct<1>, nullptr, nullptr},
-    {1, 4, 2, qvrWeights_words, 0, 0, 1, filter<4>, blend<4>, direct<4>, nullptr, nullptr},
+    {1, 1, 2, qvrWeights_words, 0, 0, 1, sizeof(Group), makeGroups, filter<1>, blend<1>, direct<1>, nullptr, nullptr},
+    {1, 4, 2, qvrWeights_words, 0, 0, 1, 0, nullptr, filter<4>, blend<4>, direct<4>, nullptr, nullptr},
 };
 
 } // namespace

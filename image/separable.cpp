@@ -154,6 +154,7 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     if (k->weights >= qvrWeights_double)
         c.count = space.take<int32_t>(c.lists);
     c.weights = space.take<char>(c.lists * c.stride * bytes);
+    c.extra = space.take<char>((width + 15) / 8 * k->extraBytes);
     const double span = static_cast<double>(width) * j.x.inv + static_cast<double>(c.most + 2);
     c.linePixels = span < static_cast<double>(c.length) ? static_cast<Index>(span) : c.length;
     const Index columns = sumsFirst(k) ? c.linePixels : (width + c.phases - 1) / c.phases * c.phases;
@@ -309,6 +310,8 @@ void resizeColumns(Job& j, Index from, Index width)
     r.rows.single = singles;
     layOut(j, width, space, r);
     makeColumns(j, b->x.first + from, r.c);
+    if (k->prepare != nullptr)
+        k->prepare(&r.c);
     KnownWeights known;
     startKnown(&j.y, known);
     qvrTaps last;

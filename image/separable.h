@@ -24,6 +24,7 @@ typedef struct {
     int32_t planes;              // phases are worked on by vectors
     int32_t halves;              // words: every column is the mean of two pixels, next to those of the column before
     int32_t *first, *count;      // pixel of a column's first tap, which may lie outside; taps of a list
+    void* extra;                 // what `prepare` makes of them
     void* weights;               // plain, one channel: by tap, then by column; else list by list
     double magnitude;            // the largest sum of magnitudes of a list
 } qvrColumns;
@@ -44,7 +45,9 @@ enum { qvrWeights_plain, qvrWeights_words, qvrWeights_double, qvrWeights_single 
 
 typedef struct qvrRowKernels {
     int32_t elementBytes, channels, lineBytes, weights;
-    int32_t wide, fused, parts; // of sums: in double, with fused steps, in so many parts along a row
+    int32_t wide, fused, parts;                 // of sums: in double, with fused steps, in so many parts along a row
+    int32_t extraBytes;                         // for eight columns
+    void (*prepare)(const qvrColumns* columns); // may be null
     // Up to four rows.
     void (*filter)(const qvrColumns* columns, const char* const* rows, char* const* lines, int64_t count);
     void (*blend)(const qvrColumns* columns, const qvrRowTaps* rows, char* dst);
