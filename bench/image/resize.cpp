@@ -18,6 +18,17 @@ struct Geometry {
 };
 constexpr Geometry kUp = {640, 480, 1920, 1080}, kDown = {4000, 3000, 800, 600}, kOdd = {4000, 3000, 1504, 1128},
                    kSmallDown = {640, 480, 320, 240};
+// A half, ratios of small numbers and others, a low picture, small pictures.
+constexpr Geometry kReductions[] = {kSmallDown,
+                                    kDown,
+                                    kOdd,
+                                    {1280, 720, 960, 540},
+                                    {1280, 720, 800, 450},
+                                    {1280, 720, 500, 281},
+                                    {4000, 13, 2000, 7},
+                                    {64, 48, 32, 24},
+                                    {64, 48, 48, 36}};
+constexpr Geometry kSmallUp = {64, 48, 128, 96}, kThreeQuarters = {1280, 720, 960, 540};
 
 struct Method {
     const char* name;
@@ -78,10 +89,10 @@ template<class T, int NC, auto Export> void methods(const Sink& sink)
             addCase<T, NC>(sink, m, g, resize);
     };
     for (const Method& m : kMethods) {
-        add(m, kUp);
-        add(m, kDown);
+        for (const Geometry& g : {kUp, kDown, kSmallDown, kThreeQuarters, kSmallUp})
+            add(m, g);
     }
-    for (const Geometry& g : {kSmallDown, kDown, kOdd}) {
+    for (const Geometry& g : kReductions) {
         add({"super", qvriInterSuper}, g);
         for (const Method& m : kMethods)
             if (m.selector == qvriInterLinear || m.selector == qvriInterCubicCatmullRom ||

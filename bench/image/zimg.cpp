@@ -14,6 +14,10 @@ void zimgPeer(const ResizeJob& job, std::vector<ResizePeer>& peers)
     const bool stretched = (job.method & qvriAntialias) != 0;
     if (job.channels != 1 || method == qvriInterSuper || (method != qvriInterNearest && !job.enlarges() && !stretched))
         return;
+    // It wants rows on the boundaries of its vectors.
+    const int boundary = job.isFloat ? 64 : 32;
+    if (job.rowBytes(job.src.width) % boundary != 0 || job.rowBytes(job.dst.width) % boundary != 0)
+        return;
     zimg_image_format from, to;
     zimg_graph_builder_params params;
     zimg_image_format_default(&from, ZIMG_API_VERSION);
