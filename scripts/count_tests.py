@@ -1,7 +1,7 @@
 """Counts tests from CTest's JUnit reports: count_tests.py REPORT ... prints "PASSED FAILED SKIPPED".
 
-A report's test is one test, unless its output ends with a GoogleTest summary: then each case in it counts (a whole test
-program under a simulated processor is one CTest test). A test that CTest calls failed counts as failed at least once.
+A report's test is one test, unless its output ends with a summary of GoogleTest or pytest: then each case in it counts (a whole
+test program under a simulated processor is one CTest test). A test that CTest calls failed counts as failed at least once.
 """
 import re
 import sys
@@ -20,9 +20,9 @@ def count(path):
         if status in ("disabled", "notrun") and case.find("failure") is None:
             skipped += 1
             continue
-        good = cases(output, r"^\[  PASSED  \] (\d+) tests?\.")
-        bad = cases(output, r"^\[  FAILED  \] (\d+) tests?, listed below")
-        idle = cases(output, r"^\[  SKIPPED \] (\d+) tests?, listed below")
+        good = cases(output, r"^\[  PASSED  \] (\d+) tests?\.") + cases(output, r"^(?:\d+ failed, )?(\d+) passed\b.* in [0-9.]+s")
+        bad = cases(output, r"^\[  FAILED  \] (\d+) tests?, listed below") + cases(output, r"^(\d+) failed\b.* in [0-9.]+s")
+        idle = cases(output, r"^\[  SKIPPED \] (\d+) tests?, listed below") + cases(output, r"(\d+) skipped\b.* in [0-9.]+s$")
         if status == "run":
             passed += good if good or idle else 1
             skipped += idle

@@ -42,7 +42,7 @@ COMMUTATIVE = {"Add", "Mul", "Or"}
 ELEMENTWISE = {"arithmetic", "fills", "conversion", "fixedpoint", "logic", "elementary", "fast"}
 
 # Work for an element beside that of an addition; groups not named count 1.
-WEIGHTS = {"elementary": 8, "fast": 8, "sorting": 32, "median": 64, "reductions": 2, "windows": 8, "firgen": 100, "iir": 1000,
+WEIGHTS = {"elementary": 8, "fast": 8, "sorting": 32, "median": 256, "reductions": 2, "windows": 8, "firgen": 200, "iir": 1000,
            "waveform": 8}
 QUADRATIC = {"convolve", "convolve_biased", "correlate", "autocorrelate"}
 

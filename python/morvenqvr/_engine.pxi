@@ -329,7 +329,7 @@ cdef object argument_of(const QvrGroup* g, const QvrForm* form, int status):
 
 
 cdef int first_with(const QvrForm* form, const QvrGroup* g, const QvrArguments* whole, const int* item, cnp.npy_intp n, int status,
-                    cnp.npy_intp* index) except -1:
+                    cnp.npy_intp* index) nogil:
     """Looks for the first element with a status: block by block into memory of its own, then one by one."""
     cdef char scratch[256 * 16]
     cdef QvrArguments a
@@ -395,6 +395,7 @@ cdef object run(const QvrGroup* g, PyObject** inputs, object out, PyObject** ext
     cdef QvrArguments a
     cdef cnp.npy_intp n, done, at
     cdef PyThreadState* state
+    cdef char* source = NULL
     for k in range(m):
         o = <object>inputs[k]
         if cnp.PyArray_Check(o) and (cnp.PyArray_NDIM(<cnp.ndarray>o) > 0 or m == 1):
@@ -459,10 +460,12 @@ cdef object run(const QvrGroup* g, PyObject** inputs, object out, PyObject** ext
         if over:
             op[0], op[1] = op[1], op[0]
         else:
-            memcpy(op[m].data, op[form.inPlace].data, n * op[m].itemsize)
+            source = op[form.inPlace].data
     state = NULL
     if n * g.weight >= kWorkOfAMicrosecond:
         state = PyEval_SaveThread()
+    if source != NULL:
+        memcpy(op[m].data, source, n * op[m].itemsize)
     done = 0
     while done < n:
         at = n - done if n - done <= (1 << 30) else 1 << 30
@@ -484,7 +487,9 @@ cdef object run(const QvrGroup* g, PyObject** inputs, object out, PyObject** ext
             for k in range(m + 1):
                 item[k] = 0 if k < m and types[k] == kNumber else op[k].itemsize
                 a.p[k] = op[k].data if k == m or types[k] != kNumber else NULL
-            if first_with(form, g, &a, item, n, status, &at):
+            with nogil:
+                k = first_with(form, g, &a, item, n, status, &at)
+            if k:
                 index = at if op[m].ndim == 1 else numpy.unravel_index(at, out.shape)
                 if op[m].ndim != 1:
                     index = tuple([int(i) for i in index])

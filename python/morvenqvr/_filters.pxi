@@ -31,8 +31,8 @@ cdef class FIR(_Owner):
         self.kind = &kindsFIR[0]
 
     def __init__(self, taps, *, dtype=None, delay=None):
-        cdef void* handle = NULL
-        cdef int samples, status
+        cdef int samples
+        self.begin()
         own = getattr(taps, "dtype", None)
         samples = number_of(dtype) if dtype is not None else number_of(own) if own in (numpy.float32, numpy.float64) else cnp.NPY_DOUBLE
         self.kind = NULL
@@ -45,14 +45,21 @@ cdef class FIR(_Owner):
             raise ArrayError("FIR", None, "dtype", f"wanted {kinds_text(kindsFIR, kKindsFIR)}; got {numpy.dtype(dtype)}")
         self.taps_ = parameters("FIR", "taps", taps, self.kind.taps)
         self.start = None if delay is None else self.line(delay)
+        self.release, self.handle = self.kind.release, self.made()
+
+    cdef void* made(self) except? NULL:
+        """A filter with the start that was given."""
         cdef cnp.ndarray array = self.taps_
         cdef cnp.ndarray start = self.start if self.start is not None else self.taps_
-        status = (<int (*)(void**, void*, int, void*)>entry[self.kind.create])(
-            &handle, cnp.PyArray_DATA(array), cnp.PyArray_SIZE(array), NULL if self.start is None else cnp.PyArray_DATA(start))
+        cdef void* handle = NULL
+        cdef void* taps = cnp.PyArray_DATA(array)
+        cdef void* line = NULL if self.start is None else cnp.PyArray_DATA(start)
+        cdef int length = cnp.PyArray_SIZE(array), status
+        with nogil:
+            status = (<int (*)(void**, void*, int, void*) nogil>entry[self.kind.create])(&handle, taps, length, line)
         # The plan of the transform path is memory too, whatever the status says of pointers.
         done("FIR", CONSTANTS_["qvrErrNoMemory"] if status == CONSTANTS_["qvrErrNullPointer"] else status, "taps")
-        self.free()
-        self.handle, self.release, self.used = handle, self.kind.release, False
+        return handle
 
     cdef object line(self, object delay):
         array = parameters("FIR", "delay", delay, self.kind.samples)
@@ -106,13 +113,18 @@ cdef class FIR(_Owner):
 
     def reset(self):
         """Back to a past of zeros."""
-        if self.kind.setDelay < 0:
-            self.__init__(self.taps_, dtype=self.dtype)
-            return
+        cdef void* fresh
         self.enter()
-        status = (<int (*)(void*, void*)>entry[self.kind.setDelay])(self.handle, NULL)
-        self.leave()
-        done("FIR.reset", status, None)
+        try:
+            self.used, self.start = False, None
+            if self.kind.setDelay < 0:
+                fresh = self.made()
+                self.free()
+                self.handle = fresh
+            else:
+                done("FIR.reset", (<int (*)(void*, void*)>entry[self.kind.setDelay])(self.handle, NULL), None)
+        finally:
+            self.leave()
 
     def __reduce__(self):
         if self.used and self.kind.getDelay < 0:
@@ -171,24 +183,32 @@ cdef class IIR(_Owner):
     cdef bint used
 
     def __init__(self, b, a, *, delay=None):
-        cdef void* handle = NULL
+        self.begin()
         self.b_, self.a_ = parameters("IIR", "b", b, cnp.NPY_DOUBLE), parameters("IIR", "a", a, cnp.NPY_DOUBLE)
         self.order_ = builtins.max(self.b_.size, self.a_.size) - 1
         if self.b_.size == 0 or self.a_.size == 0 or self.order_ < 1:
             raise ArgumentError("IIR", "qvrErrBadOrder", "b", "wanted an order of 1 or more")
         if not numpy.isfinite(self.a_).all() or not numpy.isfinite(self.b_).all():
             raise ArgumentError("IIR", None, "a", "wanted finite coefficients")
-        taps = numpy.zeros((2, self.order_ + 1))
-        taps[0, :self.b_.size], taps[1, :self.a_.size] = self.b_, self.a_
         self.start = None if delay is None else parameters("IIR", "delay", delay, cnp.NPY_DOUBLE)
         if self.start is not None and self.start.size != self.order_:
             raise ArgumentError("IIR", "qvrErrBadSize", "delay", f"wanted {self.order_} values; got {self.start.size}")
-        cdef cnp.ndarray array = taps
-        cdef cnp.ndarray start = taps if self.start is None else self.start
-        done("IIR", (<int (*)(void**, void*, int, void*)>entry[E_qvrsIIRInitAlloc_64f])(
-            &handle, cnp.PyArray_DATA(array), self.order_, NULL if self.start is None else cnp.PyArray_DATA(start)), "a")
-        self.free()
-        self.handle, self.release, self.used = handle, E_qvrsIIRFree_64f, False
+        self.release, self.handle = E_qvrsIIRFree_64f, self.made()
+
+    cdef void* made(self) except? NULL:
+        """A filter with the start that was given."""
+        coefficients = numpy.zeros((2, self.order_ + 1))
+        coefficients[0, :self.b_.size], coefficients[1, :self.a_.size] = self.b_, self.a_
+        cdef cnp.ndarray array = coefficients
+        cdef cnp.ndarray start = coefficients if self.start is None else self.start
+        cdef void* handle = NULL
+        cdef void* taps = cnp.PyArray_DATA(array)
+        cdef void* line = NULL if self.start is None else cnp.PyArray_DATA(start)
+        cdef int status
+        with nogil:
+            status = (<int (*)(void**, void*, int, void*) nogil>entry[E_qvrsIIRInitAlloc_64f])(&handle, taps, self.order_, line)
+        done("IIR", status, "a")
+        return handle
 
     @property
     def order(self):
@@ -207,7 +227,14 @@ cdef class IIR(_Owner):
 
     def reset(self):
         """Back to the start given at creation."""
-        self.__init__(self.b_, self.a_, delay=self.start)
+        cdef void* fresh
+        self.enter()
+        try:
+            fresh = self.made()
+            self.free()
+            self.handle, self.used = fresh, False
+        finally:
+            self.leave()
 
     def __reduce__(self):
         if self.used:
@@ -305,9 +332,17 @@ cdef class FIRMultirate:
 
     def reset(self):
         """Back to a past of zeros."""
+        self.wait()
         self.delay_ = numpy.zeros((self.taps_.size + self.up_ - 1) // self.up_, self.dtype)
         self.waiting = numpy.zeros(0, self.dtype)
         self.taken_ = self.given_ = 0
+        PyThread_release_lock(self.lock)
+
+    cdef void wait(self):
+        """Takes the lock."""
+        if not PyThread_acquire_lock(self.lock, NOWAIT_LOCK):
+            with nogil:
+                PyThread_acquire_lock(self.lock, WAIT_LOCK)
 
     @property
     def taps(self):
@@ -377,9 +412,7 @@ cdef class FIRMultirate:
             factor = integer("FIRMultirate", "scale", scale, -kLongestRow - 1, kLongestRow, None)
         elif scale != 0:
             raise ArgumentError("FIRMultirate", None, "scale", f"there is none with {self.dtype}")
-        if not PyThread_acquire_lock(self.lock, NOWAIT_LOCK):
-            with nogil:
-                PyThread_acquire_lock(self.lock, WAIT_LOCK)
+        self.wait()
         try:
             before = self.waiting.shape[0]
             total = before + s.dims[0]

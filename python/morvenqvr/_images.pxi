@@ -68,6 +68,7 @@ cdef class Resize(_Owner):
                  shift=(0.0, 0.0), source_region=None, region=None):
         cdef int bytes_ = 0, status
         f = "Resize"
+        self.begin()
         source_shape, shape = several(f, "source_shape", source_shape, 2), several(f, "shape", shape, 2)
         self.arguments = source_shape, shape
         self.keywords = dict(method=method, antialias=antialias, edge=edge, dtype=numpy.dtype(dtype).str, channels=channels,
@@ -98,7 +99,6 @@ cdef class Resize(_Owner):
             done(f, status, "method" if status == CONSTANTS_["qvrErrBadInterpolation"] else "shape")
         if method == "area" and (self.yFactor > 1 or self.xFactor > 1):
             raise ArgumentError(f, "qvrErrBadFactor", "factors")
-        self.free()
         self.handle = malloc(bytes_ if bytes_ > 0 else 1)
         if self.handle == NULL:
             raise NoMemoryError(f, "qvrErrNoMemory")

@@ -18,7 +18,7 @@ cdef extern from "engine.h" nogil:
         long i[7]
     ctypedef struct QvrForm:
         const char* name
-        int (*call)(QvrArguments*)
+        int (*call)(QvrArguments*) nogil
         signed char input[3]
         signed char output
         signed char inPlace

@@ -24,6 +24,12 @@ cdef class _Owner:
             (<int (*)(void*)>entry[self.release])(self.handle)
         self.handle = NULL
 
+    cdef int begin(self) except -1:
+        """An object is made once: calls in other threads rely on what it was made with."""
+        if self.handle != NULL or self.gone:
+            raise StateError(type(self).__name__, None, None, "the object has been made already")
+        return 0
+
     cdef int enter(self) except -1:
         """Takes the lock: the object belongs to one call at a time."""
         if not PyThread_acquire_lock(self.lock, NOWAIT_LOCK):
@@ -121,8 +127,9 @@ cdef class RealFFT(_Owner):
         free(self.buffer)
 
     def __init__(self, n=None, *, order=None, norm="backward", dtype=numpy.float32, accurate=False):
-        cdef int flag
+        cdef int flag, status, hint
         cdef void* handle = NULL
+        self.begin()
         if (n is None) == (order is None):
             raise ArgumentError("RealFFT", "qvrErrFFTOrder", "n", "wanted a length or an order")
         if n is not None:
@@ -139,13 +146,12 @@ cdef class RealFFT(_Owner):
         flag = chosen("RealFFT", "norm", norm, NORMS, "qvrErrFFTFlag")
         self.norm = norm
         self.accurate = accurate
-        done("RealFFT", (<int (*)(void**, int, int, int)>entry[self.kind.create])(
-            &handle, self.order_, flag, CONSTANTS["qvrHintAccurate"] if accurate else CONSTANTS["qvrHintNone"]), "n")
-        self.free()
+        hint = CONSTANTS["qvrHintAccurate"] if accurate else CONSTANTS["qvrHintNone"]
+        with nogil:
+            status = (<int (*)(void**, int, int, int) nogil>entry[self.kind.create])(&handle, self.order_, flag, hint)
+        done("RealFFT", status, "n")
         self.handle, self.release = handle, self.kind.release
         # Work memory for one call at a time; a call that finds it taken lets the library allocate.
-        free(self.buffer)
-        self.buffer = NULL
         if 6 < self.order_ <= 20 or self.kind.scaled:
             self.buffer = <char*>malloc(builtins.max((8 << self.order_) + 256, 131328 + (4 << self.order_))) if self.order_ <= 20 else NULL
 
@@ -257,9 +263,12 @@ cdef class Hilbert(_Owner):
 
     def __init__(self, n):
         cdef void* handle = NULL
+        cdef int status
+        self.begin()
         self.length = integer("Hilbert", "n", n, 1, kLongestRow, "qvrErrBadSize")
-        done("Hilbert", (<int (*)(void**, int, int)>entry[E_qvrsHilbertInitAlloc_32f32fc])(&handle, self.length, 0), "n")
-        self.free()
+        with nogil:
+            status = (<int (*)(void**, int, int) nogil>entry[E_qvrsHilbertInitAlloc_32f32fc])(&handle, self.length, 0)
+        done("Hilbert", status, "n")
         self.handle, self.release = handle, E_qvrsHilbertFree_32f32fc
 
     @property
@@ -287,7 +296,7 @@ cdef class Hilbert(_Owner):
         for k in range(s.ndim - 1):
             rows *= s.dims[k]
         self.share("Hilbert")
-        if rows * self.length * 8 >= kWorkOfAMicrosecond:
+        if rows * self.length * 64 >= kWorkOfAMicrosecond:
             state = PyEval_SaveThread()
         for row in range(rows):
             status = (<int (*)(void*, void*, void*)>entry[E_qvrsHilbert_32f32fc])(
@@ -331,6 +340,7 @@ cdef class Wavelet(_Owner):
 
     def __init__(self, low, high, inverse_low=None, inverse_high=None, *, offsets=(-1, -1, 0, 0)):
         cdef void* handle = NULL
+        self.begin()
         if (inverse_low is None) != (inverse_high is None):
             raise ArgumentError("Wavelet", None, "inverse_low" if inverse_low is None else "inverse_high", "wanted both or neither")
         self.taps = [None if t is None else numpy.array(t, numpy.float32, ndmin=1) for t in (low, high, inverse_low, inverse_high)]
@@ -340,8 +350,6 @@ cdef class Wavelet(_Owner):
         for name, t in zip(("low", "high", "inverse_low", "inverse_high"), self.taps):
             if t is not None and (t.ndim != 1 or t.size < 1):
                 raise ArgumentError("Wavelet", "qvrErrBadSize", name, f"wanted one or more taps; got {describe(t)}")
-        self.free()
-        self.drop()
         self.create(0, &handle, E_qvrsWTFwdInitAlloc_32f)
         self.handle, self.release = handle, E_qvrsWTFwdFree_32f
         if inverse_low is not None:
@@ -350,9 +358,14 @@ cdef class Wavelet(_Owner):
 
     cdef int create(self, int first, void** place, int call) except -1:
         cdef cnp.ndarray low = self.taps[first], high = self.taps[first + 1]
-        return done("Wavelet", (<int (*)(void**, void*, int, int, void*, int, int)>entry[call])(
-            place, cnp.PyArray_DATA(low), cnp.PyArray_SIZE(low), self.offsets[first], cnp.PyArray_DATA(high), cnp.PyArray_SIZE(high),
-            self.offsets[first + 1]), "low")
+        cdef void* low_taps = cnp.PyArray_DATA(low)
+        cdef void* high_taps = cnp.PyArray_DATA(high)
+        cdef int low_length = cnp.PyArray_SIZE(low), high_length = cnp.PyArray_SIZE(high), status
+        cdef int low_offset = self.offsets[first], high_offset = self.offsets[first + 1]
+        with nogil:
+            status = (<int (*)(void**, void*, int, int, void*, int, int) nogil>entry[call])(
+                place, low_taps, low_length, low_offset, high_taps, high_length, high_offset)
+        return done("Wavelet", status, "low")
 
     cdef list delay_arrays(self, bint inverse):
         """Arrays of the lengths of the delay lines."""

@@ -203,6 +203,25 @@ def test_threads_share_and_wait():
         assert fft.closed
 
 
+def test_reset_and_creation_beside_calls():
+    """An object cannot be made twice; a reset waits for the call under way."""
+    x = np.ones(1 << 18)
+    for stream in (qvr.IIR(np.ones(30), np.r_[1, np.zeros(29)]), qvr.FIR(np.ones(30)), qvr.FIRMultirate(np.ones(30))):
+        samples = x if not isinstance(stream, qvr.FIRMultirate) else x.astype("f4")
+        threads = [threading.Thread(target=stream, args=(samples,)) for _ in range(3)]
+        for thread in threads:
+            thread.start()
+            stream.reset()
+        for thread in threads:
+            thread.join()
+        stream.reset()
+        assert stream(samples)[:3].tolist() == [1, 2, 3]
+    for made, arguments in ((qvr.RealFFT(8), (16,)), (qvr.FIR([1.0]), ([2.0],)), (qvr.IIR([1, 2], [1]), ([1, 2], [1])), (qvr.Hilbert(3), (4,)),
+                            (qvr.Wavelet([1.0], [1.0]), ([1.0], [1.0])), (qvr.Resize((4, 4), (2, 2)), ((4, 4), (2, 2)))):
+        with pytest.raises(qvr.StateError, match="made already"):
+            made.__init__(*arguments)
+
+
 @pytest.mark.filterwarnings("ignore::pytest.PytestUnhandledThreadExceptionWarning")
 def test_gil_is_released():
     """A counting thread goes on while one long call runs."""
