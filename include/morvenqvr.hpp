@@ -98,7 +98,7 @@ public:
     template<class U> bool operator==(const Allocator<U>&) const noexcept { return true; }
 };
 
-/** A view of an image: its pixels, its size and the bytes from one row to the next. */
+/** A view of an image, rows from the top: its pixels, its size and the bytes from one row to the next. */
 template<class T, int Channels = 1> class Image {
 public:
     /** Rows that follow one another without a gap. */

@@ -185,7 +185,8 @@ class Overload:
         call = f"Morven_{self.c}({', '.join(self.call)})"
         lines = [f"/** Morven_{self.c} */", *wrapped(f"[[nodiscard]] inline qvrStatus {self.cpp}(", self.signature, ")"), "{"]
         if self.needs:
-            lines += wrapped("    if (!(", self.needs, "))", " &&")
+            single = len(self.needs) == 1 and not self.needs[0].startswith("(")
+            lines += wrapped("    if (!" if single else "    if (!(", self.needs, ")" if single else "))", " &&")
             lines.append("        return qvrErrBadSize;")
         lines += wrapped(f"    return Morven_{self.c}(", self.call, ");")
         return lines + ["}"]

@@ -9,7 +9,7 @@ namespace qvr::checked {
 /** Morven_qvrsAdd_32f */
 [[nodiscard]] inline qvrStatus add(In<qvr32f> pSrc1, In<qvr32f> pSrc2, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc1.size(), pSrc2.size())))
+    if (!detail::same(pDst.size(), pSrc1.size(), pSrc2.size()))
         return qvrErrBadSize;
     return Morven_qvrsAdd_32f(pSrc1.data(), pSrc2.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -17,7 +17,7 @@ namespace qvr::checked {
 /** Morven_qvrsAdd_32f_I */
 [[nodiscard]] inline qvrStatus add(In<qvr32f> pSrc, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size(), pSrc.size())))
+    if (!detail::same(pSrcDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsAdd_32f_I(pSrc.data(), pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -25,7 +25,7 @@ namespace qvr::checked {
 /** Morven_qvrsSub_32f */
 [[nodiscard]] inline qvrStatus sub(In<qvr32f> pSrc1, In<qvr32f> pSrc2, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc1.size(), pSrc2.size())))
+    if (!detail::same(pDst.size(), pSrc1.size(), pSrc2.size()))
         return qvrErrBadSize;
     return Morven_qvrsSub_32f(pSrc1.data(), pSrc2.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -33,7 +33,7 @@ namespace qvr::checked {
 /** Morven_qvrsSub_32f_I */
 [[nodiscard]] inline qvrStatus sub(In<qvr32f> pSrc, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size(), pSrc.size())))
+    if (!detail::same(pSrcDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsSub_32f_I(pSrc.data(), pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -41,7 +41,7 @@ namespace qvr::checked {
 /** Morven_qvrsMul_32f */
 [[nodiscard]] inline qvrStatus mul(In<qvr32f> pSrc1, In<qvr32f> pSrc2, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc1.size(), pSrc2.size())))
+    if (!detail::same(pDst.size(), pSrc1.size(), pSrc2.size()))
         return qvrErrBadSize;
     return Morven_qvrsMul_32f(pSrc1.data(), pSrc2.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -49,7 +49,7 @@ namespace qvr::checked {
 /** Morven_qvrsMul_32f_I */
 [[nodiscard]] inline qvrStatus mul(In<qvr32f> pSrc, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size(), pSrc.size())))
+    if (!detail::same(pSrcDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMul_32f_I(pSrc.data(), pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -57,7 +57,7 @@ namespace qvr::checked {
 /** Morven_qvrsMul_64f_I */
 [[nodiscard]] inline qvrStatus mul(In<qvr64f> pSrc, Out<qvr64f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size(), pSrc.size())))
+    if (!detail::same(pSrcDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMul_64f_I(pSrc.data(), pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -65,7 +65,7 @@ namespace qvr::checked {
 /** Morven_qvrsMul_64fc */
 [[nodiscard]] inline qvrStatus mul(In<qvr64fc> pSrc1, In<qvr64fc> pSrc2, Out<qvr64fc> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc1.size(), pSrc2.size())))
+    if (!detail::same(pDst.size(), pSrc1.size(), pSrc2.size()))
         return qvrErrBadSize;
     return Morven_qvrsMul_64fc(pSrc1.data(), pSrc2.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -73,7 +73,7 @@ namespace qvr::checked {
 /** Morven_qvrsDiv_32f */
 [[nodiscard]] inline qvrStatus div(In<qvr32f> pSrc1, In<qvr32f> pSrc2, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc1.size(), pSrc2.size())))
+    if (!detail::same(pDst.size(), pSrc1.size(), pSrc2.size()))
         return qvrErrBadSize;
     return Morven_qvrsDiv_32f(pSrc1.data(), pSrc2.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -81,7 +81,7 @@ namespace qvr::checked {
 /** Morven_qvrsAddC_32f */
 [[nodiscard]] inline qvrStatus addC(In<qvr32f> pSrc, qvr32f val, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsAddC_32f(pSrc.data(), val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -89,7 +89,7 @@ namespace qvr::checked {
 /** Morven_qvrsAddC_32f_I */
 [[nodiscard]] inline qvrStatus addC(qvr32f val, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsAddC_32f_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -97,7 +97,7 @@ namespace qvr::checked {
 /** Morven_qvrsAddC_64f_I */
 [[nodiscard]] inline qvrStatus addC(qvr64f val, Out<qvr64f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsAddC_64f_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -105,7 +105,7 @@ namespace qvr::checked {
 /** Morven_qvrsSubC_32f */
 [[nodiscard]] inline qvrStatus subC(In<qvr32f> pSrc, qvr32f val, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsSubC_32f(pSrc.data(), val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -113,7 +113,7 @@ namespace qvr::checked {
 /** Morven_qvrsSubC_32f_I */
 [[nodiscard]] inline qvrStatus subC(qvr32f val, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsSubC_32f_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -121,7 +121,7 @@ namespace qvr::checked {
 /** Morven_qvrsSubCRev_32f */
 [[nodiscard]] inline qvrStatus subCRev(In<qvr32f> pSrc, qvr32f val, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsSubCRev_32f(pSrc.data(), val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -129,7 +129,7 @@ namespace qvr::checked {
 /** Morven_qvrsMulC_32f */
 [[nodiscard]] inline qvrStatus mulC(In<qvr32f> pSrc, qvr32f val, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMulC_32f(pSrc.data(), val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -137,7 +137,7 @@ namespace qvr::checked {
 /** Morven_qvrsMulC_32f_I */
 [[nodiscard]] inline qvrStatus mulC(qvr32f val, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsMulC_32f_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -145,7 +145,7 @@ namespace qvr::checked {
 /** Morven_qvrsMulC_64f_I */
 [[nodiscard]] inline qvrStatus mulC(qvr64f val, Out<qvr64f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsMulC_64f_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -153,7 +153,7 @@ namespace qvr::checked {
 /** Morven_qvrsDivC_32f */
 [[nodiscard]] inline qvrStatus divC(In<qvr32f> pSrc, qvr32f val, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsDivC_32f(pSrc.data(), val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -161,7 +161,7 @@ namespace qvr::checked {
 /** Morven_qvrsDivC_32f_I */
 [[nodiscard]] inline qvrStatus divC(qvr32f val, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsDivC_32f_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -169,7 +169,7 @@ namespace qvr::checked {
 /** Morven_qvrsDivCRev_32f */
 [[nodiscard]] inline qvrStatus divCRev(In<qvr32f> pSrc, qvr32f val, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsDivCRev_32f(pSrc.data(), val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -177,7 +177,7 @@ namespace qvr::checked {
 /** Morven_qvrsDivCRev_32f_I */
 [[nodiscard]] inline qvrStatus divCRev(qvr32f val, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsDivCRev_32f_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -185,7 +185,7 @@ namespace qvr::checked {
 /** Morven_qvrsAbs_32f */
 [[nodiscard]] inline qvrStatus abs(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsAbs_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -193,7 +193,7 @@ namespace qvr::checked {
 /** Morven_qvrsAbs_32f_I */
 [[nodiscard]] inline qvrStatus abs(Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsAbs_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -201,7 +201,7 @@ namespace qvr::checked {
 /** Morven_qvrsSqr_32f_I */
 [[nodiscard]] inline qvrStatus sqr(Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsSqr_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -209,7 +209,7 @@ namespace qvr::checked {
 /** Morven_qvrsSqrt_32f */
 [[nodiscard]] inline qvrStatus sqrt(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsSqrt_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -217,7 +217,7 @@ namespace qvr::checked {
 /** Morven_qvrsCeil_32f */
 [[nodiscard]] inline qvrStatus ceil(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsCeil_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -225,7 +225,7 @@ namespace qvr::checked {
 /** Morven_qvrsFloor_32f */
 [[nodiscard]] inline qvrStatus floor(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsFloor_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -233,7 +233,7 @@ namespace qvr::checked {
 /** Morven_qvrsMinEvery_32f_I */
 [[nodiscard]] inline qvrStatus minEvery(In<qvr32f> pSrc, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size(), pSrc.size())))
+    if (!detail::same(pSrcDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMinEvery_32f_I(pSrc.data(), pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -241,7 +241,7 @@ namespace qvr::checked {
 /** Morven_qvrsMaxEvery_32f_I */
 [[nodiscard]] inline qvrStatus maxEvery(In<qvr32f> pSrc, Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size(), pSrc.size())))
+    if (!detail::same(pSrcDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMaxEvery_32f_I(pSrc.data(), pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -249,7 +249,7 @@ namespace qvr::checked {
 /** Morven_qvrsSet_8u */
 [[nodiscard]] inline qvrStatus set(qvr8u val, Out<qvr8u> pDst)
 {
-    if (!(detail::same(pDst.size())))
+    if (!detail::same(pDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsSet_8u(val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -257,7 +257,7 @@ namespace qvr::checked {
 /** Morven_qvrsSet_32s */
 [[nodiscard]] inline qvrStatus set(qvr32s val, Out<qvr32s> pDst)
 {
-    if (!(detail::same(pDst.size())))
+    if (!detail::same(pDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsSet_32s(val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -265,7 +265,7 @@ namespace qvr::checked {
 /** Morven_qvrsSet_32f */
 [[nodiscard]] inline qvrStatus set(qvr32f val, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size())))
+    if (!detail::same(pDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsSet_32f(val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -273,7 +273,7 @@ namespace qvr::checked {
 /** Morven_qvrsZero_32f */
 [[nodiscard]] inline qvrStatus zero(Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size())))
+    if (!detail::same(pDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsZero_32f(pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -281,7 +281,7 @@ namespace qvr::checked {
 /** Morven_qvrsZero_64f */
 [[nodiscard]] inline qvrStatus zero(Out<qvr64f> pDst)
 {
-    if (!(detail::same(pDst.size())))
+    if (!detail::same(pDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsZero_64f(pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -289,7 +289,7 @@ namespace qvr::checked {
 /** Morven_qvrsCopy_32f */
 [[nodiscard]] inline qvrStatus copy(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsCopy_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -297,7 +297,7 @@ namespace qvr::checked {
 /** Morven_qvrsCopy_64f */
 [[nodiscard]] inline qvrStatus copy(In<qvr64f> pSrc, Out<qvr64f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsCopy_64f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -305,7 +305,7 @@ namespace qvr::checked {
 /** Morven_qvrsConvert_16s32f */
 [[nodiscard]] inline qvrStatus convert(In<qvr16s> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsConvert_16s32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -313,7 +313,7 @@ namespace qvr::checked {
 /** Morven_qvrsConvert_32f64f */
 [[nodiscard]] inline qvrStatus convert(In<qvr32f> pSrc, Out<qvr64f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsConvert_32f64f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -321,7 +321,7 @@ namespace qvr::checked {
 /** Morven_qvrsConvert_64f32f */
 [[nodiscard]] inline qvrStatus convert(In<qvr64f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsConvert_64f32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -329,7 +329,7 @@ namespace qvr::checked {
 /** Morven_qvrsConvert_32s16s */
 [[nodiscard]] inline qvrStatus convert(In<qvr32s> pSrc, Out<qvr16s> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsConvert_32s16s(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -337,7 +337,7 @@ namespace qvr::checked {
 /** Morven_qvrsConvert_16s64f_Sfs */
 [[nodiscard]] inline qvrStatus convert(In<qvr16s> pSrc, Out<qvr64f> pDst, int scaleFactor)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsConvert_16s64f_Sfs(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), scaleFactor);
 }
@@ -345,7 +345,7 @@ namespace qvr::checked {
 /** Morven_qvrsConvert_32f16s_Sfs */
 [[nodiscard]] inline qvrStatus convert(In<qvr32f> pSrc, Out<qvr16s> pDst, int rndMode, int scaleFactor)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsConvert_32f16s_Sfs(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), rndMode, scaleFactor);
 }
@@ -353,7 +353,7 @@ namespace qvr::checked {
 /** Morven_qvrsConvert_64f16s_Sfs */
 [[nodiscard]] inline qvrStatus convert(In<qvr64f> pSrc, Out<qvr16s> pDst, int rndMode, int scaleFactor)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsConvert_64f16s_Sfs(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), rndMode, scaleFactor);
 }
@@ -361,7 +361,7 @@ namespace qvr::checked {
 /** Morven_qvrsNormalize_32f */
 [[nodiscard]] inline qvrStatus normalize(In<qvr32f> pSrc, Out<qvr32f> pDst, qvr32f vSub, qvr32f vDiv)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsNormalize_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), vSub, vDiv);
 }
@@ -369,7 +369,7 @@ namespace qvr::checked {
 /** Morven_qvrsNormalize_64f */
 [[nodiscard]] inline qvrStatus normalize(In<qvr64f> pSrc, Out<qvr64f> pDst, qvr64f vSub, qvr64f vDiv)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsNormalize_64f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), vSub, vDiv);
 }
@@ -385,7 +385,7 @@ namespace qvr::checked {
 /** Morven_qvrsAdd_16s_Sfs */
 [[nodiscard]] inline qvrStatus add(In<qvr16s> pSrc1, In<qvr16s> pSrc2, Out<qvr16s> pDst, int scaleFactor)
 {
-    if (!(detail::same(pDst.size(), pSrc1.size(), pSrc2.size())))
+    if (!detail::same(pDst.size(), pSrc1.size(), pSrc2.size()))
         return qvrErrBadSize;
     return Morven_qvrsAdd_16s_Sfs(pSrc1.data(), pSrc2.data(), pDst.data(), static_cast<int>(pDst.size()), scaleFactor);
 }
@@ -393,7 +393,7 @@ namespace qvr::checked {
 /** Morven_qvrsAdd_16u_ISfs */
 [[nodiscard]] inline qvrStatus add(In<qvr16u> pSrc, Out<qvr16u> pSrcDst, int scaleFactor)
 {
-    if (!(detail::same(pSrcDst.size(), pSrc.size())))
+    if (!detail::same(pSrcDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsAdd_16u_ISfs(pSrc.data(), pSrcDst.data(), static_cast<int>(pSrcDst.size()), scaleFactor);
 }
@@ -401,7 +401,7 @@ namespace qvr::checked {
 /** Morven_qvrsAddC_16u_ISfs */
 [[nodiscard]] inline qvrStatus addC(qvr16u val, Out<qvr16u> pSrcDst, int scaleFactor)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsAddC_16u_ISfs(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()), scaleFactor);
 }
@@ -409,7 +409,7 @@ namespace qvr::checked {
 /** Morven_qvrsSubC_16u_ISfs */
 [[nodiscard]] inline qvrStatus subC(qvr16u val, Out<qvr16u> pSrcDst, int scaleFactor)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsSubC_16u_ISfs(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()), scaleFactor);
 }
@@ -417,7 +417,7 @@ namespace qvr::checked {
 /** Morven_qvrsAdd_16s_I */
 [[nodiscard]] inline qvrStatus add(In<qvr16s> pSrc, Out<qvr16s> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size(), pSrc.size())))
+    if (!detail::same(pSrcDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsAdd_16s_I(pSrc.data(), pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -425,7 +425,7 @@ namespace qvr::checked {
 /** Morven_qvrsSubC_16s_I */
 [[nodiscard]] inline qvrStatus subC(qvr16s val, Out<qvr16s> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsSubC_16s_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -433,7 +433,7 @@ namespace qvr::checked {
 /** Morven_qvrsMulC_16s_I */
 [[nodiscard]] inline qvrStatus mulC(qvr16s val, Out<qvr16s> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsMulC_16s_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -441,7 +441,7 @@ namespace qvr::checked {
 /** Morven_qvrsAbs_32s_I */
 [[nodiscard]] inline qvrStatus abs(Out<qvr32s> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsAbs_32s_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -449,7 +449,7 @@ namespace qvr::checked {
 /** Morven_qvrsSum_16s32s_Sfs */
 [[nodiscard]] inline qvrStatus sum(In<qvr16s> pSrc, qvr32s& pSum, int scaleFactor)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsSum_16s32s_Sfs(pSrc.data(), static_cast<int>(pSrc.size()), &pSum, scaleFactor);
 }
@@ -457,7 +457,7 @@ namespace qvr::checked {
 /** Morven_qvrsMean_16s_Sfs */
 [[nodiscard]] inline qvrStatus mean(In<qvr16s> pSrc, qvr16s& pMean, int scaleFactor)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMean_16s_Sfs(pSrc.data(), static_cast<int>(pSrc.size()), &pMean, scaleFactor);
 }
@@ -465,7 +465,7 @@ namespace qvr::checked {
 /** Morven_qvrsMean_32s_Sfs */
 [[nodiscard]] inline qvrStatus mean(In<qvr32s> pSrc, qvr32s& pMean, int scaleFactor)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMean_32s_Sfs(pSrc.data(), static_cast<int>(pSrc.size()), &pMean, scaleFactor);
 }
@@ -473,7 +473,7 @@ namespace qvr::checked {
 /** Morven_qvrsMean_32f */
 [[nodiscard]] inline qvrStatus mean(In<qvr32f> pSrc, qvr32f& pMean)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMean_32f(pSrc.data(), static_cast<int>(pSrc.size()), &pMean);
 }
@@ -481,7 +481,7 @@ namespace qvr::checked {
 /** Morven_qvrsMean_64f */
 [[nodiscard]] inline qvrStatus mean(In<qvr64f> pSrc, qvr64f& pMean)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMean_64f(pSrc.data(), static_cast<int>(pSrc.size()), &pMean);
 }
@@ -489,7 +489,7 @@ namespace qvr::checked {
 /** Morven_qvrsStdDev_32f */
 [[nodiscard]] inline qvrStatus stdDev(In<qvr32f> pSrc, qvr32f& pStdDev)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsStdDev_32f(pSrc.data(), static_cast<int>(pSrc.size()), &pStdDev);
 }
@@ -497,7 +497,7 @@ namespace qvr::checked {
 /** Morven_qvrsMin_16s */
 [[nodiscard]] inline qvrStatus min(In<qvr16s> pSrc, qvr16s& pResult)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMin_16s(pSrc.data(), static_cast<int>(pSrc.size()), &pResult);
 }
@@ -505,7 +505,7 @@ namespace qvr::checked {
 /** Morven_qvrsMax_16s */
 [[nodiscard]] inline qvrStatus max(In<qvr16s> pSrc, qvr16s& pResult)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMax_16s(pSrc.data(), static_cast<int>(pSrc.size()), &pResult);
 }
@@ -513,7 +513,7 @@ namespace qvr::checked {
 /** Morven_qvrsMin_32f */
 [[nodiscard]] inline qvrStatus min(In<qvr32f> pSrc, qvr32f& pResult)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMin_32f(pSrc.data(), static_cast<int>(pSrc.size()), &pResult);
 }
@@ -521,7 +521,7 @@ namespace qvr::checked {
 /** Morven_qvrsMax_32f */
 [[nodiscard]] inline qvrStatus max(In<qvr32f> pSrc, qvr32f& pResult)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMax_32f(pSrc.data(), static_cast<int>(pSrc.size()), &pResult);
 }
@@ -529,7 +529,7 @@ namespace qvr::checked {
 /** Morven_qvrsMax_64f */
 [[nodiscard]] inline qvrStatus max(In<qvr64f> pSrc, qvr64f& pResult)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMax_64f(pSrc.data(), static_cast<int>(pSrc.size()), &pResult);
 }
@@ -537,7 +537,7 @@ namespace qvr::checked {
 /** Morven_qvrsMinMax_16s */
 [[nodiscard]] inline qvrStatus minMax(In<qvr16s> pSrc, qvr16s& pMin, qvr16s& pMax)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMinMax_16s(pSrc.data(), static_cast<int>(pSrc.size()), &pMin, &pMax);
 }
@@ -545,7 +545,7 @@ namespace qvr::checked {
 /** Morven_qvrsMinMax_16u */
 [[nodiscard]] inline qvrStatus minMax(In<qvr16u> pSrc, qvr16u& pMin, qvr16u& pMax)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMinMax_16u(pSrc.data(), static_cast<int>(pSrc.size()), &pMin, &pMax);
 }
@@ -553,7 +553,7 @@ namespace qvr::checked {
 /** Morven_qvrsMinMax_32f */
 [[nodiscard]] inline qvrStatus minMax(In<qvr32f> pSrc, qvr32f& pMin, qvr32f& pMax)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMinMax_32f(pSrc.data(), static_cast<int>(pSrc.size()), &pMin, &pMax);
 }
@@ -561,7 +561,7 @@ namespace qvr::checked {
 /** Morven_qvrsMinIndx_32f */
 [[nodiscard]] inline qvrStatus minIndx(In<qvr32f> pSrc, qvr32f& pResult, qvr32s& pIndx)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMinIndx_32f(pSrc.data(), static_cast<int>(pSrc.size()), &pResult, &pIndx);
 }
@@ -569,7 +569,7 @@ namespace qvr::checked {
 /** Morven_qvrsMaxIndx_32f */
 [[nodiscard]] inline qvrStatus maxIndx(In<qvr32f> pSrc, qvr32f& pResult, qvr32s& pIndx)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMaxIndx_32f(pSrc.data(), static_cast<int>(pSrc.size()), &pResult, &pIndx);
 }
@@ -585,7 +585,7 @@ namespace qvr::checked {
 /** Morven_qvrsAndC_16u */
 [[nodiscard]] inline qvrStatus andC(In<qvr16u> pSrc, qvr16u val, Out<qvr16u> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsAndC_16u(pSrc.data(), val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -593,7 +593,7 @@ namespace qvr::checked {
 /** Morven_qvrsAndC_16u_I */
 [[nodiscard]] inline qvrStatus andC(qvr16u val, Out<qvr16u> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsAndC_16u_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -601,7 +601,7 @@ namespace qvr::checked {
 /** Morven_qvrsOr_16u_I */
 [[nodiscard]] inline qvrStatus bitOr(In<qvr16u> pSrc, Out<qvr16u> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size(), pSrc.size())))
+    if (!detail::same(pSrcDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsOr_16u_I(pSrc.data(), pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -609,7 +609,7 @@ namespace qvr::checked {
 /** Morven_qvrsLShiftC_16u */
 [[nodiscard]] inline qvrStatus lShiftC(In<qvr16u> pSrc, int val, Out<qvr16u> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsLShiftC_16u(pSrc.data(), val, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -617,7 +617,7 @@ namespace qvr::checked {
 /** Morven_qvrsLShiftC_16u_I */
 [[nodiscard]] inline qvrStatus lShiftC(int val, Out<qvr16u> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsLShiftC_16u_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -625,7 +625,7 @@ namespace qvr::checked {
 /** Morven_qvrsRShiftC_16u_I */
 [[nodiscard]] inline qvrStatus rShiftC(int val, Out<qvr16u> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsRShiftC_16u_I(val, pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -633,7 +633,7 @@ namespace qvr::checked {
 /** Morven_qvrsThreshold_32f_I */
 [[nodiscard]] inline qvrStatus threshold(Out<qvr32f> pSrcDst, qvr32f level, int relOp)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsThreshold_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()), level, relOp);
 }
@@ -641,7 +641,7 @@ namespace qvr::checked {
 /** Morven_qvrsThreshold_GTVal_32f */
 [[nodiscard]] inline qvrStatus thresholdGTVal(In<qvr32f> pSrc, Out<qvr32f> pDst, qvr32f level, qvr32f value)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsThreshold_GTVal_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), level, value);
 }
@@ -649,7 +649,7 @@ namespace qvr::checked {
 /** Morven_qvrsThreshold_GTVal_32f_I */
 [[nodiscard]] inline qvrStatus thresholdGTVal(Out<qvr32f> pSrcDst, qvr32f level, qvr32f value)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsThreshold_GTVal_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()), level, value);
 }
@@ -657,7 +657,7 @@ namespace qvr::checked {
 /** Morven_qvrsThreshold_LTVal_32f */
 [[nodiscard]] inline qvrStatus thresholdLTVal(In<qvr32f> pSrc, Out<qvr32f> pDst, qvr32f level, qvr32f value)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsThreshold_LTVal_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), level, value);
 }
@@ -665,7 +665,7 @@ namespace qvr::checked {
 /** Morven_qvrsThreshold_LTVal_32f_I */
 [[nodiscard]] inline qvrStatus thresholdLTVal(Out<qvr32f> pSrcDst, qvr32f level, qvr32f value)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsThreshold_LTVal_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()), level, value);
 }
@@ -673,7 +673,7 @@ namespace qvr::checked {
 /** Morven_qvrsReplaceC_16u */
 [[nodiscard]] inline qvrStatus replaceC(In<qvr16u> pSrc, Out<qvr16u> pDst, qvr16u oldVal, qvr16u newVal)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsReplaceC_16u(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), oldVal, newVal);
 }
@@ -699,7 +699,7 @@ namespace qvr::checked {
 /** Morven_qvrsSortAscend_32f_I */
 [[nodiscard]] inline qvrStatus sortAscend(Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsSortAscend_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -707,7 +707,7 @@ namespace qvr::checked {
 /** Morven_qvrsSortAscend_64f_I */
 [[nodiscard]] inline qvrStatus sortAscend(Out<qvr64f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsSortAscend_64f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -715,7 +715,7 @@ namespace qvr::checked {
 /** Morven_qvrsSignChangeRate_Count0_32f */
 [[nodiscard]] inline qvrStatus signChangeRateCount0(In<qvr32f> pSrc, qvr32f& pResult)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsSignChangeRate_Count0_32f(pSrc.data(), static_cast<int>(pSrc.size()), &pResult);
 }
@@ -723,7 +723,7 @@ namespace qvr::checked {
 /** Morven_qvrsZeroCrossing_32f */
 [[nodiscard]] inline qvrStatus zeroCrossing(In<qvr32f> pSrc, qvr32f& pResult, int zcType)
 {
-    if (!(detail::same(pSrc.size())))
+    if (!detail::same(pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsZeroCrossing_32f(pSrc.data(), static_cast<int>(pSrc.size()), &pResult, zcType);
 }
@@ -732,7 +732,7 @@ namespace qvr::checked {
 [[nodiscard]] inline qvrStatus compensateOffset(In<qvr32f> pSrc, Out<qvr32f> pDst, qvr32f& pLast, qvr32f prevValue,
                                                 qvr32f factor)
 {
-    if (!(detail::holds(pSrc, detail::length(pDst.size()) + 1)))
+    if (!detail::holds(pSrc, detail::length(pDst.size()) + 1))
         return qvrErrBadSize;
     return Morven_qvrsCompensateOffset_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), &pLast, prevValue,
                                            factor);
@@ -741,7 +741,7 @@ namespace qvr::checked {
 /** Morven_qvrsCompensateOffset_32f_I */
 [[nodiscard]] inline qvrStatus compensateOffset(Out<qvr32f> pSrcDst, qvr32f& pLast, qvr32f prevValue, qvr32f factor)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsCompensateOffset_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()), &pLast, prevValue,
                                              factor);
@@ -750,7 +750,7 @@ namespace qvr::checked {
 /** Morven_qvrsFindPeaks_32f8u */
 [[nodiscard]] inline qvrStatus findPeaks(In<qvr32f> pSrc, Out<qvr8u> pDstPeaks, int searchSize, int movingAvgSize)
 {
-    if (!(detail::same(pDstPeaks.size(), pSrc.size())))
+    if (!detail::same(pDstPeaks.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsFindPeaks_32f8u(pSrc.data(), pDstPeaks.data(), static_cast<int>(pDstPeaks.size()), searchSize,
                                       movingAvgSize);
@@ -932,7 +932,7 @@ namespace qvr::checked {
 /** Morven_qvrsWinBartlett_32f_I */
 [[nodiscard]] inline qvrStatus winBartlett(Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsWinBartlett_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -940,7 +940,7 @@ namespace qvr::checked {
 /** Morven_qvrsWinHann_32f_I */
 [[nodiscard]] inline qvrStatus winHann(Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsWinHann_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -948,7 +948,7 @@ namespace qvr::checked {
 /** Morven_qvrsWinHamming_32f_I */
 [[nodiscard]] inline qvrStatus winHamming(Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsWinHamming_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -956,7 +956,7 @@ namespace qvr::checked {
 /** Morven_qvrsWinHamming_16s_I */
 [[nodiscard]] inline qvrStatus winHamming(Out<qvr16s> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsWinHamming_16s_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -964,7 +964,7 @@ namespace qvr::checked {
 /** Morven_qvrsWinBlackmanStd_32f_I */
 [[nodiscard]] inline qvrStatus winBlackmanStd(Out<qvr32f> pSrcDst)
 {
-    if (!(detail::same(pSrcDst.size())))
+    if (!detail::same(pSrcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsWinBlackmanStd_32f_I(pSrcDst.data(), static_cast<int>(pSrcDst.size()));
 }
@@ -972,7 +972,7 @@ namespace qvr::checked {
 /** Morven_qvrsIIR_64f */
 [[nodiscard]] inline qvrStatus iir(In<qvr64f> src, Out<qvr64f> dst, IIRState_64f& state)
 {
-    if (!(detail::same(dst.size(), src.size())))
+    if (!detail::same(dst.size(), src.size()))
         return qvrErrBadSize;
     return Morven_qvrsIIR_64f(src.data(), dst.data(), static_cast<int>(dst.size()), state.get());
 }
@@ -997,7 +997,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIR_32f */
 [[nodiscard]] inline qvrStatus fir(In<qvr32f> src, Out<qvr32f> dst, FIRState_32f& state)
 {
-    if (!(detail::same(dst.size(), src.size())))
+    if (!detail::same(dst.size(), src.size()))
         return qvrErrBadSize;
     return Morven_qvrsFIR_32f(src.data(), dst.data(), static_cast<int>(dst.size()), state.get());
 }
@@ -1005,7 +1005,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIR_64f */
 [[nodiscard]] inline qvrStatus fir(In<qvr64f> src, Out<qvr64f> dst, FIRState_64f& state)
 {
-    if (!(detail::same(dst.size(), src.size())))
+    if (!detail::same(dst.size(), src.size()))
         return qvrErrBadSize;
     return Morven_qvrsFIR_64f(src.data(), dst.data(), static_cast<int>(dst.size()), state.get());
 }
@@ -1013,7 +1013,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIR64f_32f */
 [[nodiscard]] inline qvrStatus fir(In<qvr32f> src, Out<qvr32f> dst, FIRState64f_32f& state)
 {
-    if (!(detail::same(dst.size(), src.size())))
+    if (!detail::same(dst.size(), src.size()))
         return qvrErrBadSize;
     return Morven_qvrsFIR64f_32f(src.data(), dst.data(), static_cast<int>(dst.size()), state.get());
 }
@@ -1021,7 +1021,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIR64f_16s_Sfs */
 [[nodiscard]] inline qvrStatus fir(In<qvr16s> src, Out<qvr16s> dst, FIRState64f_16s& state, int scaleFactor)
 {
-    if (!(detail::same(dst.size(), src.size())))
+    if (!detail::same(dst.size(), src.size()))
         return qvrErrBadSize;
     return Morven_qvrsFIR64f_16s_Sfs(src.data(), dst.data(), static_cast<int>(dst.size()), state.get(), scaleFactor);
 }
@@ -1029,7 +1029,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIRGetTaps_32f */
 [[nodiscard]] inline qvrStatus firGetTaps(const FIRState_32f& state, Out<qvr32f> taps)
 {
-    if (!(detail::holds(taps, detail::length(state.taps()))))
+    if (!detail::holds(taps, detail::length(state.taps())))
         return qvrErrBadSize;
     return Morven_qvrsFIRGetTaps_32f(state.get(), taps.data());
 }
@@ -1037,7 +1037,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIRGetDlyLine_32f */
 [[nodiscard]] inline qvrStatus firGetDlyLine(const FIRState_32f& state, Out<qvr32f> dlyLine)
 {
-    if (!(detail::holds(dlyLine, detail::length(state.taps()))))
+    if (!detail::holds(dlyLine, detail::length(state.taps())))
         return qvrErrBadSize;
     return Morven_qvrsFIRGetDlyLine_32f(state.get(), dlyLine.data());
 }
@@ -1045,7 +1045,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIRGetDlyLine_64f */
 [[nodiscard]] inline qvrStatus firGetDlyLine(const FIRState_64f& state, Out<qvr64f> dlyLine)
 {
-    if (!(detail::holds(dlyLine, detail::length(state.taps()))))
+    if (!detail::holds(dlyLine, detail::length(state.taps())))
         return qvrErrBadSize;
     return Morven_qvrsFIRGetDlyLine_64f(state.get(), dlyLine.data());
 }
@@ -1053,7 +1053,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIRGetDlyLine64f_32f */
 [[nodiscard]] inline qvrStatus firGetDlyLine(const FIRState64f_32f& state, Out<qvr32f> dlyLine)
 {
-    if (!(detail::holds(dlyLine, detail::length(state.taps()))))
+    if (!detail::holds(dlyLine, detail::length(state.taps())))
         return qvrErrBadSize;
     return Morven_qvrsFIRGetDlyLine64f_32f(state.get(), dlyLine.data());
 }
@@ -1123,7 +1123,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIRGenLowpass_64f */
 [[nodiscard]] inline qvrStatus firGenLowpass(Out<qvr64f> taps, int windowType, int normalize, qvr64f rFreq)
 {
-    if (!(detail::same(taps.size())))
+    if (!detail::same(taps.size()))
         return qvrErrBadSize;
     return Morven_qvrsFIRGenLowpass_64f(taps.data(), static_cast<int>(taps.size()), windowType, normalize, rFreq);
 }
@@ -1131,7 +1131,7 @@ namespace qvr::checked {
 /** Morven_qvrsFIRGenHighpass_64f */
 [[nodiscard]] inline qvrStatus firGenHighpass(Out<qvr64f> taps, int windowType, int normalize, qvr64f rFreq)
 {
-    if (!(detail::same(taps.size())))
+    if (!detail::same(taps.size()))
         return qvrErrBadSize;
     return Morven_qvrsFIRGenHighpass_64f(taps.data(), static_cast<int>(taps.size()), windowType, normalize, rFreq);
 }
@@ -1140,7 +1140,7 @@ namespace qvr::checked {
 [[nodiscard]] inline qvrStatus firGenBandpass(Out<qvr64f> taps, int windowType, int normalize, qvr64f rLowFreq,
                                               qvr64f rHighFreq)
 {
-    if (!(detail::same(taps.size())))
+    if (!detail::same(taps.size()))
         return qvrErrBadSize;
     return Morven_qvrsFIRGenBandpass_64f(taps.data(), static_cast<int>(taps.size()), windowType, normalize, rLowFreq,
                                          rHighFreq);
@@ -1150,7 +1150,7 @@ namespace qvr::checked {
 [[nodiscard]] inline qvrStatus firGenBandstop(Out<qvr64f> taps, int windowType, int normalize, qvr64f rLowFreq,
                                               qvr64f rHighFreq)
 {
-    if (!(detail::same(taps.size())))
+    if (!detail::same(taps.size()))
         return qvrErrBadSize;
     return Morven_qvrsFIRGenBandstop_64f(taps.data(), static_cast<int>(taps.size()), windowType, normalize, rLowFreq,
                                          rHighFreq);
@@ -1159,7 +1159,7 @@ namespace qvr::checked {
 /** Morven_qvrsFilterMedian_32f_I */
 [[nodiscard]] inline qvrStatus filterMedian(Out<qvr32f> srcDst, int maskSize)
 {
-    if (!(detail::same(srcDst.size())))
+    if (!detail::same(srcDst.size()))
         return qvrErrBadSize;
     return Morven_qvrsFilterMedian_32f_I(srcDst.data(), static_cast<int>(srcDst.size()), maskSize);
 }
@@ -1290,7 +1290,7 @@ namespace qvr::checked {
 /** Morven_qvriAddC_8u_C1IRSfs */
 [[nodiscard]] inline qvrStatus addC(qvr8u value, Image<qvr8u> srcDst, int scaleFactor)
 {
-    if (!(srcDst.complete()))
+    if (!srcDst.complete())
         return qvrErrBadSize;
     return Morven_qvriAddC_8u_C1IRSfs(value, srcDst.data(), srcDst.step(), srcDst.size(), scaleFactor);
 }
@@ -1298,7 +1298,7 @@ namespace qvr::checked {
 /** Morven_qvriAddC_16u_C1IRSfs */
 [[nodiscard]] inline qvrStatus addC(qvr16u value, Image<qvr16u> srcDst, int scaleFactor)
 {
-    if (!(srcDst.complete()))
+    if (!srcDst.complete())
         return qvrErrBadSize;
     return Morven_qvriAddC_16u_C1IRSfs(value, srcDst.data(), srcDst.step(), srcDst.size(), scaleFactor);
 }
@@ -1306,7 +1306,7 @@ namespace qvr::checked {
 /** Morven_qvriSet_16u_C1R */
 [[nodiscard]] inline qvrStatus set(qvr16u value, Image<qvr16u> dst)
 {
-    if (!(dst.complete()))
+    if (!dst.complete())
         return qvrErrBadSize;
     return Morven_qvriSet_16u_C1R(value, dst.data(), dst.step(), dst.size());
 }
@@ -1391,7 +1391,7 @@ namespace qvr::checked {
 /** Morven_qvriSplitRow_TIFF_16u8u_C1 */
 [[nodiscard]] inline qvrStatus splitRowTIFF(In<qvr8u> src, std::span<qvr8u*, 2> dstPlanes)
 {
-    if (!(detail::same(src.size())))
+    if (!detail::same(src.size()))
         return qvrErrBadSize;
     return Morven_qvriSplitRow_TIFF_16u8u_C1(src.data(), dstPlanes.data(), detail::half(src));
 }
@@ -1399,7 +1399,7 @@ namespace qvr::checked {
 /** Morven_qvriJoinRow_TIFF_8u16u_C1 */
 [[nodiscard]] inline qvrStatus joinRowTIFF(std::span<qvr8u*, 2> srcPlanes, Out<qvr8u> dst)
 {
-    if (!(detail::same(dst.size())))
+    if (!detail::same(dst.size()))
         return qvrErrBadSize;
     return Morven_qvriJoinRow_TIFF_8u16u_C1(srcPlanes.data(), dst.data(), detail::half(dst));
 }
@@ -1407,7 +1407,7 @@ namespace qvr::checked {
 /** Morven_qvrsSin_32f_A11 */
 [[nodiscard]] inline qvrStatus sinA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsSin_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1415,7 +1415,7 @@ namespace qvr::checked {
 /** Morven_qvrsCos_32f_A11 */
 [[nodiscard]] inline qvrStatus cosA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsCos_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1423,7 +1423,7 @@ namespace qvr::checked {
 /** Morven_qvrsTan_32f_A11 */
 [[nodiscard]] inline qvrStatus tanA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsTan_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1431,7 +1431,7 @@ namespace qvr::checked {
 /** Morven_qvrsAsin_32f_A11 */
 [[nodiscard]] inline qvrStatus asinA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsAsin_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1439,7 +1439,7 @@ namespace qvr::checked {
 /** Morven_qvrsAcos_32f_A11 */
 [[nodiscard]] inline qvrStatus acosA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsAcos_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1447,7 +1447,7 @@ namespace qvr::checked {
 /** Morven_qvrsAtan_32f_A11 */
 [[nodiscard]] inline qvrStatus atanA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsAtan_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1455,7 +1455,7 @@ namespace qvr::checked {
 /** Morven_qvrsAtan2_32f_A11 */
 [[nodiscard]] inline qvrStatus atan2A11(In<qvr32f> pSrcY, In<qvr32f> pSrcX, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrcY.size(), pSrcX.size())))
+    if (!detail::same(pDst.size(), pSrcY.size(), pSrcX.size()))
         return qvrErrBadSize;
     return Morven_qvrsAtan2_32f_A11(pSrcY.data(), pSrcX.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1463,7 +1463,7 @@ namespace qvr::checked {
 /** Morven_qvrsSinh_32f_A11 */
 [[nodiscard]] inline qvrStatus sinhA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsSinh_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1471,7 +1471,7 @@ namespace qvr::checked {
 /** Morven_qvrsCosh_32f_A11 */
 [[nodiscard]] inline qvrStatus coshA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsCosh_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1479,7 +1479,7 @@ namespace qvr::checked {
 /** Morven_qvrsTanh_32f_A11 */
 [[nodiscard]] inline qvrStatus tanhA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsTanh_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1487,7 +1487,7 @@ namespace qvr::checked {
 /** Morven_qvrsExp_32f_A11 */
 [[nodiscard]] inline qvrStatus expA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsExp_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1495,7 +1495,7 @@ namespace qvr::checked {
 /** Morven_qvrsLn_32f_A11 */
 [[nodiscard]] inline qvrStatus lnA11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsLn_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1503,7 +1503,7 @@ namespace qvr::checked {
 /** Morven_qvrsLog10_32f_A11 */
 [[nodiscard]] inline qvrStatus log10A11(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsLog10_32f_A11(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1511,7 +1511,7 @@ namespace qvr::checked {
 /** Morven_qvrsLog10_32f_A21 */
 [[nodiscard]] inline qvrStatus log10A21(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsLog10_32f_A21(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1519,7 +1519,7 @@ namespace qvr::checked {
 /** Morven_qvrsPow_32f_A11 */
 [[nodiscard]] inline qvrStatus powA11(In<qvr32f> pSrcX, In<qvr32f> pSrcY, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrcX.size(), pSrcY.size())))
+    if (!detail::same(pDst.size(), pSrcX.size(), pSrcY.size()))
         return qvrErrBadSize;
     return Morven_qvrsPow_32f_A11(pSrcX.data(), pSrcY.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1527,7 +1527,7 @@ namespace qvr::checked {
 /** Morven_qvrsPow_32f_A24 */
 [[nodiscard]] inline qvrStatus powA24(In<qvr32f> pSrcX, In<qvr32f> pSrcY, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrcX.size(), pSrcY.size())))
+    if (!detail::same(pDst.size(), pSrcX.size(), pSrcY.size()))
         return qvrErrBadSize;
     return Morven_qvrsPow_32f_A24(pSrcX.data(), pSrcY.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1535,7 +1535,7 @@ namespace qvr::checked {
 /** Morven_qvrsPowx_32f_A11 */
 [[nodiscard]] inline qvrStatus powxA11(In<qvr32f> pSrcX, qvr32f y, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrcX.size())))
+    if (!detail::same(pDst.size(), pSrcX.size()))
         return qvrErrBadSize;
     return Morven_qvrsPowx_32f_A11(pSrcX.data(), y, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1543,7 +1543,7 @@ namespace qvr::checked {
 /** Morven_qvrsPowx_32f_A24 */
 [[nodiscard]] inline qvrStatus powxA24(In<qvr32f> pSrcX, qvr32f y, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrcX.size())))
+    if (!detail::same(pDst.size(), pSrcX.size()))
         return qvrErrBadSize;
     return Morven_qvrsPowx_32f_A24(pSrcX.data(), y, pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1551,7 +1551,7 @@ namespace qvr::checked {
 /** Morven_qvrsExp_32f */
 [[nodiscard]] inline qvrStatus exp(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsExp_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1559,7 +1559,7 @@ namespace qvr::checked {
 /** Morven_qvrsLn_32f */
 [[nodiscard]] inline qvrStatus ln(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsLn_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1567,7 +1567,7 @@ namespace qvr::checked {
 /** Morven_qvrsArctan_32f */
 [[nodiscard]] inline qvrStatus arctan(In<qvr32f> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsArctan_32f(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1575,7 +1575,7 @@ namespace qvr::checked {
 /** Morven_qvrsPhase_32fc */
 [[nodiscard]] inline qvrStatus phase(In<qvr32fc> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsPhase_32fc(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1583,7 +1583,7 @@ namespace qvr::checked {
 /** Morven_qvrsMagnitude_32fc */
 [[nodiscard]] inline qvrStatus magnitude(In<qvr32fc> pSrc, Out<qvr32f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMagnitude_32fc(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1591,7 +1591,7 @@ namespace qvr::checked {
 /** Morven_qvrsMagnitude_64fc */
 [[nodiscard]] inline qvrStatus magnitude(In<qvr64fc> pSrc, Out<qvr64f> pDst)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMagnitude_64fc(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()));
 }
@@ -1599,7 +1599,7 @@ namespace qvr::checked {
 /** Morven_qvrsMagnitude_16sc_Sfs */
 [[nodiscard]] inline qvrStatus magnitude(In<qvr16sc> pSrc, Out<qvr16s> pDst, int scaleFactor)
 {
-    if (!(detail::same(pDst.size(), pSrc.size())))
+    if (!detail::same(pDst.size(), pSrc.size()))
         return qvrErrBadSize;
     return Morven_qvrsMagnitude_16sc_Sfs(pSrc.data(), pDst.data(), static_cast<int>(pDst.size()), scaleFactor);
 }

@@ -10,14 +10,15 @@ root, work, compiler, library = Path(sys.argv[1]), Path(sys.argv[2]), sys.argv[3
 work.mkdir(parents=True, exist_ok=True)
 count, faults = 0, []
 for guide in sorted((root / "docs").glob("*.md")):
-    for number, program in enumerate(re.findall(r"```c\n(.*?)```", guide.read_text(), re.S)):
+    for number, (language, program) in enumerate(re.findall(r"```(c|cpp)\n(.*?)```", guide.read_text(), re.S)):
         if "int main(" not in program:
             continue
         count += 1
-        source = work / f"{guide.stem}-{number}.c"
+        source = work / f"{guide.stem}-{number}.{language}"
+        translator = [compiler, "-std=gnu11"] if language == "c" else [re.sub("clang|gcc", lambda m: {"clang": "clang++", "gcc": "g++"}[m[0]], compiler), "-std=gnu++20"]
         source.write_text(program)
         built = subprocess.run(
-            [compiler, "-std=gnu11", "-Wall", "-Wextra", "-Werror", "-I", root / "include", source, "-L", library,
+            [*translator, "-Wall", "-Wextra", "-Werror", "-I", root / "include", source, "-L", library,
              "-lmorvenqvr", "-lm", "-o", source.with_suffix("")], capture_output=True, text=True)
         if built.returncode != 0:
             faults.append(f"{source.name} does not compile\n{built.stderr}")
@@ -26,4 +27,4 @@ for guide in sorted((root / "docs").glob("*.md")):
         if done.returncode != 0:
             faults.append(f"{source.name} ends with {done.returncode}")
 print("\n".join(faults) or f"{count} programs")
-sys.exit(bool(faults) or count < 6)
+sys.exit(bool(faults) or count < 7)
