@@ -1,5 +1,5 @@
 #!/bin/sh
-# Installs what is missing, builds the benchmark program, runs it and writes docs/performance.md.
+# Installs what is missing, builds the benchmark program, runs it and writes docs/performance.md and docs/performance/.
 #   bench/run.sh [family]     all families, or one; QUICK=1 for a short look that leaves the page alone
 set -e
 cd "$(dirname "$0")/.."
@@ -40,5 +40,6 @@ done
 if [ -z "$family" ] || [ "$family" = frame ]; then
     strip -o $results/stripped.so build/bench/libmorvenqvr.so.1
     LD_LIBRARY_PATH=/usr/lib/llvm-19/lib build/bench/bench/load_time $results/stripped.so >$results/load.md
+    build/bench/bench/qvr_threads >$results/threads.md || rm -f $results/threads.md # one processor alone
 fi
 /usr/bin/python3 bench/report.py $results docs # the interpreter that the package of matplotlib is for
