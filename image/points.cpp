@@ -39,6 +39,7 @@ void copyMasked(const uint16_t* src, uint16_t* dst, const uint8_t* mask, Index n
 // ---- Widening -------------------------------------------------------------------------------------------------------
 
 constexpr int kWide = kLanes<uint16_t>;
+constexpr int kPlane = kAvx2 ? 16 : 8; // samples to a vector of one instruction
 
 void widenRow(const uint8_t* src, uint16_t* dst, Index n)
 {
@@ -133,15 +134,14 @@ qvrStatus SLOT(qvriSplitRow_TIFF_16u8u_C1)(const qvr8u* src, qvr8u** dstPlanes, 
         return qvrErrBadStep;
     if (anyNull(dstPlanes[0], dstPlanes[1]))
         return qvrErrNullPointer;
-    constexpr int N = 2 * kWide;
-    using V = Vec<uint16_t, N>;
+    using V = Vec<uint16_t, kPlane>;
     qvr8u *const high = dstPlanes[0], *const low = dstPlanes[1];
     const Index n = len;
     Index i = 0;
-    for (; i + N <= n; i += N) {
-        const V samples = load<V>(src + 2 * i);
-        store(high + i, convert<uint8_t>(samples >> 8));
-        store(low + i, convert<uint8_t>(samples & 0xFF));
+    for (; i + 2 * kPlane <= n; i += 2 * kPlane) {
+        const V a = load<V>(src + 2 * i), b = load<V>(src + 2 * (i + kPlane));
+        store(high + i, packWords(bitcast<Vec<int16_t, kPlane>>(a >> 8), bitcast<Vec<int16_t, kPlane>>(b >> 8)));
+        store(low + i, packWords(bitcast<Vec<int16_t, kPlane>>(a & 0xFF), bitcast<Vec<int16_t, kPlane>>(b & 0xFF)));
     }
     for (; i < n; i++) {
         high[i] = src[2 * i + 1];
@@ -156,13 +156,15 @@ qvrStatus SLOT(qvriJoinRow_TIFF_8u16u_C1)(qvr8u** srcPlanes, qvr8u* dst, int len
         return qvrErrNullPointer;
     if (len < 1)
         return qvrErrBadStep;
-    constexpr int N = 2 * kWide;
-    using V = Vec<uint8_t, N>;
+    using V = Vec<uint8_t, 2 * kPlane>;
     const qvr8u *const high = srcPlanes[0], *const low = srcPlanes[1];
     const Index n = len;
     Index i = 0;
-    for (; i + N <= n; i += N)
-        store(dst + 2 * i, convert<uint16_t>(load<V>(low + i)) | shiftLeft(convert<uint16_t>(load<V>(high + i)), 8));
+    for (; i + 2 * kPlane <= n; i += 2 * kPlane) {
+        const V l = load<V>(low + i), h = load<V>(high + i);
+        store(dst + 2 * i, zipLo(l, h));
+        store(dst + 2 * (i + kPlane), zipHi(l, h));
+    }
     for (; i < n; i++) {
         dst[2 * i] = low[i];
         dst[2 * i + 1] = high[i];
