@@ -36,15 +36,19 @@ def signature(function):
 
 
 def renamed(text, form):
-    """Text of a form with Python's names, without what C alone needs."""
+    """Text of a form with Python's names."""
     for c_name, name in form.renames.items():
-        text = re.sub(rf"(?<![\w]){c_name}(?!\w)", name, text)
+        text = re.sub(rf"\*?(?<!\w){c_name}(?!\w)", name, text)
     return re.sub(r"(?<!\w)p(?:Dst|SrcDst)(?!\w)", "out", text)
 
 
 def prose(text, form):
     text = re.split(r"\n@param", text)[0] if "@return" not in text else re.sub(r"\n@param.*?(?=\n@return)", "", text, flags=re.S)
-    text = re.sub(r"\s*@return\s*", "\nStatuses: ", text)
+    text, _, statuses = text.partition("@return")
+    # Python's arrays are there and have elements.
+    kept = [part for part in re.split(r";\s*", " ".join(statuses.split())) if part and not re.match(
+        r"(?:in (?:this )?order: )?qvrErrNullPointer|qvrErrBadSize(?: for (?:`?len\w*`?(?: below 1)?|srcLen))?$|qvrOk$", part)]
+    text = text.strip() + ("\nStatuses: " + "; ".join(kept) if kept else "")
     if operation(form.export)[0] in table.REVERSED:
         text = re.sub(r": the first array[^.]*", "", text)  # of C's arguments, not of Python's
     return renamed(text, form).strip()
@@ -69,6 +73,23 @@ def types(function, place):
     return list(names), any(len(form.inputs) > place and form.inputs[place] is None for form in function.forms)
 
 
+def returned(function):
+    """What comes back, where it is not out alone."""
+    parts = ["out"] if function.has_output else []
+    for kinds in zip(*[form.results for form in function.forms]):
+        parts.append("a number")
+    if function.written >= 0:
+        parts.append(list(function.extras)[function.written])
+    if parts == ["out"]:
+        return "out"
+    text = f"({', '.join(parts)})" if len(parts) > 1 else parts[0]
+    if any(form.results for form in function.forms):
+        text += "; of more axes arrays of them, one for each row"
+    if function.written >= 0:
+        text += ", which the next call takes"
+    return text
+
+
 def one_of(words):
     return words[0] if len(words) == 1 else ", ".join(words[:-1]) + " or " + words[-1]
 
@@ -89,12 +110,14 @@ def docstring(function, header):
     if function.has_output:
         outputs = list(dict.fromkeys(ELEMENTS[form.output][1] for form in function.forms if form.output))
         lines.append(f"    out: receives the result, {one_of(outputs)}" + ("" if function.needs_output else "; made if None"))
-    for name, c_name in function.extras.items():
+    in_order = sorted(function.extras.items(), key=lambda item: function.default(item[0]) is not None)
+    for name, c_name in in_order:
         if (function.name, name) in table.HIDDEN:
             continue
         text = parameter_text(function, name)
         if c_name in table.SELECTORS:
             text = "one of " + ", ".join(repr(choice) for choice in selectors(header, c_name))
+            text += f"; None is {snake(table.SELECTED[name].removeprefix(table.SELECTORS[c_name]))!r}" if name in table.SELECTED else ""
         if name == "scale" and not text:
             text = "the result is divided by 2 to the power of it; 0 in forms without it"
         lines.append(f"    {name}: {text}".rstrip(": "))
@@ -106,6 +129,8 @@ def docstring(function, header):
                      + ", ".join(map(str, classes)))
     if function.inputs:
         lines.append("    copy: True converts and copies arrays that do not fit as they are")
+    lines.append(f"    returns {returned(function)}")
+    lines = [part for line in lines for part in (textwrap.wrap(line, 116, subsequent_indent="        ", break_on_hyphens=False) or [""])]
     lines += ["", "By element type:"]
     for form in function.forms:
         kinds = ", ".join(ELEMENTS[kind][1] if kind else "number" for kind in form.inputs)
@@ -116,5 +141,8 @@ def docstring(function, header):
         text = prose(form.export.text, form)
         lines += textwrap.indent(text, "        ").split("\n")
     title, text = header.groups[function.group]
-    lines += ["", f"{title}, in general:", *textwrap.indent(text, "    ").split("\n")]
+    for c_name, name in first.renames.items():
+        if c_name != c_name.lower():  # others are words of their own, as taps
+            text = re.sub(rf"(?<!\w){c_name}(?!\w)", name, text)
+    lines += ["", f"{title}: what the C reference says of all of them:", *textwrap.indent(text, "    ").split("\n")]
     return "\n".join(line.rstrip() for line in lines).replace("\\", "\\\\").replace('"""', "'''")

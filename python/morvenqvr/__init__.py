@@ -10,8 +10,17 @@ morvenqvr.Warning, once for a call: with the status that the library gives for t
 element that has it. numpy.errstate has no part in it, and functions of which the library reports nothing (exp, log10, tanh)
 never warn.
 """
+try:
+    import numpy as _numpy  # noqa: F401
+except ImportError as _error:
+    raise ImportError(f"morvenqvr needs numpy, which this interpreter cannot import: {_error}") from None
+try:
+    from ._core import LIBRARY, INT16C as int16c, METHODS
+except ModuleNotFoundError as _error:
+    if _error.name != __name__ + "._core":
+        raise
+    raise ImportError("morvenqvr was built for another interpreter: build it with this one, or run the one it was built with") from None
 from . import _core
-from ._core import LIBRARY, INT16C as int16c, METHODS
 from ._errors import ArgumentError, ArrayError, Error, NoMemoryError, StateError, Warning
 from ._generated import EXPORTS as _EXPORTS, FUNCTIONS as _FUNCTIONS, GROUPS, STATUSES, VERSION
 from .design import (Sections, daubechies, iir_highpass, iir_lowpass, second_order_sections, upfirdn, wavedec, waverec)

@@ -116,6 +116,9 @@ def test_docstrings_and_signatures():
     text = qvr.div.__doc__
     for part in ("a / b", "float32", "qvrWarnDivByZero", "Morven_qvrsDiv_32f", "out[i] = a[i] / b[i]"):
         assert part in text, part
+    assert "returns (out, phase), which the next call takes" in qvr.sample_down.__doc__ and "x[phase + factor]" in qvr.sample_down.__doc__
+    for name in qvr.__all__:
+        assert "NullPointer" not in (getattr(qvr, name).__doc__ or "").split("the C reference says")[0], name
     assert "pSrc" not in qvr.add.__doc__ and "the first array" not in qvr.sub.__doc__ and "first array" not in qvr.div.__doc__
     assert str(inspect.signature(qvr.convert)) == "(x, out=None, *, scale=0, rounding=None, dtype=None, copy=False)"
     assert "arithmetic" in qvr.__doc__ and "add, sub, mul, div" in qvr.__doc__

@@ -300,6 +300,16 @@ def test_shared_object_missing_or_too_old(tmp_path):
     assert code and "ImportError: morvenqvr cannot load" in said
 
 
+def test_interpreter_without_numpy_or_of_another_kind(tmp_path):
+    import shutil
+    package = os.path.dirname(qvr.__file__)
+    done = subprocess.run([sys.executable, "-B", "-S", "-c", "import morvenqvr"], env={"PYTHONPATH": os.path.dirname(package)}, capture_output=True, text=True)
+    assert "ImportError: morvenqvr needs numpy, which this interpreter cannot import" in done.stderr
+    shutil.copytree(package, tmp_path / "morvenqvr", ignore=shutil.ignore_patterns("_core*"))
+    done = subprocess.run([sys.executable, "-B", "-c", "import morvenqvr"], env={"PYTHONPATH": str(tmp_path)}, capture_output=True, text=True)
+    assert "ImportError: morvenqvr was built for another interpreter" in done.stderr
+
+
 def test_fork():
     """A child of a process that has used threads of the library works."""
     import multiprocessing
