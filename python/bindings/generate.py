@@ -113,13 +113,14 @@ def tables(header, found):
         out.append(code)
         vectors = sum(1 << k for k, name in enumerate(function.input_names) if name == "table") if function.image else 0
         commutative = any(operation(form.export)[0] in table.COMMUTATIVE for form in function.forms)
+        selectors_ = sum(1 << k for k, c_name in enumerate(function.extras.values()) if c_name in table.SELECTORS)
         names = ", ".join(f'"{name}"' for name in function.input_names) or "NULL"
         extra_names = ", ".join(f'"{name}"' for name in extras) or "NULL"
         elementwise = function.group in table.ELEMENTWISE and not any(form.results for form in function.forms)
         records.append(
             f"    {{\"{function.name}\", forms_{function.name}, {len(function.forms)}, {function.inputs}, {len(extras)}, "
             f"{max(len(form.results) for form in function.forms)}, {2 if function.image else 1}, {vectors}, {int(elementwise)}, "
-            f"{int(commutative)}, {int(function.needs_output)}, {function.written}, {table.WEIGHTS.get(function.group, 1)}, "
+            f"{int(commutative)}, {int(function.needs_output)}, {function.written}, {selectors_}, {table.WEIGHTS.get(function.group, 1)}, "
             f"{int(function.name in table.QUADRATIC)}, {pointer}, {{{names}}}, {{{extra_names}}}}},")
     out.append("enum {\n" + "".join(f"    G_{name},\n" for name in found) + "    kGroups\n};")
     out.append("static const QvrGroup groups[kGroups] = {\n" + "\n".join(records) + "\n};\n")

@@ -108,17 +108,22 @@ cdef bint same_place(const Operand* s, const Operand* t) nogil:
     return True
 
 
-cdef int apart(function, name, object array, const Operand* s, object out, const Operand* t) except -1:
-    """Raises where an input and the output overlap without being the same."""
+cdef bint near(const Operand* s, const Operand* t) nogil:
+    """Their ranges of memory overlap."""
     cdef char *low
     cdef char *high
     cdef char *other_low
     cdef char *other_high
     if elements(s) == 0 or elements(t) == 0:
-        return 0
+        return False
     extent(s, &low, &high)
     extent(t, &other_low, &other_high)
-    if low < other_high and other_low < high and kShares(array, out):
+    return low < other_high and other_low < high
+
+
+cdef int apart(function, name, object array, const Operand* s, object out, const Operand* t) except -1:
+    """Raises where an input and the output overlap without being the same."""
+    if near(s, t) and kShares(array, out):
         raise ArgumentError(function, None, "out", f"wanted an array apart from {name}, or {name} itself where that is allowed; "
                             "got one that overlaps it")
     return 0
@@ -137,6 +142,22 @@ cdef object describe(object o):
     elif array.ndim and array.size and array.strides[array.ndim - 1] != array.itemsize and array.shape[array.ndim - 1] > 1:
         text += f" with elements {array.strides[array.ndim - 1]} bytes apart"
     return text + f" and shape {array.shape}"
+
+
+cdef dict kNumbers = {}
+
+
+cdef int number_of(object dtype) except? -1:
+    """numpy's number of a native dtype, kSwapped for another."""
+    try:
+        return kNumbers[dtype]
+    except (KeyError, TypeError):
+        pass
+    kind = numpy.dtype(dtype)
+    number = kind.num if kind.isnative else kSwapped
+    if isinstance(dtype, (type, str)):
+        kNumbers[dtype] = number
+    return number
 
 
 cdef object type_name(int number):
@@ -192,26 +213,22 @@ cdef int parse_number(const QvrGroup* g, const char* argument, object value, cha
 
 
 cdef int parse_extra(const QvrGroup* g, const QvrForm* form, int k, object value, QvrArguments* a) except -1:
-    cdef char letter = form.extra[k]
-    if value is None or isinstance(value, str):
-        choices = SELECTORS.get((name_of(g.name), name_of(g.extraName[k])))
-        if choices is not None:
-            if value not in choices:
-                raise ArgumentError(name_of(g.name), "qvrErrBadSelector", name_of(g.extraName[k]),
-                                    f"wanted one of {', '.join(repr(c) for c in choices if c)}; got {value!r}")
+    if g.selectors & (1 << k):
+        choices = SELECTORS[name_of(g.name), name_of(g.extraName[k])]
+        if value in choices:
             a.i[k] = choices[value]
             return 0
-        if value is None:
-            a.i[k] = kNothing if g.length != NULL else 0
-            a.r[k] = 0
-            return 0
-    parse_number(g, g.extraName[k], value, letter, k, a)
-    if letter == c'i' and (name_of(g.name), name_of(g.extraName[k])) in SELECTORS:
-        choices = SELECTORS[name_of(g.name), name_of(g.extraName[k])]
-        if a.i[k] not in choices.values():
-            raise ArgumentError(name_of(g.name), "qvrErrBadSelector", name_of(g.extraName[k]),
-                                f"wanted one of {', '.join(repr(c) for c in choices if c)}; got {value!r}")
-    return 0
+        if not isinstance(value, str) and value is not None:
+            parse_number(g, g.extraName[k], value, form.extra[k], k, a)
+            if a.i[k] in choices.values():
+                return 0
+        raise ArgumentError(name_of(g.name), "qvrErrBadSelector", name_of(g.extraName[k]),
+                            f"wanted one of {', '.join(repr(c) for c in choices if c)}; got {value!r}")
+    if value is None:
+        a.i[k] = kNothing if g.length != NULL else 0
+        a.r[k] = 0
+        return 0
+    return parse_number(g, g.extraName[k], value, form.extra[k], k, a)
 
 
 cdef const QvrForm* choose(const QvrGroup* g, const int* types, int output, int accuracy, PyObject** extras, int over) noexcept:
@@ -418,7 +435,7 @@ cdef object run(const QvrGroup* g, PyObject** inputs, object out, PyObject** ext
     elif g.needsOut:
         raise ArrayError(name_of(g.name), None, "out", "wanted an array; got None")
     elif dtype is not None:
-        wanted = kInt16c.num if dtype is kInt16c else numpy.dtype(dtype).num
+        wanted = number_of(dtype)
     if accuracy is not None:
         bits = accuracy
     form = choose(g, types, wanted, bits, extras, over)
@@ -448,7 +465,7 @@ cdef object run(const QvrGroup* g, PyObject** inputs, object out, PyObject** ext
         look(out, &op[m])
     elif m > 0:
         for k in range(m):
-            if types[k] != kNumber and not over & (1 << k):
+            if types[k] != kNumber and not over & (1 << k) and near(&op[k], &op[m]):
                 apart(name_of(g.name), name_of(g.inputName[k]), <object>inputs[k], &op[k], out, &op[m])
     n = elements(&op[m])
     if n == 0:
@@ -505,13 +522,13 @@ cdef object run_list(const QvrGroup* g, list arrays, object out, PyObject** extr
     return run(g, inputs, out, extras, dtype, accuracy, False)
 
 
-cdef int check_layout(const QvrGroup* g, object name, object array, const Operand* s, int rank) except -1:
+cdef int check_layout(const QvrGroup* g, const char* name, object array, const Operand* s, int rank) except -1:
     """Rows whole in memory, axes enough, row steps that C can hold."""
     if not dense(s):
-        raise ArrayError(name_of(g.name), None, name, "wanted an array whose last axis is contiguous; got " + describe(array)
-                         + ("; copy=True copies it" if name != "out" else ""))
+        raise ArrayError(name_of(g.name), None, name_of(name), "wanted an array whose last axis is contiguous; got " + describe(array)
+                         + ("; copy=True copies it" if name_of(name) != "out" else ""))
     if rank == 2 and (s.ndim < 2 or s.strides[s.ndim - 2] > kLongestRow or s.strides[s.ndim - 2] < -kLongestRow):
-        raise ArgumentError(name_of(g.name), "qvrErrBadSize", name,
+        raise ArgumentError(name_of(g.name), "qvrErrBadSize", name_of(name),
                             f"wanted an image, an array of two axes or more with rows less than 2^31 bytes apart; got {describe(array)}")
     return 0
 
@@ -527,26 +544,22 @@ cdef object run_rows(const QvrGroup* g, const QvrForm* form, PyObject** inputs, 
     cdef char buffers[3][16]
     cdef PyThreadState* state = NULL
     cdef long last
-    function = name_of(g.name)
     for k in range(m):
         if types[k] != kNumber:
-            try:
-                check_layout(g, name_of(g.inputName[k]), <object>inputs[k], &op[k], 1 if g.vectors & (1 << k) else rank)
-            except ArrayError:
-                if not copy:
-                    raise
+            if not dense(&op[k]) and copy:
                 return run_list(g, [numpy.ascontiguousarray(<object>inputs[k]) if cnp.PyArray_Check(<object>inputs[k])
                                     else <object>inputs[k] for k in range(m)], out, extras, dtype, accuracy)
+            check_layout(g, g.inputName[k], <object>inputs[k], &op[k], 1 if g.vectors & (1 << k) else rank)
             if lead < 0 or (axes(&op[k]) > axes(&op[lead]) and not g.elementwise):
                 lead = k
     if has_out:
-        check_layout(g, "out", out, &op[m], rank)
+        check_layout(g, b"out", out, &op[m], rank)
         if lead < 0:
             lead = m
     # Axes before the row are those of the lead.
     outer = axes(&op[lead]) - rank if lead >= 0 else 0
     if outer > 30:
-        raise ArgumentError(function, "qvrErrBadSize", name_of(g.inputName[lead]), "wanted at most 31 axes")
+        raise ArgumentError(name_of(g.name), "qvrErrBadSize", name_of(g.inputName[lead]), "wanted at most 31 axes")
     for k in range(outer):
         rows *= op[lead].dims[k]
         dims[k] = op[lead].dims[k]
@@ -556,22 +569,22 @@ cdef object run_rows(const QvrGroup* g, const QvrForm* form, PyObject** inputs, 
         core = 1 if g.vectors & (1 << k) else rank
         a.n[k] = op[k].dims[axes(&op[k]) - 1]
         if a.n[k] > kLongestRow:
-            raise ArgumentError(function, "qvrErrBadSize", name_of(g.inputName[k]), "wanted rows shorter than 2^31 elements")
+            raise ArgumentError(name_of(g.name), "qvrErrBadSize", name_of(g.inputName[k]), "wanted rows shorter than 2^31 elements")
         # One row for all is for functions of whole rows only.
         if k != lead and not (axes(&op[k]) == core and (not g.elementwise or core < rank)):
             if axes(&op[k]) - core != outer:
-                raise ArgumentError(function, "qvrErrBadSize", name_of(g.inputName[k]), shapes_differ(inputs, k, lead))
+                raise ArgumentError(name_of(g.name), "qvrErrBadSize", name_of(g.inputName[k]), shapes_differ(inputs, k, lead))
             for j in range(outer + (rank if g.elementwise or rank == 2 else 0)):
                 if op[k].dims[j] != op[lead].dims[j]:
-                    raise ArgumentError(function, "qvrErrBadSize", name_of(g.inputName[k]), shapes_differ(inputs, k, lead))
+                    raise ArgumentError(name_of(g.name), "qvrErrBadSize", name_of(g.inputName[k]), shapes_differ(inputs, k, lead))
         elif rank == 2 and core == 2 and k != lead:
             for j in range(2):
                 if op[k].dims[op[k].ndim - 2 + j] != op[lead].dims[op[lead].ndim - 2 + j]:
-                    raise ArgumentError(function, "qvrErrBadSize", name_of(g.inputName[k]), shapes_differ(inputs, k, lead))
+                    raise ArgumentError(name_of(g.name), "qvrErrBadSize", name_of(g.inputName[k]), shapes_differ(inputs, k, lead))
     if rank == 2:
         a.width, a.height = 0, 0
         if op[lead].dims[op[lead].ndim - 1] > kLongestRow or op[lead].dims[op[lead].ndim - 2] > kLongestRow:
-            raise ArgumentError(function, "qvrErrBadSize", name_of(g.inputName[lead]), "wanted fewer than 2^31 rows and columns")
+            raise ArgumentError(name_of(g.name), "qvrErrBadSize", name_of(g.inputName[lead]), "wanted fewer than 2^31 rows and columns")
         a.width, a.height = op[lead].dims[op[lead].ndim - 1], op[lead].dims[op[lead].ndim - 2]
         dims[outer], dims[outer + 1] = a.height, a.width
     # The output's row.
@@ -579,7 +592,7 @@ cdef object run_rows(const QvrGroup* g, const QvrForm* form, PyObject** inputs, 
     if g.length != NULL:
         size = g.length(a.n, a)
         if size > kLongestRow:
-            raise ArgumentError(function, "qvrErrBadSize", None, f"the result would have {size} elements in a row")
+            raise ArgumentError(name_of(g.name), "qvrErrBadSize", None, f"the result would have {size} elements in a row")
     elif lead >= 0:
         size = op[lead].dims[axes(&op[lead]) - 1]
     a.n[m] = size
@@ -595,14 +608,14 @@ cdef object run_rows(const QvrGroup* g, const QvrForm* form, PyObject** inputs, 
                 for k in range(outer + rank):
                     fits = fits and op[m].dims[k] == dims[k]
             if not fits:
-                raise ArgumentError(function, "qvrErrBadSize", "out", f"wanted the shape {tuple([dims[k] for k in range(outer + rank)])}; "
+                raise ArgumentError(name_of(g.name), "qvrErrBadSize", "out", f"wanted the shape {tuple([dims[k] for k in range(outer + rank)])}; "
                                     f"got {out.shape}")
             for k in range(m):
-                if types[k] != kNumber and not (over & (1 << k) and g.length == NULL):
-                    apart(function, name_of(g.inputName[k]), <object>inputs[k], &op[k], out, &op[m])
+                if types[k] != kNumber and not (over & (1 << k) and g.length == NULL) and near(&op[k], &op[m]):
+                    apart(name_of(g.name), name_of(g.inputName[k]), <object>inputs[k], &op[k], out, &op[m])
         if form.inPlace != kNone and not over & (1 << form.inPlace):
             if over:
-                raise ArgumentError(function, None, "out", f"wanted {name_of(g.inputName[form.inPlace])} or an array apart from the "
+                raise ArgumentError(name_of(g.name), None, "out", f"wanted {name_of(g.inputName[form.inPlace])} or an array apart from the "
                                     "others; got another input")
             cnp.PyArray_CopyInto(<cnp.ndarray>out, <cnp.ndarray><object>inputs[<int>form.inPlace])
     results = []
@@ -616,7 +629,7 @@ cdef object run_rows(const QvrGroup* g, const QvrForm* form, PyObject** inputs, 
     if form.output != kNone and elements(&op[m]) == 0 and g.results == 0 and (g.length == NULL or lead < 0 or elements(&op[lead]) == 0):
         rows = 0
     if g.written >= 0 and rows > 1 and form.extra[g.written] in b"fd":
-        raise ArgumentError(function, "qvrErrBadSize", name_of(g.inputName[0]), "wanted one row, since the call returns what the next one takes")
+        raise ArgumentError(name_of(g.name), "qvrErrBadSize", name_of(g.inputName[0]), "wanted one row, since the call returns what the next one takes")
     work = rows * g.weight
     for k in range(m):
         if types[k] != kNumber:

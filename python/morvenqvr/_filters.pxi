@@ -301,7 +301,7 @@ cdef class FIRMultirate:
     mid-stream. Calls in several threads wait for each other.
     """
     cdef const QvrKind* kind
-    cdef object taps_, delay_, waiting
+    cdef object taps_, delay_, waiting, nothing
     cdef int up_, down_, up_phase_, down_phase_
     cdef long taken_, given_
     cdef PyThread_type_lock lock
@@ -334,7 +334,7 @@ cdef class FIRMultirate:
         """Back to a past of zeros."""
         self.wait()
         self.delay_ = numpy.zeros((self.taps_.size + self.up_ - 1) // self.up_, self.dtype)
-        self.waiting = numpy.zeros(0, self.dtype)
+        self.waiting = self.nothing = numpy.zeros(0, self.dtype)
         self.taken_ = self.given_ = 0
         PyThread_release_lock(self.lock)
 
@@ -423,7 +423,10 @@ cdef class FIRMultirate:
             in_place = s.data == t.data and before == 0 and self.kind.inPlace >= 0 and 0 < t.dims[0] <= s.dims[0]
             if not in_place:
                 apart("FIRMultirate", "x", x, &s, out, &t)
-            rest = x[count * self.down_ - before:].copy() if count else numpy.concatenate([self.waiting, x])
+            if total == count * self.down_:
+                rest = self.nothing
+            else:
+                rest = x[count * self.down_ - before:].copy() if count else numpy.concatenate([self.waiting, x])
             if count and before:
                 # One group of what waited and what completes it, then the others from where they lie.
                 head = self.down_ - before

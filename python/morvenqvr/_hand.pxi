@@ -21,8 +21,12 @@ cdef object taken(object function, object name, object o, int number, int ndim, 
 cdef object given(object function, object out, int number, tuple shape, Operand* s, object name="out"):
     """The output: made if None, else judged."""
     cdef object array = out
+    cdef cnp.npy_intp dims[32]
+    cdef int k
     if out is None:
-        array = numpy.empty(shape, kInt16c if number == cnp.NPY_VOID else cnp.PyArray_DescrFromType(number))
+        for k in range(len(shape)):
+            dims[k] = shape[k]
+        array = new_array(len(shape), dims, number)
         look(array, s)
         return array
     if not cnp.PyArray_Check(out):

@@ -30,7 +30,7 @@ cdef extern from "engine.h" nogil:
         const char* name
         const QvrForm* forms
         int formCount, inputs, extras, results
-        int rank, vectors, elementwise, commutative, needsOut, written
+        int rank, vectors, elementwise, commutative, needsOut, written, selectors
         int weight, quadratic
         long (*length)(const long* n, QvrArguments* a)
         const char* inputName[3]

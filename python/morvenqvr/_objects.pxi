@@ -90,12 +90,6 @@ cdef object kinds_text(const QvrKind* kinds, int count):
     return " or ".join(dict.fromkeys(type_name(kinds[k].samples) for k in range(count)))
 
 
-cdef int number_of(object dtype) except? -1:
-    """numpy's number of a native dtype, kSwapped for another."""
-    kind = numpy.dtype(dtype)
-    return kind.num if kind.isnative else kSwapped
-
-
 NORMS = {"backward": CONSTANTS["qvrFftDivInvByN"], "forward": CONSTANTS["qvrFftDivFwdByN"],
          "ortho": CONSTANTS["qvrFftDivBySqrtN"], "none": CONSTANTS["qvrFftNoDiv"]}
 

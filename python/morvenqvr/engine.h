@@ -34,6 +34,7 @@ typedef struct {
     int vectors;          // bit k: input k is one row, whatever the rank
     int elementwise;      // elements do not know of each other
     int commutative, needsOut, written; // written: extra k is written back
+    int selectors;                      // bit k: extra k is chosen by name
     int weight, quadratic;
     long (*length)(const long* n, QvrArguments* a); // of an output row; null: as input 0
     const char* inputName[kMaxInputs];
