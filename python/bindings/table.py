@@ -36,7 +36,7 @@ SELECTORS = {"rndMode": "qvrRound", "relOp": "qvrCmp", "zcType": "qvrZc", "windo
 
 # Operations that take the second array first: a - b, a / b.
 REVERSED = {"Sub", "Div"}
-COMMUTATIVE = {"Add", "Mul", "Or"}
+COMMUTATIVE = {"Add", "Mul", "AndC", "Or"}  # a number may stand first too
 
 # Groups of functions whose elements do not know of each other.
 ELEMENTWISE = {"arithmetic", "fills", "conversion", "fixedpoint", "logic", "elementary", "fast"}

@@ -422,6 +422,9 @@ cdef object run(const QvrGroup* g, PyObject** inputs, object out, PyObject** ext
             types[k] = kNumber
         else:
             types[k] = kIrregular
+    if g.commutative and m == 2 and types[0] == kNumber and types[1] != kNumber:
+        inputs[0], inputs[1] = inputs[1], inputs[0]
+        types[0], types[1], op[0] = types[1], kNumber, op[1]
     if has_out:
         if not cnp.PyArray_Check(out):
             raise ArrayError(name_of(g.name), None, "out", f"wanted an array; got {type(out).__name__}")

@@ -230,6 +230,7 @@ def test_order_of_operands():
     assert qvr.sub(left, b, out=left) is left and left[0] == 6
     assert qvr.sub(a, right, out=right) is right and right[0] == 6
     assert qvr.div(a, 2)[0] == 4 and qvr.div(8, b)[0] == 4 and qvr.sub(8, b)[0] == 6 and qvr.pow(b, 3)[0] == 8
+    assert qvr.add(3, a)[0] == 11 and qvr.mul(3, a, out=a.copy())[0] == 24 and qvr.bitwise_and(6, np.array([3], "u2"))[0] == 2
     assert qvr.atan2(np.array([1.0], "f4"), np.array([0.0], "f4"))[0] == pytest.approx(np.pi / 2, rel=1e-3)
 
 
