@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the library, installs it into build/stage, builds the examples against that copy and runs them:
 #   ./demo.sh [FILE.wav] [PHOTO]
-# FILE.wav holds 16-bit samples, PHOTO is a PNG or JPEG file; in place of either a recorded voice and a photograph that come
+# FILE.wav is a WAV file, PHOTO is a PNG or JPEG file; in place of either a recorded voice and a photograph that come
 # with Debian are used. Results are in build/demo.
 set -euo pipefail
 sound=/usr/share/sounds/alsa/Front_Center.wav

@@ -13,7 +13,7 @@
 #include "common/cli.h"
 #include "common/signal.h"
 
-enum { kWidth = 1000, kHeight = 200, kLeft = 64, kRight = 16, kTop = 12, kGap = 24, kBottom = 30, kTick = 5 };
+enum { kWidth = 1000, kHeight = 200, kLeft = 84, kRight = 24, kTop = 12, kGap = 24, kBottom = 44, kTick = 5 };
 
 static const Colour kInk = {60, 60, 60}, kPaper = {255, 255, 255};
 
@@ -64,14 +64,15 @@ static double meanFrequency(const Analytic* a, int from, int end, double floor2)
     return weight > floor2 * (end - from) ? sum / weight : -1;
 }
 
-static void drawTicks(Picture* p, int top, int height, double most, const char* unit)
+static void drawTicks(Picture* p, int top, int height, double most, const char* unit, const char* title)
 {
+    pictureTextUp(p, 4, top + height / 2, title, kInk);
     for (int i = 0; i <= 4; i++) {
         char text[32];
         const int y = top + height - 1 - i * (height - 1) / 4;
         pictureFill(p, kLeft - 1 - kTick, y, kTick, 1, kInk);
         snprintf(text, sizeof text, "%g%s", most * i / 4, unit);
-        pictureText(p, kLeft - kTick - 4 - pictureTextWidth(text), y - 3, text, kInk);
+        pictureText(p, kLeft - kTick - 4 - pictureTextWidth(text), y - 5, text, kInk);
     }
     pictureFrame(p, kLeft - 1, top - 1, kWidth + 2, height + 2, kInk);
 }
@@ -117,8 +118,8 @@ static void draw(const char* path, const Signal* signal, const Analytic* a, doub
     }
     drawCurve(&p, kTop, high, scale, envelope);
     drawCurve(&p, kTop + kHeight + kGap, mean, most, frequency);
-    drawTicks(&p, kTop, kHeight, round(scale * 1000) / 1000, "");
-    drawTicks(&p, kTop + kHeight + kGap, kHeight, most, " Hz");
+    drawTicks(&p, kTop, kHeight, round(scale * 1000) / 1000, "", "amplitude");
+    drawTicks(&p, kTop + kHeight + kGap, kHeight, most, " Hz", "frequency");
     for (int i = 0; i <= 4; i++) {
         char text[32];
         snprintf(text, sizeof text, "%.2f s", (double)a->count / a->rate * i / 4);
@@ -127,6 +128,9 @@ static void draw(const char* path, const Signal* signal, const Analytic* a, doub
         const int left = x - pictureTextWidth(text) / 2, most3 = p.width - pictureTextWidth(text) - 1;
         pictureText(&p, left < most3 ? left : most3, y + kTick + 5, text, kInk);
     }
+    pictureTextCentred(&p, kLeft + kWidth / 2, kTop + 2 * kHeight + kGap + kTick + 20, "time", kInk);
+    pictureText(&p, kLeft + kWidth - 130, kTop + 6, "signal", wave);
+    pictureText(&p, kLeft + kWidth - 70, kTop + 6, "envelope", envelope);
     pictureWrite(&p, path);
     pictureRelease(&p);
 }
@@ -135,7 +139,7 @@ static void usage(void)
 {
     printf("usage: analytic [--most Hz] [--quiet dB] [--out FILE.png] FILE.wav\n"
            "\n"
-           "Envelope and instantaneous frequency of a 16-bit WAV file; its channels are averaged.\n"
+           "Envelope and instantaneous frequency of a WAV file; its channels are averaged.\n"
            "\n"
            "  --most Hz        top of the frequency axis, 10 to 200000 (default a quarter of the sampling rate)\n"
            "  --quiet dB       no frequency is shown that far below the loudest place, -100 to 0 (default -30)\n"

@@ -158,7 +158,7 @@ static void usage(void)
 {
     printf("usage: denoise [--levels N] [--strength S] [--noise dB] [--out PREFIX] FILE.wav\n"
            "\n"
-           "Takes white noise out of a 16-bit WAV file; its channels are averaged.\n"
+           "Takes white noise out of a WAV file; its channels are averaged.\n"
            "\n"
            "  --levels N      levels of the wavelet transform, 1 to 8 (default 5)\n"
            "  --strength S    times the threshold that leaves no noise, 0.01 to 10 (default 0.5)\n"

@@ -1,4 +1,4 @@
-// An effect chain on a 16-bit WAV file of any number of channels.
+// An effect chain on a WAV file of any number of channels.
 //
 //   x = gain * sample, samples as floats in -1..1
 //   s = x / sqrt(1 + x * x)                     soft clipping
@@ -213,7 +213,7 @@ static void usage(void)
 {
     printf("usage: effects [--gain dB] [--echo ms,feedback] [--out PREFIX] FILE.wav\n"
            "\n"
-           "Gain, soft clipping, echo and normalisation on a 16-bit WAV file of any number of channels.\n"
+           "Gain, soft clipping, echo and normalisation on a WAV file of any number of channels.\n"
            "\n"
            "  --gain dB           gain before the soft clipping, -60 to 60 (default 6)\n"
            "  --echo ms,feedback  delay of the echo, 0 (none) to 10000 ms, and its strength, -0.95 to 0.95\n"

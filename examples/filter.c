@@ -1,4 +1,4 @@
-// Filters a 16-bit WAV file of any number of channels as a stream.
+// Filters a WAV file of any number of channels as a stream.
 //
 //   median   clicks are replaced by the median of the samples round them
 //   filter   FIR taps designed here for a band in hertz, or a recursive filter of a kind, an order and a ripple
@@ -24,7 +24,7 @@
 enum { kMaxBlock = 1 << 20, kMaxTaps = 1 << 16, kMaxFactor = 1000, kMaxMask = 101, kMaxOrder = 12 };
 enum { kPiece = 4096 }; // samples of a filter's run
 enum { kSpectrumOrder = 12, kSpectrum = 1 << kSpectrumOrder };
-enum { kWidth = 900, kHeight = 260, kLeft = 64, kRight = 20, kTop = 12, kGap = 44, kTick = 5 };
+enum { kWidth = 900, kHeight = 260, kLeft = 78, kRight = 24, kTop = 12, kGap = 54, kTick = 5 };
 
 enum { kFir, kButterworth, kChebyshev, kKindCount };
 static const char* const kKinds[kKindCount] = {"fir", "butterworth", "chebyshev"};
@@ -376,6 +376,7 @@ typedef struct {
     Picture* picture;
     int y;
     double top, floor, ceiling;
+    const char* title;
 } Plot;
 
 static void drawPlot(const Plot* p)
@@ -387,16 +388,18 @@ static void drawPlot(const Plot* p)
         const int x = kLeft + (int)lround(f * unit / p->top * (kWidth - 1));
         pictureFill(p->picture, x, p->y, 1, kHeight, kGrid);
         axisLabel(text, sizeof text, f, stepF, kilo ? " kHz" : " Hz");
-        pictureText(p->picture, x - pictureTextWidth(text) / 2, p->y + kHeight + kTick + 4, text, kInk);
+        pictureTextCentred(p->picture, x, p->y + kHeight + kTick + 2, text, kInk);
     }
     const double stepL = axisStep(p->ceiling - p->floor, 8);
     for (double l = p->floor; l <= p->ceiling + 1e-9; l += stepL) {
         const int y = p->y + (int)lround((p->ceiling - l) / (p->ceiling - p->floor) * (kHeight - 1));
         pictureFill(p->picture, kLeft, y, kWidth, 1, kGrid);
         axisLabel(text, sizeof text, l, stepL, " dB");
-        pictureText(p->picture, kLeft - 6 - pictureTextWidth(text), y - 3, text, kInk);
+        pictureText(p->picture, kLeft - 6 - pictureTextWidth(text), y - 5, text, kInk);
     }
     pictureFrame(p->picture, kLeft - 1, p->y - 1, kWidth + 2, kHeight + 2, kInk);
+    pictureTextUp(p->picture, 4, p->y + kHeight / 2, p->title, kInk);
+    pictureTextCentred(p->picture, kLeft + kWidth / 2, p->y + kHeight + kTick + 17, "frequency", kInk);
 }
 
 // Column by column, each joined to the one before by a vertical stroke. A NaN leaves a gap.
@@ -435,17 +438,19 @@ static void draw(const char* path, const Settings* s, const Filter* f, const Rep
     Picture picture = pictureMake(kLeft + kWidth + kRight, kTop + 2 * (kHeight + kGap), (Colour){255, 255, 255});
     double level[kWidth];
     const double top = (rateIn > rateOut ? rateIn : rateOut) / 2;
-    const Plot response = {&picture, kTop, top, -100, 10};
+    const Plot response = {&picture, kTop, top, -100, 10, "gain"};
     drawPlot(&response);
     for (int x = 0; x < kWidth; x++)
         level[x] = 20 * log10(gainAt(f, (x + 0.5) / kWidth * top, s->up) + 1e-30);
     drawCurve(&response, level, blue);
-    const Plot spectra = {&picture, kTop + kHeight + kGap, top, -140, 0};
+    const Plot spectra = {&picture, kTop + kHeight + kGap, top, -140, 0, "mean level"};
     drawPlot(&spectra);
     curveOf(&report->before, rateIn, top, level);
     drawCurve(&spectra, level, grey);
     curveOf(&report->after, rateOut, top, level);
     drawCurve(&spectra, level, red);
+    pictureText(&picture, kLeft + kWidth - 130, spectra.y + 8, "before", grey);
+    pictureText(&picture, kLeft + kWidth - 60, spectra.y + 8, "after", red);
     pictureWrite(&picture, path);
     pictureRelease(&picture);
 }
@@ -456,11 +461,11 @@ static void usage(void)
 {
     printf("usage: filter [options] --out FILE.wav FILE.wav\n"
            "\n"
-           "Filters a 16-bit WAV file of any number of channels as a stream.\n"
+           "Filters a WAV file of any number of channels as a stream.\n"
            "\n"
            "  --pass LOW,HIGH     pass band in hertz; a LOW of 0 makes a low-pass, a HIGH of 0 a high-pass\n"
            "  --stop LOW,HIGH     stop band in hertz, of a FIR filter\n"
-           "  --taps N            FIR taps, 5 to 65536 (default 255)\n"
+           "  --taps N            FIR taps, 5 to 65536 (default 255; of a rate change 64 for each step of the larger factor)\n"
            "  --window NAME       bartlett, blackman, hamming, hann or none (default blackman)\n"
            "  --kind NAME         fir, butterworth or chebyshev (default fir); the last two pass low or high\n"
            "  --order N           of a recursive filter, 1 to 12 (default 4)\n"
@@ -506,8 +511,7 @@ static void parseBand(const char* option, const char* text, Settings* s)
 
 static Settings parse(int argc, char** argv)
 {
-    Settings s = {
-        .window = qvrFirBlackman, .taps = 255, .order = 4, .block = 4096, .up = 1, .down = 1, .mask = 1, .ripple = 1};
+    Settings s = {.window = qvrFirBlackman, .order = 4, .block = 4096, .up = 1, .down = 1, .mask = 1, .ripple = 1};
     static const struct option options[] = {
         {"pass", required_argument, NULL, 'p'},    {"stop", required_argument, NULL, 's'},
         {"taps", required_argument, NULL, 't'},    {"window", required_argument, NULL, 'w'},
@@ -572,6 +576,11 @@ static Settings parse(int argc, char** argv)
         failUsage("--rate needs a fir filter");
     if (s.low == 0 && s.high == 0 && s.up == 1 && s.down == 1)
         failUsage("--pass, --stop or --rate is needed; --help tells more");
+    // The taps of a rate change run at the high rate, while the band that they cut off is a part of the lower one.
+    if (s.taps == 0) {
+        const int larger = s.up > s.down ? s.up : s.down, wanted = 64 * larger + 1;
+        s.taps = larger == 1 ? 255 : wanted < kMaxTaps ? wanted : kMaxTaps - 1;
+    }
     return s;
 }
 

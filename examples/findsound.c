@@ -111,7 +111,7 @@ static void usage(void)
 {
     printf("usage: findsound [--cut s,s] [--least R] [--out FILE.png] SOUND.wav RECORDING.wav\n"
            "\n"
-           "Finds a sound in a recording; both are 16-bit WAV files of one sampling rate.\n"
+           "Finds a sound in a recording; both are WAV files of one sampling rate.\n"
            "\n"
            "  --cut s,s        only that piece of the sound, from and to in seconds\n"
            "  --least R        least similarity of a place, 0.01 to 1 (default 0.3)\n"

@@ -1,4 +1,4 @@
-// The spectrogram of a 16-bit WAV file as a PNG picture with axes.
+// The spectrogram of a WAV file as a PNG picture with axes.
 //
 //   frame f   samples f * hop .. f * hop + N - 1 of the mean of all channels, times a window w
 //   level     20 log10(2 |X[k]| / sum of w): a sine of full scale is 0 dB
@@ -21,7 +21,7 @@
 
 enum { kMinOrder = 6, kMaxOrder = 16 };
 enum { kMaxWidth = 1200, kMinWidth = 480, kMaxHeight = 512 };
-enum { kLeft = 64, kRight = 84, kTop = 12, kBottom = 34 }; // margins of the plot
+enum { kLeft = 78, kRight = 106, kTop = 12, kBottom = 44 }; // margins of the plot
 enum { kBarWidth = 14, kTick = 5 };
 
 typedef qvrStatus (*Window)(qvr32f*, int);
@@ -175,16 +175,19 @@ static void drawAxes(Picture* picture, int width, int height, double nyquist, do
         const int y = bottom - 1 - (int)lround(f / top * (height - 1));
         pictureFill(picture, kLeft - 1 - kTick, y, kTick, 1, ink);
         axisLabel(text, sizeof text, f, stepF, kilo ? " kHz" : " Hz");
-        pictureText(picture, kLeft - kTick - 4 - pictureTextWidth(text), y - 3, text, ink);
+        pictureText(picture, kLeft - kTick - 4 - pictureTextWidth(text), y - 5, text, ink);
     }
     const double stepT = axisStep(lasted, width / 90 > 2 ? width / 90 : 2);
     for (double t = 0; t <= lasted * (1 + 1e-9); t += stepT) {
         const int x = kLeft + (int)lround(t / lasted * (width - 1));
         pictureFill(picture, x, bottom + 1, 1, kTick, ink);
         axisLabel(text, sizeof text, t, stepT, " s");
-        pictureText(picture, x - pictureTextWidth(text) / 2, bottom + kTick + 5, text, ink);
+        pictureTextCentred(picture, x, bottom + kTick + 3, text, ink);
     }
+    pictureTextUp(picture, 4, kTop + height / 2, "frequency", ink);
+    pictureTextCentred(picture, kLeft + width / 2, bottom + kTick + 19, "time", ink);
     const int bar = right + 14;
+    pictureTextUp(picture, right + kRight - 14, kTop + height / 2, "level", ink);
     for (int y = 0; y < height; y++)
         pictureFill(picture, bar, kTop + y, kBarWidth, 1, heat(1 - (double)y / (height - 1)));
     pictureFrame(picture, bar - 1, kTop - 1, kBarWidth + 2, height + 2, ink);
@@ -193,7 +196,7 @@ static void drawAxes(Picture* picture, int width, int height, double nyquist, do
         const int y = kTop + (int)lround(level / range * (height - 1));
         pictureFill(picture, bar + kBarWidth + 1, y, kTick, 1, ink);
         axisLabel(text, sizeof text, level == 0 ? 0 : -level, stepL, " dB");
-        pictureText(picture, bar + kBarWidth + kTick + 4, y - 3, text, ink);
+        pictureText(picture, bar + kBarWidth + kTick + 4, y - 5, text, ink);
     }
 }
 
@@ -220,7 +223,7 @@ static void usage(void)
 {
     printf("usage: spectrogram [--fft N] [--overlap percent] [--window NAME] [--range dB] [--out FILE.png] FILE.wav\n"
            "\n"
-           "Draws the spectrogram of a 16-bit WAV file; channels are averaged.\n"
+           "Draws the spectrogram of a WAV file; channels are averaged.\n"
            "\n"
            "  --fft N            samples in a frame, a power of two from 64 to 65536 (default 1024)\n"
            "  --overlap percent  how much of a frame the next one repeats, 0 to 95 (default 75)\n"

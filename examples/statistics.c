@@ -141,7 +141,7 @@ static void usage(void)
 {
     printf("usage: statistics [--silence dB,ms] [--out FILE.png] FILE.wav\n"
            "\n"
-           "Levels, peak, zero crossings and silences of a 16-bit WAV file, channel by channel.\n"
+           "Levels, peak, zero crossings and silences of a WAV file, channel by channel.\n"
            "\n"
            "  --silence dB,ms  what stays below that level for at least that long is a silence, -90 to 0 dB and 20 to\n"
            "                   60000 ms (default -40,200)\n"

@@ -12,7 +12,7 @@ cmake --build "$out" >/dev/null
 
 mkdir -p "$out/pkgconfig"
 export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
-read -ra flags <<<"$(pkg-config --cflags --libs morvenqvr sndfile libpng libjpeg)"
+read -ra flags <<<"$(pkg-config --cflags --libs morvenqvr sndfile cairo libpng libjpeg)"
 for source in "$root"/examples/*.c; do
     clang-19 -O2 "$source" "$root"/examples/common/*.c -o "$out/pkgconfig/$(basename "$source" .c)" \
         "${flags[@]}" -lm -Wl,-rpath,"$prefix/lib"

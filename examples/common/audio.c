@@ -1,4 +1,4 @@
-// 16-bit WAV files through libsndfile.
+// WAV files through libsndfile.
 #include "audio.h"
 
 #include <errno.h>
@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include "cli.h"
+#include "signal.h"
 
 static uint32_t little32(const unsigned char* bytes)
 {
@@ -50,17 +51,35 @@ Audio audioOpen(const char* path)
     const int type = info.format & SF_FORMAT_TYPEMASK;
     if (file == NULL || (type != SF_FORMAT_WAV && type != SF_FORMAT_WAVEX && type != SF_FORMAT_RF64))
         fail("'%s' is not a WAV file that can be read", path);
-    if ((info.format & SF_FORMAT_SUBMASK) != SF_FORMAT_PCM_16)
-        fail("'%s' does not hold 16-bit samples", path);
     checkWhole(path, stream, status.st_size);
     fclose(stream);
     if (info.frames < 1)
         fail("'%s' holds no sound", path);
-    return (Audio){file, path, info.channels, info.samplerate, info.format, info.frames};
+    const int wide = (info.format & SF_FORMAT_SUBMASK) != SF_FORMAT_PCM_16;
+    return (Audio){.file = file,
+                   .path = path,
+                   .channels = info.channels,
+                   .rate = info.samplerate,
+                   .format = type | SF_FORMAT_PCM_16,
+                   .frames = info.frames,
+                   .room = wide ? 0 : -1};
 }
 
 void audioRead(Audio* audio, int16_t* samples, int frames)
 {
+    if (audio->room >= 0) {
+        // Full scale is 1; what goes beyond is limited.
+        const int64_t count = (int64_t)frames * audio->channels;
+        if (count > audio->room) {
+            Morven_qvrsFree(audio->wide);
+            audio->wide = allocate((int64_t)sizeof(float) * count);
+            audio->room = count;
+        }
+        if (sf_readf_float(audio->file, audio->wide, frames) != frames)
+            fail("cannot read '%s' to its end: %s", audio->path, sf_strerror(audio->file));
+        CHECK(Morven_qvrsConvert_32f16s_Sfs(audio->wide, samples, (int)count, qvrRoundNearest, -15));
+        return;
+    }
     if (sf_readf_short(audio->file, samples, frames) != frames)
         fail("cannot read '%s' to its end: %s", audio->path, sf_strerror(audio->file));
 }
@@ -79,6 +98,8 @@ Audio audioCreate(const char* path, const Audio* like)
         fail("'%s' would be written over itself", path);
     Audio audio = *like;
     audio.path = path;
+    audio.wide = NULL;
+    audio.room = -1;
     // A WAV header counts bytes in 32 bits.
     if (like->frames * like->channels > (INT64_C(1) << 31) - 4096)
         audio.format = SF_FORMAT_RF64 | SF_FORMAT_PCM_16;
@@ -97,6 +118,8 @@ void audioWrite(Audio* audio, const int16_t* samples, int frames)
 
 void audioClose(Audio* audio)
 {
+    Morven_qvrsFree(audio->wide);
+    audio->wide = NULL;
     if (sf_close(audio->file) != 0)
         fail("cannot finish '%s'", audio->path);
 }

@@ -1,4 +1,4 @@
-// 16-bit WAV files through libsndfile. Whatever is wrong with a file ends the program with one line.
+// WAV files through libsndfile, as 16-bit samples. Whatever is wrong with a file ends the program with one line.
 #ifndef EXAMPLES_AUDIO_H
 #define EXAMPLES_AUDIO_H
 
@@ -10,9 +10,11 @@ typedef struct {
     const char* path;
     int channels, rate, format;
     int64_t frames; // samples of each channel
+    float* wide;    // of a file of more than 16 bits: the samples read last
+    int64_t room;   // floats in it
 } Audio;
 
-// Opens a WAV file of 16-bit samples that is whole and not empty.
+// Opens a WAV file that is whole and not empty. Samples of 24 bits and more and floats are rounded to 16 bits as they are read.
 Audio audioOpen(const char* path);
 
 // Reads the next `frames` frames, which the file has.

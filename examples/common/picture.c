@@ -1,29 +1,14 @@
 #include "picture.h"
 
+#include <cairo.h>
 #include <errno.h>
+#include <math.h>
 #include <png.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
 #include "cli.h"
-
-// Letters of five by seven pixels, a row to a byte, the left pixel in bit 4.
-static const struct {
-    char letter;
-    uint8_t rows[7];
-} kLetters[] = {
-    {'0', {0x0E, 0x11, 0x13, 0x15, 0x19, 0x11, 0x0E}}, {'1', {0x04, 0x0C, 0x04, 0x04, 0x04, 0x04, 0x0E}},
-    {'2', {0x0E, 0x11, 0x01, 0x02, 0x04, 0x08, 0x1F}}, {'3', {0x1F, 0x02, 0x04, 0x02, 0x01, 0x11, 0x0E}},
-    {'4', {0x02, 0x06, 0x0A, 0x12, 0x1F, 0x02, 0x02}}, {'5', {0x1F, 0x10, 0x1E, 0x01, 0x01, 0x11, 0x0E}},
-    {'6', {0x06, 0x08, 0x10, 0x1E, 0x11, 0x11, 0x0E}}, {'7', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x08, 0x08}},
-    {'8', {0x0E, 0x11, 0x11, 0x0E, 0x11, 0x11, 0x0E}}, {'9', {0x0E, 0x11, 0x11, 0x0F, 0x01, 0x02, 0x0C}},
-    {'.', {0x00, 0x00, 0x00, 0x00, 0x00, 0x0C, 0x0C}}, {'-', {0x00, 0x00, 0x00, 0x1F, 0x00, 0x00, 0x00}},
-    {'H', {0x11, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}}, {'z', {0x00, 0x00, 0x1F, 0x02, 0x04, 0x08, 0x1F}},
-    {'k', {0x10, 0x10, 0x12, 0x14, 0x18, 0x14, 0x12}}, {'s', {0x00, 0x00, 0x0E, 0x10, 0x0E, 0x01, 0x1E}},
-    {'d', {0x01, 0x01, 0x0D, 0x13, 0x11, 0x11, 0x0F}}, {'B', {0x1E, 0x11, 0x11, 0x1E, 0x11, 0x11, 0x1E}},
-};
-enum { kLetterCount = sizeof kLetters / sizeof kLetters[0], kAdvance = 6 };
 
 Picture pictureMake(int width, int height, Colour background)
 {
@@ -54,19 +39,72 @@ void pictureFrame(Picture* picture, int x, int y, int width, int height, Colour 
     pictureFill(picture, x + width - 1, y, 1, height, colour);
 }
 
-void pictureText(Picture* picture, int x, int y, const char* text, Colour colour)
+// ---- Text -----------------------------------------------------------------------------------------------------------
+
+enum { kTextHeight = 14, kBaseline = 10, kFontSize = 11 };
+
+static cairo_t* penOn(cairo_surface_t* surface)
 {
-    for (; *text != '\0'; text++, x += kAdvance)
-        for (int i = 0; i < kLetterCount; i++)
-            if (kLetters[i].letter == *text)
-                for (int bit = 0; bit < 35; bit++)
-                    if (kLetters[i].rows[bit / 5] >> (4 - bit % 5) & 1)
-                        pictureFill(picture, x + bit % 5, y + bit / 5, 1, 1, colour);
+    cairo_t* const pen = cairo_create(surface);
+    cairo_select_font_face(pen, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_set_font_size(pen, kFontSize);
+    return pen;
 }
 
 int pictureTextWidth(const char* text)
 {
-    return (int)strlen(text) * kAdvance - 1;
+    cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1);
+    cairo_t* const pen = penOn(surface);
+    cairo_text_extents_t extents;
+    cairo_text_extents(pen, text, &extents);
+    cairo_destroy(pen);
+    cairo_surface_destroy(surface);
+    return (int)ceil(extents.x_advance);
+}
+
+static uint8_t mixed(uint8_t from, uint8_t to, int part)
+{
+    return (uint8_t)((from * (255 - part) + to * part + 127) / 255);
+}
+
+// How much of each pixel the letters cover; (x, y) of the text to places on the picture.
+static void drawText(Picture* picture, int x, int y, const char* text, Colour colour, int upward)
+{
+    const int width = pictureTextWidth(text) + 2;
+    cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_A8, width, kTextHeight);
+    cairo_t* const pen = penOn(surface);
+    cairo_move_to(pen, 1, kBaseline);
+    cairo_show_text(pen, text);
+    cairo_destroy(pen);
+    cairo_surface_flush(surface);
+    const unsigned char* const cover = cairo_image_surface_get_data(surface);
+    const int stride = cairo_image_surface_get_stride(surface);
+    for (int row = 0; row < kTextHeight; row++)
+        for (int column = 0; column < width; column++) {
+            const int px = upward ? x + row : x + column, py = upward ? y - column : y + row;
+            if (px < 0 || py < 0 || px >= picture->width || py >= picture->height)
+                continue;
+            const int part = cover[row * stride + column];
+            Colour* const p = &picture->pixels[(int64_t)py * picture->width + px];
+            *p = (Colour){mixed(p->red, colour.red, part), mixed(p->green, colour.green, part),
+                          mixed(p->blue, colour.blue, part)};
+        }
+    cairo_surface_destroy(surface);
+}
+
+void pictureText(Picture* picture, int x, int y, const char* text, Colour colour)
+{
+    drawText(picture, x, y, text, colour, 0);
+}
+
+void pictureTextCentred(Picture* picture, int x, int y, const char* text, Colour colour)
+{
+    drawText(picture, x - pictureTextWidth(text) / 2, y, text, colour, 0);
+}
+
+void pictureTextUp(Picture* picture, int x, int y, const char* text, Colour colour)
+{
+    drawText(picture, x, y + pictureTextWidth(text) / 2, text, colour, 1);
 }
 
 void pictureWrite(const Picture* picture, const char* path)

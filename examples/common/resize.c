@@ -24,8 +24,39 @@ const Method* methodNamed(const char* name)
     failUsage("there is no method '%s'", name);
 }
 
-void photoResize(const Photo* from, qvriRect region, const Photo* to, int interpolation)
+// Colour is interpolated as much as it shows: times alpha before, over alpha after.
+static void premultiply(uint8_t* rgba, int64_t pixels)
 {
+    for (int64_t i = 0; i < pixels; i++, rgba += 4)
+        for (int c = 0; c < 3; c++)
+            rgba[c] = (uint8_t)((rgba[c] * rgba[3] + 127) / 255);
+}
+static void unmultiply(uint8_t* rgba, int64_t pixels)
+{
+    for (int64_t i = 0; i < pixels; i++, rgba += 4)
+        for (int c = 0; c < 3 && rgba[3] > 0; c++) {
+            const int value = (rgba[c] * 255 + rgba[3] / 2) / rgba[3];
+            rgba[c] = (uint8_t)(value < 255 ? value : 255);
+        }
+}
+static int transparent(const Photo* photo)
+{
+    const int64_t bytes = photo->channels == 4 ? (int64_t)photo->width * photo->height * 4 : 0;
+    for (int64_t i = 3; i < bytes; i += 4)
+        if (photo->pixels[i] != 255)
+            return 1;
+    return 0;
+}
+
+void photoResize(const Photo* whole, qvriRect region, const Photo* to, int interpolation)
+{
+    Photo copy = *whole;
+    const Photo* from = &copy;
+    if ((interpolation & ~qvriAntialias) != qvriInterNearest && transparent(whole)) {
+        copy = photoMake(whole->width, whole->height, 4);
+        memcpy(copy.pixels, whole->pixels, (size_t)whole->width * (size_t)whole->height * 4);
+        premultiply(copy.pixels, (int64_t)copy.width * copy.height);
+    }
     const qvriRect target = {0, 0, to->width, to->height};
     const double x = (double)to->width / region.width, y = (double)to->height / region.height;
     int bytes;
@@ -42,4 +73,8 @@ void photoResize(const Photo* from, qvriRect region, const Photo* to, int interp
         failUsage("supersampling cannot enlarge");
     if (status != qvrOk && status != qvrWarnNoAntialiasing)
         fail("resize: status %d", (int)status);
+    if (copy.pixels != whole->pixels) {
+        unmultiply(to->pixels, (int64_t)to->width * to->height);
+        photoRelease(&copy);
+    }
 }

@@ -9,7 +9,7 @@ import tempfile
 from files import picture, write
 
 RATE = 8000
-LEFT, WIDTH, TOP, HEIGHT, GAP = 64, 1000, 12, 200, 24
+LEFT, WIDTH, TOP, HEIGHT, GAP = 84, 1000, 12, 200, 24
 RED, BLUE = (200, 30, 30), (30, 80, 160)
 programs = os.path.abspath(sys.argv[1])
 

@@ -120,6 +120,23 @@ def rates():
         assert abs(level(y, rate, 1000) - 10000) < 200 and abs(level(y, rate, 9000) - 5000) < 100, (up, down)
 
 
+def rates_stay_clean():
+    """By default what a rate change adds to a tone stays 60 dB below it, at any factors."""
+    for up, down in ((147, 160), (160, 147), (3, 2), (1, 4)):
+        write("in.wav", tones(24000, 48000, (1000, 20000)), rate=48000)
+        good("--rate", f"{up},{down}", "--out", "out.wav", "in.wav")
+        y, _, rate = read("out.wav")
+        x = y[len(y) // 4:len(y) // 4 * 3]
+        turn = [2 * math.pi * 1000 * i / rate for i in range(len(x))]
+        # The tone by least squares over whole periods, and what is left.
+        n = len(x) // round(rate / 10) * round(rate / 10) if rate % 10 == 0 else len(x)
+        c = 2 / n * sum(v * math.cos(t) for v, t in zip(x[:n], turn))
+        s = 2 / n * sum(v * math.sin(t) for v, t in zip(x[:n], turn))
+        rest = math.sqrt(sum((v - c * math.cos(t) - s * math.sin(t)) ** 2 for v, t in zip(x[:n], turn)) / n)
+        tone = math.hypot(c, s) / math.sqrt(2)
+        assert tone > 14000 and 20 * math.log10(tone / rest) > 60, (up, down, tone, rest)
+
+
 def clicks():
     x = tones(8000, RATE, (200, 8000))
     spoiled = array.array("h", x)

@@ -91,6 +91,21 @@ def region_is_cut_out():
         assert got[y * 80:(y + 1) * 80] == source[((y + 5) * 50 + 10) * 4:((y + 5) * 50 + 30) * 4]
 
 
+def transparent_edges():
+    """Colour that nobody sees does not bleed: a white disc on transparent black stays white to its edge."""
+    side = 120
+    pixels = bytearray()
+    for i in range(side * side):
+        inside = (i % side - 60) ** 2 + (i // side - 60) ** 2 < 2000
+        pixels += bytes([255] * 4) if inside else bytes(4)
+    write_png("in.png", side, side, 4, pixels)
+    for options in (["--method", "lanczos", "--antialias"], ["--method", "linear"], ["--method", "super"]):
+        done("scale", "--factor", "0.3", *options, "in.png", "out.png")
+        _, _, _, got = read_png("out.png")
+        seen = [got[i] for i in range(0, len(got), 4) if got[i + 3] > 20]
+        assert len(seen) > 150 and min(seen) > 240, (options, min(seen))
+
+
 def kinds_of_files():
     for channels in (1, 3, 4):
         write_png("in.png", 64, 48, channels, bytes([90] * (64 * 48 * channels)))
