@@ -204,59 +204,44 @@ QVR_INLINE void addPhases(const qvrColumns* c, Index from, Index width, const A*
 
 // ---- Low pass: along a row ------------------------------------------------------------------------------------------
 
-// One column, lanes are the partial sums.
-template<class A, int P> QVR_INLINE void dot(const A* s, const A* w, Index n, Vec<A, P>& part)
+// One column of N channels, or of N rows side by side. The taps from `least` on may be beyond the n of the list; that
+// there are `most` for all columns keeps the processor's guesses right.
+template<int N, class A, int P>
+QVR_INLINE void dot(const A* s, const A* w, Index n, Index least, Index most, Vec<A, N> (&part)[P])
 {
-    using V = Vec<A, P>;
-    Index k = 0;
-    for (; k + P <= n; k += P)
-        part = fma(load<V>(s + k), load<V>(w + k), part);
-    if (k < n) {
-        const int rest = static_cast<int>(n - k);
-        part = fma(loadPartial<V>(s + k, rest), loadPartial<V>(w + k, rest), part);
-    }
-}
-// One column of four channels, or of four rows side by side. The taps from `least` on may be beyond the n of the list;
-// that there are `most` for all columns keeps the processor's guesses right.
-template<class A, int P>
-QVR_INLINE void dotFours(const A* s, const A* w, Index n, Index least, Index most, Vec<A, 4> (&part)[P])
-{
-    using V = Vec<A, 4>;
+    using V = Vec<A, N>;
     const auto add = [&](int p, V x, V weight) { part[p] = fma(x, weight, part[p]); };
     Index k = 0;
     for (; k + P <= least; k += P)
         for (int p = 0; p < P; p++)
-            add(p, load<V>(s + 4 * (k + p)), splat<V>(w[k + p]));
+            add(p, load<V>(s + N * (k + p)), splat<V>(w[k + p]));
     for (; k < most; k += P)
         for (int p = 0; p < P; p++) {
             const auto own = splat<Bits<V>>(k + p < n ? ~Elem<Bits<V>>{0} : 0);
-            const V x = load<V>(s + 4 * (k + p)), weight = splat<V>(w[k + p]);
-            add(p, bitcast<V>(bits(x) & own), bitcast<V>(bits(weight) & own));
+            const V x = load<V>(s + N * (k + p)), weight = splat<V>(k + p < n ? w[k + p] : 0);
+            add(p, bitcast<V>(bits(x) & own), weight);
         }
 }
-template<class V, int P> QVR_INLINE V sumInOrder(const V (&part)[P])
-{
-    V sum = part[0];
-    for (int p = 1; p < P; p++)
-        sum += part[p];
-    return sum;
-}
 
-// put(x, sum) for the columns from .. to - 1, of whose pixels `nc` values each stand at s from pixel `base` on.
-template<int P, class A, class Put>
-QVR_INLINE void eachFour(const qvrColumns* c, Index from, Index to, const A* s, Index base, const Put& put)
+// put(x, sum) for the columns from .. to - 1, of whose pixels N values each stand at s from pixel `base` on.
+template<int N, int P, class A, class Put>
+QVR_INLINE void eachColumn(const qvrColumns* c, Index from, Index to, const A* s, Index base, const Put& put)
 {
     Index list = from % c->lists;
     for (Index x = from; x < to; x++) {
-        Vec<A, 4> part[P] = {};
-        dotFours(s + (c->first[x] - base) * 4, static_cast<const A*>(c->weights) + list * c->stride, c->count[list],
-                 c->least, c->most, part);
-        put(x, sumInOrder(part));
+        Vec<A, N> part[P] = {};
+        dot<N>(s + (c->first[x] - base) * N, static_cast<const A*>(c->weights) + list * c->stride, c->count[list],
+               c->least, c->most, part);
+        Vec<A, N> sum = part[0];
+        for (int p = 1; p < P; p++)
+            sum += part[p];
+        put(x, sum);
         list = list + 1 < c->lists ? list + 1 : 0;
     }
 }
 
 template<class T> constexpr int kParts = sizeof(T) == 8 ? 8 : 2;
+template<class T> constexpr int kTogether = sizeof(T) == 8 ? 4 : 8; // rows, of one channel
 
 template<class V> QVR_INLINE void turnFour(V (&v)[4])
 {
@@ -266,76 +251,91 @@ template<class V> QVR_INLINE void turnFour(V (&v)[4])
     v[2] = zipLo(ach, bdh);
     v[3] = zipHi(ach, bdh);
 }
-// Four rows side by side, and apart again.
-void turnRows(const double* rows, Index pitch, Index n, double* to)
+// Pixels from .. from + n - 1 of R rows side by side; for lack of rows the last is taken again.
+template<class T, int R>
+QVR_APART void turnRows(const qvrColumns* c, const char* const* rows, Index count, Index from, Index n, double* to)
 {
-    for (Index i = 0; i < n; i += 4) {
-        Vec<double, 4> v[4];
-        for (int r = 0; r < 4; r++)
-            v[r] = load<Vec<double, 4>>(rows + r * pitch + i);
-        turnFour(v);
-        for (int k = 0; k < 4; k++)
-            store(to + 4 * (i + k), v[k]);
+    alignas(64) double line[4][kRoom / R + kPast];
+    for (int r = 0; r < R; r += 4) {
+        for (int i = 0; i < 4; i++)
+            fetch<T>(c, rows[r + i < count ? r + i : count - 1], from, n, line[i]);
+        for (Index k = 0; k < n; k += 4) {
+            Vec<double, 4> v[4];
+            for (int i = 0; i < 4; i++)
+                v[i] = load<Vec<double, 4>>(line[i] + k);
+            turnFour(v);
+            for (int i = 0; i < 4; i++)
+                store(to + R * (k + i) + r, v[i]);
+        }
     }
 }
-template<class L> void turnBack(const L* sums, Index n, char* const* lines, Index count, Index at)
+// n sums of R rows to their lines from column `at` on.
+template<int R, class L> void turnBack(const L* sums, Index n, char* const* lines, Index count, Index at)
 {
-    for (Index i = 0; i < n; i += 4) {
-        Vec<L, 4> v[4];
-        for (int k = 0; k < 4; k++)
-            v[k] = load<Vec<L, 4>>(sums + 4 * (i + k));
-        turnFour(v);
-        for (int r = 0; r < 4 && r < count; r++)
-            storeFirst(reinterpret_cast<L*>(lines[r]) + at + i, v[r], n - i < 4 ? static_cast<int>(n - i) : 4);
-    }
+    for (Index i = 0; i < n; i += 4)
+        for (int r = 0; r < R && r < count; r += 4) {
+            Vec<L, 4> v[4];
+            for (int k = 0; k < 4; k++)
+                v[k] = load<Vec<L, 4>>(sums + R * (i + k) + r);
+            turnFour(v);
+            for (int k = 0; k < 4 && r + k < count; k++)
+                storeFirst(reinterpret_cast<L*>(lines[r + k]) + at + i, v[k], n - i < 4 ? static_cast<int>(n - i) : 4);
+        }
 }
 
 template<class T> void filterLowPass(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
 {
     using L = Line<T>;
+    constexpr int P = kParts<T>, R = kTogether<T>;
     alignas(64) double s[kRoom + kPast], other[kRoom + kPast];
     const Index nc = c->channels, q = c->phases, phase = (c->width + q - 1) / q * nc;
     for (Index x = 0; x < c->width; x += c->chunk) {
         const Index end = x + c->chunk < c->width ? x + c->chunk : c->width, base = c->first[x];
-        const Index pixels = c->first[end - 1] - base + c->most, pitch = qvrAlignUp(pixels, Index{4});
-        const bool four = nc == 1 && !c->planes;
-        for (Index r = 0; r < (four ? 4 : count); r++) {
-            L* const out = reinterpret_cast<L*>(lines[r < count ? r : 0]);
-            fetch<T>(c, rows[r < count ? r : 0], base, pixels, four ? other + r * pitch : s);
-            if (nc == 4 && !c->planes)
-                eachFour<kParts<T>>(c, x, end, s, base,
-                                    [&](Index i, auto sum) { store(out + 4 * i, convert<L>(sum)); });
+        const Index pixels = c->first[end - 1] - base + c->most;
+        if (nc == 1 && !c->planes) {
+            L* const sums = reinterpret_cast<L*>(other);
+            turnRows<T, R>(c, rows, count, base, pixels, s);
+            eachColumn<R, P>(c, x, end, s, base,
+                             [&](Index i, auto sum) { store(sums + R * (i - x), convert<L>(sum)); });
+            for (Index k = R * (end - x); k % (4 * R) != 0; k++)
+                sums[k] = 0;
+            turnBack<R>(sums, end - x, lines, count, x);
+            continue;
+        }
+        for (Index r = 0; r < count; r++) {
+            L* const out = reinterpret_cast<L*>(lines[r]);
+            fetch<T>(c, rows[r], base, pixels, s);
             if constexpr (sizeof(T) != 8)
                 if (c->planes)
-                    addPhases<double, 2>(c, x, end - x, s, base, pixels, other,
+                    addPhases<double, P>(c, x, end - x, s, base, pixels, other,
                                          [&](Index f) { return out + f * phase + x / q * nc; });
-        }
-        if (four) {
-            turnRows(other, pitch, pixels, s);
-            L* const sums = reinterpret_cast<L*>(other);
-            eachFour<kParts<T>>(c, x, end, s, base,
-                                [&](Index i, auto sum) { store(sums + 4 * (i - x), convert<L>(sum)); });
-            for (Index k = 4 * (end - x); k % 16 != 0; k++)
-                sums[k] = 0;
-            turnBack(sums, end - x, lines, count, x);
+            if constexpr (sizeof(T) == 1)
+                if (!c->planes)
+                    eachColumn<4, P>(c, x, end, s, base,
+                                     [&](Index i, auto sum) { store(out + 4 * i, convert<L>(sum)); });
         }
     }
 }
 
 template<class T>
-void addTaps(const qvrColumns* c, const char* row, Index from, Index n, const double* w, double* parts)
+void addTaps(const qvrColumns* c, const char* const* rows, Index count, Index from, Index n, const double* w,
+             double* parts)
 {
-    double s[kRoom + kPast];
-    fetch<T>(c, row, from, n, s);
-    if (sizeof(T) == 1 && c->channels == 4) {
-        Vec<double, 4> part[2] = {load<Vec<double, 4>>(parts), load<Vec<double, 4>>(parts + 4)};
-        dotFours(s, w, n, n - n % 2, n, part);
-        store(parts, part[0]);
-        store(parts + 4, part[1]);
+    alignas(64) double s[kRoom + kPast];
+    const auto add = [&]<int N>() {
+        Vec<double, N> part[kParts<T>];
+        for (int p = 0; p < kParts<T>; p++)
+            part[p] = load<Vec<double, N>>(parts + p * N);
+        dot<N>(s, w, n, n - n % kParts<T>, n, part);
+        for (int p = 0; p < kParts<T>; p++)
+            store(parts + p * N, part[p]);
+    };
+    if (c->channels == 1) {
+        turnRows<T, kTogether<T>>(c, rows, count, from, n, s);
+        add.template operator()<kTogether<T>>();
     } else {
-        auto part = load<Vec<double, kParts<T>>>(parts);
-        dot<double, kParts<T>>(s, w, n, part);
-        store(parts, part);
+        fetch<T>(c, rows[0], from, n, s);
+        add.template operator()<4>();
     }
 }
 
@@ -472,7 +472,7 @@ QVR_APART void guardSums(const qvrColumns* c, const qvrRowTaps* rows, float* sum
 void sumColumns(const qvrColumns* c, Index from, Index to, const float* s, Index base, float* sum)
 {
     if (c->channels == 4)
-        return eachFour<2>(c, from, to, s, base, [&](Index x, auto four) { store(sum + 4 * (x - from), four); });
+        return eachColumn<4, 2>(c, from, to, s, base, [&](Index x, auto four) { store(sum + 4 * (x - from), four); });
     using V = Vec<float, 8>;
     Index list = from % c->lists;
     for (Index x = from; x < to; x += 4) {
@@ -655,27 +655,40 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
 }
 
 constexpr qvrRowKernels kTaps[] = {
-    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, 0, nullptr, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr, nullptr,
+    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, nullptr, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr, nullptr,
      nullptr},
-    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, 0, nullptr, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr, nullptr,
+    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, nullptr, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr, nullptr,
      nullptr},
-    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, 0, nullptr, filterTaps<float, 1>, blendTaps<float>, nullptr, nullptr,
+    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, nullptr, filterTaps<float, 1>, blendTaps<float>, nullptr, nullptr,
      nullptr},
-    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, 0, nullptr, filterTaps<double, 1>, blendTaps<double>, nullptr, nullptr,
+    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, 1, 0, nullptr, filterTaps<double, 1>, blendTaps<double>, nullptr, nullptr,
      nullptr},
 };
 template<class T> constexpr qvrRowKernels lowPassKernels(int channels)
 {
     constexpr int element = sizeof(T), line = sizeof(Line<T>);
-    return {element,          channels,        line,    qvrWeights_double, element == 8, kFma, kParts<T>, 0, nullptr,
-            filterLowPass<T>, blendLowPass<T>, nullptr, addTaps<T>,        nullptr};
+    return {element,
+            channels,
+            line,
+            qvrWeights_double,
+            element == 8,
+            kFma,
+            kParts<T>,
+            channels == 1 ? kTogether<T> : 1,
+            0,
+            nullptr,
+            filterLowPass<T>,
+            blendLowPass<T>,
+            nullptr,
+            addTaps<T>,
+            nullptr};
 }
 constexpr qvrRowKernels kLowPass[] = {lowPassKernels<uint8_t>(1), lowPassKernels<uint8_t>(4), lowPassKernels<float>(1),
                                       lowPassKernels<double>(1)};
 constexpr qvrRowKernels kSums[] = {
-    {1, 1, 4, qvrWeights_single, 0, kFma, 1, 0, nullptr, widenRows, sumBytes, nullptr, nullptr,
+    {1, 1, 4, qvrWeights_single, 0, kFma, 1, 1, 0, nullptr, widenRows, sumBytes, nullptr, nullptr,
      &kLowPass[qvrPixel_8u_C1]},
-    {1, 4, 4, qvrWeights_single, 0, kFma, 1, 0, nullptr, widenRows, sumBytes, nullptr, nullptr,
+    {1, 4, 4, qvrWeights_single, 0, kFma, 1, 1, 0, nullptr, widenRows, sumBytes, nullptr, nullptr,
      &kLowPass[qvrPixel_8u_C4]},
 };
 

@@ -208,8 +208,9 @@ template<int NC> int direct(const qvrColumns* c, const qvrRowTaps* rows, char* t
 }
 
 constexpr qvrRowKernels kLinear[] = {
-    {1, 1, 2, qvrWeights_words, 0, 0, 1, sizeof(Group), makeGroups, filter<1>, blend<1>, direct<1>, nullptr, nullptr},
-    {1, 4, 2, qvrWeights_words, 0, 0, 1, 0, nullptr, filter<4>, blend<4>, direct<4>, nullptr, nullptr},
+    {1, 1, 2, qvrWeights_words, 0, 0, 1, 1, sizeof(Group), makeGroups, filter<1>, blend<1>, direct<1>, nullptr,
+     nullptr},
+    {1, 4, 2, qvrWeights_words, 0, 0, 1, 1, 0, nullptr, filter<4>, blend<4>, direct<4>, nullptr, nullptr},
 };
 
 } // namespace

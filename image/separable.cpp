@@ -14,8 +14,9 @@ using Index = int64_t;
 constexpr Index kRun = 512;       // weights on the stack at a time
 constexpr Index kRows = 64;       // rows of one column at a time, where there are no lists
 constexpr Index kMostPhases = 8;  // more of them are not worth sorting
+constexpr Index kMostPlanes = 4;  // of doubles
 constexpr Index kPhaseWidth = 64; // columns from which on they are
-constexpr Index kTogether = 4;    // rows that are filtered at a time
+constexpr Index kTogether = 8;    // no kernel filters more rows at a time
 constexpr int kParts = 8 * 4;
 constexpr Index kMostLines = 1 << 19; // bytes of source rows as singles, which are to stay in a cache
 
@@ -101,6 +102,12 @@ bool areShort(const double* w, Index count)
     return all;
 }
 
+// Columns, or rows, that one vector of sums along a row holds.
+Index lanesOf(const qvrRowKernels* k)
+{
+    return k->channels > 1 ? k->channels : k->together;
+}
+
 // The low pass of bytes, whose lines are source rows.
 bool sumsFirst(const qvrRowKernels* k)
 {
@@ -127,8 +134,8 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     c.pixels = periodic ? j.x.pixels : 0;
     // Columns whose pixels, taps and all, fit into the room.
     const auto chunkOf = [&](Index more) {
-        const Index fours = k->parts > 1 && more == 0 ? 4 : k->channels;
-        const Index room = QVR_RESIZE_ROOM / fours, rest = room - c.most - more - 2;
+        const Index lanes = k->parts > 1 && more == 0 ? lanesOf(k) : k->channels;
+        const Index room = QVR_RESIZE_ROOM / lanes, rest = room - c.most - more - 2;
         const double columns = static_cast<double>(rest) / (j.x.inv * (1 + 0x1p-20) + 0x1p-20);
         const Index most = least(width, room / 2);
         return rest < 0                              ? 0
@@ -138,7 +145,8 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     };
     c.phases = periodic && c.lists <= kMostPhases && c.most <= kRun && k->parts <= 2 ? c.lists : 1;
     c.chunk = periodic ? chunkOf(2 * c.pixels + 1) / c.phases * c.phases : 0;
-    c.planes = k->parts <= 2 && c.phases == c.lists && c.chunk >= kPhaseWidth;
+    c.planes =
+        k->parts <= 2 && (k->parts == 1 || c.pixels <= kMostPlanes) && c.phases == c.lists && c.chunk >= kPhaseWidth;
     if (!c.planes) {
         c.phases = 1;
         c.chunk = chunkOf(0);
@@ -247,12 +255,12 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
 }
 
 // A list longer than the room, one run of pixels after the other.
-void sumParts(const qvrRowKernels* k, const double* parts, char* to)
+void sumParts(const qvrRowKernels* k, const double* parts, Index row, char* to)
 {
     for (Index c = 0; c < k->channels; c++) {
-        double sum = parts[c];
+        double sum = parts[row + c];
         for (Index p = 1; p < k->parts; p++)
-            sum += parts[p * k->channels + c];
+            sum += parts[p * lanesOf(k) + row + c];
         const float single = static_cast<float>(sum);
         if (k->lineBytes == 8)
             __builtin_memcpy(to + c * 8, &sum, 8);
@@ -260,16 +268,17 @@ void sumParts(const qvrRowKernels* k, const double* parts, char* to)
             __builtin_memcpy(to + c * 4, &single, 4);
     }
 }
-void filterLong(const qvrRowKernels* k, const qvrColumns& c, const char* row, char* line)
+void filterLong(const qvrRowKernels* k, const qvrColumns& c, const char* const* rows, char* const* lines, Index count)
 {
-    const Index run = QVR_RESIZE_ROOM / k->channels;
+    const Index run = QVR_RESIZE_ROOM / lanesOf(k);
     for (Index x = 0; x < c.width; x++) {
         double parts[kParts] = {};
         const Index list = x % c.lists;
         for (Index t = 0; t < c.count[list]; t += run)
-            k->addTaps(&c, row, c.first[x] + t, least(c.count[list] - t, run),
+            k->addTaps(&c, rows, count, c.first[x] + t, least(c.count[list] - t, run),
                        static_cast<const double*>(c.weights) + list * c.stride + t, parts);
-        sumParts(k, parts, line + x * k->channels * k->lineBytes);
+        for (Index r = 0; r < count; r++)
+            sumParts(k, parts, r, lines[r] + x * k->channels * k->lineBytes);
     }
 }
 
@@ -341,15 +350,15 @@ void resizeColumns(Job& j, Index from, Index width)
         for (done = done > low ? done : low; done <= high;) {
             const char* rows[kTogether];
             char* to[kTogether];
-            const Index rest = least(end - done, j.held - (high - low)), many = least(rest, kTogether);
+            const Index rest = least(end - done, j.held - (high - low)), many = least(rest, k->together);
             for (Index i = 0; i < many; i++) {
                 rows[i] = b->src + (done + i) * b->srcStep;
                 to[i] = r.lines + (done + i) % j.held * r.lineBytes;
-                if (r.c.chunk == 0)
-                    filterLong(k, r.c, rows[i], to[i]);
             }
             if (r.c.chunk > 0)
                 k->filter(&r.c, rows, to, many);
+            else
+                filterLong(k, r.c, rows, to, many);
             done += many;
         }
         k->blend(&r.c, &r.rows, dst);
@@ -382,19 +391,25 @@ void storeSum(const qvrRowKernels* k, double sum, char* to)
 void filterFewRows(const Job& j, const qvrColumns& c, Index d, Index low, Index high, char* lines)
 {
     const qvrRowKernels* const k = j.k;
+    const Index run = least(kRun, QVR_RESIZE_ROOM / lanesOf(k));
     double parts[kRows][kParts] = {}, w[kRun];
     qvrTaps taps;
     qvrTapsOf(&j.x, d, &taps);
-    for (Index t = 0; t < taps.count; t += kRun) {
-        const Index n = least(taps.count - t, kRun);
+    for (Index t = 0; t < taps.count; t += run) {
+        const Index n = least(taps.count - t, run);
         qvrWeightsOf(&j.x, &taps, t, n, w);
         for (Index i = 0; i < n && !k->wide; i++)
             w[i] = static_cast<double>(static_cast<float>(w[i]));
-        for (Index y = low; y <= high; y++)
-            k->addTaps(&c, j.band->src + y * j.band->srcStep, taps.first + t, n, w, parts[y - low]);
+        for (Index y = low; y <= high; y += k->together) {
+            const char* rows[kTogether];
+            const Index count = least(high + 1 - y, k->together);
+            for (Index r = 0; r < count; r++)
+                rows[r] = j.band->src + (y + r) * j.band->srcStep;
+            k->addTaps(&c, rows, count, taps.first + t, n, w, parts[(y - low) / k->together]);
+        }
     }
-    for (Index y = low; y <= high; y++)
-        sumParts(k, parts[y - low], lines + (y - low) * k->channels * k->lineBytes);
+    for (Index y = 0; y <= high - low; y++)
+        sumParts(k, parts[y / k->together], y % k->together, lines + y * k->channels * k->lineBytes);
 }
 
 void resizeWithoutLists(const Job& j)
@@ -446,7 +461,7 @@ void qvrResizeSeparable(const qvrResizeBand* b, const qvrRowKernels* kernels)
     if (kernels->prescribed != nullptr &&
         (j.x.most * kernels->channels > QVR_RESIZE_ROOM / 4 || j.x.most + j.y.most > kRun))
         j.k = kernels->prescribed;
-    j.held = least(j.y.most + (j.k->parts > 1 ? kTogether - 1 : 0), j.y.length);
+    j.held = least(j.y.most + j.k->together - 1, j.y.length);
     const Index width = b->x.count;
     const Index room = b->buffer + b->bufferBytes - startOf(b);
     const auto fits = [&](Index columns) {

@@ -46,16 +46,17 @@ enum { qvrWeights_plain, qvrWeights_words, qvrWeights_double, qvrWeights_single 
 typedef struct qvrRowKernels {
     int32_t elementBytes, channels, lineBytes, weights;
     int32_t wide, fused, parts;                 // of sums: in double, with fused steps, in so many parts along a row
+    int32_t together;                           // rows that are filtered at a time
     int32_t extraBytes;                         // for eight columns
     void (*prepare)(const qvrColumns* columns); // may be null
-    // Up to four rows.
     void (*filter)(const qvrColumns* columns, const char* const* rows, char* const* lines, int64_t count);
     void (*blend)(const qvrColumns* columns, const qvrRowTaps* rows, char* dst);
     // An output row that shows one source row; may be null.
     int (*direct)(const qvrColumns* columns, const qvrRowTaps* rows, char* dst);
-    // Adds n taps of one column from pixel `from` on to its parts; low pass only.
-    void (*addTaps)(const qvrColumns* columns, const char* row, int64_t from, int64_t n, const double* weights,
-                    double* parts);
+    // Adds n taps of one column from pixel `from` on to its parts: for each of them a lane for every channel, or for
+    // every row; low pass only.
+    void (*addTaps)(const qvrColumns* columns, const char* const* rows, int64_t count, int64_t from, int64_t n,
+                    const double* weights, double* parts);
     const struct qvrRowKernels* prescribed; // for lists that are too long for these kernels
 } qvrRowKernels;
 
