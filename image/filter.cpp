@@ -85,10 +85,13 @@ template<class S, class F> QVR_INLINE void layPixels(const qvrColumns* c, Index 
     const Index left = low > from ? (low - from < n ? low - from : n - 1) : 0;
     const Index right = from + n - high > 0 ? (from + n - high < n ? from + n - high : n - 1) : 0;
     inside(low * nc, (n - left - right) * nc, to + left * nc);
-    for (Index i = left * nc - 1; i >= 0; i--)
-        to[i] = to[i + nc];
-    for (Index i = (n - right) * nc; i < n * nc; i++)
-        to[i] = to[i - nc];
+    const auto repeat = [=](Index first, Index count, const S* pixel) {
+        const S edge[4] = {pixel[0], pixel[1 % nc], pixel[2 % nc], pixel[3 % nc]};
+        for (Index i = 0; i < count * nc; i++)
+            to[first * nc + i] = edge[i % 4];
+    };
+    repeat(0, left, to + left * nc);
+    repeat(n - right, right, to + (n - right - 1) * nc);
 }
 template<class T, class S> QVR_APART void fetch(const qvrColumns* c, const char* row, Index from, Index n, S* to)
 {
