@@ -1,6 +1,7 @@
 """What stands on the library's functions: filter design with a look at the poles, cascades of sections, whole signals
 through the streaming objects."""
 import decimal
+import threading
 import warnings
 
 import numpy
@@ -133,18 +134,26 @@ class Sections:
             raise ArgumentError("Sections", "qvrErrBadSize", "sections", f"wanted rows of six coefficients; got the shape {array.shape}")
         self.coefficients = array
         self.filters = [_core.IIR(row[:3], row[3:]) for row in array]
+        self._lock = threading.Lock()
 
     def __call__(self, x, out=None, *, copy=False):
-        """Filters the next samples of the stream; out may be x."""
-        out = self.filters[0](x, out, copy=copy)
-        for section in self.filters[1:]:
-            section(out, out)
+        """Filters the next samples of the stream; out may be x. Calls in several threads wait for each other."""
+        with self._lock:
+            out = self.filters[0](x, out, copy=copy)
+            for section in self.filters[1:]:
+                section(out, out)
         return out
 
     def reset(self):
         """Back to a past of zeros."""
+        with self._lock:
+            for section in self.filters:
+                section.reset()
+
+    def __reduce__(self):
         for section in self.filters:
-            section.reset()
+            section.__reduce__()  # raises in mid-stream
+        return Sections, (self.coefficients,)
 
     def close(self):
         """Releases the memory at once."""

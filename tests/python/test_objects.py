@@ -161,7 +161,11 @@ def test_sections(order, band):
             assert np.allclose(abs(ss.sosfreqz(ours)[1]), abs(ss.sosfreqz(theirs)[1]), rtol=1e-6, atol=1e-9)
             x = X.astype("f8")
             stream = qvr.Sections(ours)
+            twin = copy.copy(pickle.loads(pickle.dumps(stream)))
             assert np.allclose(np.concatenate([stream(x[:100]), stream(x[100:])]), ss.sosfilt(ours, x))
+            assert np.allclose(twin(x), ss.sosfilt(ours, x)), "a copy has a state of its own"
+            with pytest.raises(qvr.StateError, match="in mid-stream"):
+                copy.copy(stream)
 
 
 @pytest.mark.parametrize("up,down,length", [(1, 1, 5), (3, 2, 20), (2, 5, 33), (7, 3, 1), (1, 4, 9), (160, 147, 641), (1, 50, 7)])
