@@ -212,9 +212,21 @@ cdef int parse_number(const QvrGroup* g, const char* argument, object value, cha
     return 0
 
 
+cdef dict kChoices = {}
+
+
+cdef dict choices_of(const QvrGroup* g, int k):
+    """The choices of an argument by name; found once by text, then by place."""
+    key = <uintptr_t>&g.extraName[k]
+    found = kChoices.get(key)
+    if found is None:
+        found = kChoices[key] = SELECTORS[name_of(g.name), name_of(g.extraName[k])]
+    return found
+
+
 cdef int parse_extra(const QvrGroup* g, const QvrForm* form, int k, object value, QvrArguments* a) except -1:
     if g.selectors & (1 << k):
-        choices = SELECTORS[name_of(g.name), name_of(g.extraName[k])]
+        choices = choices_of(g, k)
         if value in choices:
             a.i[k] = choices[value]
             return 0
