@@ -227,10 +227,11 @@ cdef dict choices_of(const QvrGroup* g, int k):
 cdef int parse_extra(const QvrGroup* g, const QvrForm* form, int k, object value, QvrArguments* a) except -1:
     if g.selectors & (1 << k):
         choices = choices_of(g, k)
-        if value in choices:
-            a.i[k] = choices[value]
-            return 0
-        if not isinstance(value, str) and value is not None:
+        if value is None or isinstance(value, str):
+            if value in choices:
+                a.i[k] = choices[value]
+                return 0
+        else:
             parse_number(g, g.extraName[k], value, form.extra[k], k, a)
             if a.i[k] in choices.values():
                 return 0

@@ -81,9 +81,10 @@ cdef int done(object function, int status, object argument) except -1:
 
 cdef object chosen(object function, object name, object value, dict choices, object status):
     """The value of a named choice; a value itself will do too."""
-    if value in choices:
-        return choices[value]
-    if not isinstance(value, str) and value in choices.values():
+    if value is None or isinstance(value, str):
+        if value in choices:
+            return choices[value]
+    elif isinstance(value, int) and value in choices.values():
         return value
     raise ArgumentError(function, status, name, f"wanted one of {', '.join(map(repr, choices))}; got {value!r}")
 

@@ -113,6 +113,8 @@ def test_values_out_of_range():
     refused(ValueError, "factors", [], lambda: qvr.resize(np.ones((9, 9), "u1"), (12, 12), method="area"), "qvrErrBadFactor")
     refused(ValueError, "image", ["(9, 9, 3)"], lambda: qvr.resize(np.ones((9, 9, 3), "u1"), (3, 3)), "qvrErrBadChannels")
     refused(TypeError, "x", ["wanted", "int16"], lambda: qvr.RealFFT(16).forward(A.astype("i2")))
+    refused(TypeError, "relation", ["integer", "ndarray"], lambda: qvr.threshold(A, 0, A))
+    refused(ValueError, "norm", ["'backward'"], lambda: qvr.RealFFT(16, norm=A), "qvrErrFFTFlag")
     for wrong in (lambda: qvr.add(), lambda: qvr.add(A), lambda: qvr.add(A, B, nothing=1), lambda: qvr.FIR(), lambda: qvr.RealFFT("x")):
         with pytest.raises(TypeError):
             wrong()
