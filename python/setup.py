@@ -61,7 +61,7 @@ extension = Extension(
     "morvenqvr._core", ["morvenqvr/_core.pyx"],
     include_dirs=[str(made), "morvenqvr", str(header.parent), numpy.get_include()],
     define_macros=[("NPY_NO_DEPRECATED_API", "NPY_1_7_API_VERSION"), ("CYTHON_CCOMPLEX", "0")],
-    extra_compile_args=["-O2", "-g1" if "-g1" in os.environ.get("CFLAGS", "") else "-g0", "-Wno-unused-function", "-Wno-unused-variable", "-Wno-maybe-uninitialized"],
+    extra_compile_args=["-g1" if "-g1" in os.environ.get("CFLAGS", "") else "-g0", "-Wno-unused-function", "-Wno-unused-variable", "-Wno-maybe-uninitialized"],
     depends=[str(path) for path in (*made.iterdir(), *Path("morvenqvr").iterdir()) if path.suffix in (".h", ".pxi")],
     libraries=["dl"])
 
