@@ -37,6 +37,7 @@ int slot;
 bool verbose;
 long libraryAnswers, otherAnswers;
 pid_t command;
+int commandStatus; // as waitpid told it
 std::map<std::pair<dev_t, ino_t>, bool> known; // files that hold the library, as far as looked at
 
 [[noreturn]] void refuse(const char* what, const char* why)
@@ -132,10 +133,15 @@ bool answered(pid_t pid)
 // Lets a stopped process go on until it stops for the tracer; signals that come in between are kept for later.
 void runToStop(pid_t pid, __ptrace_request how, int stop, int& pending)
 {
-    for (int signal = 0;;) {
+    for (;;) {
         int status;
-        if (ptrace(how, pid, nullptr, signal) != 0 || waitpid(pid, &status, __WALL) != pid || !WIFSTOPPED(status))
+        if (ptrace(how, pid, nullptr, 0) != 0 || waitpid(pid, &status, __WALL) != pid)
             return;
+        if (!WIFSTOPPED(status)) {
+            if (pid == command)
+                commandStatus = status;
+            return;
+        }
         if (WSTOPSIG(status) == stop)
             return;
         if (status >> 16 == 0)
@@ -174,21 +180,20 @@ int startFaulting(pid_t pid)
     return pending;
 }
 
-// Serves the program and all that it starts until the last of them has ended; the status of the command.
-int serve()
+// Serves the program and all that it starts until the last of them has ended.
+void serve()
 {
-    int result = 0;
     for (;;) {
         int status;
         const pid_t pid = waitpid(-1, &status, __WALL);
         if (pid < 0) {
             if (errno == EINTR)
                 continue;
-            return result;
+            return;
         }
         if (!WIFSTOPPED(status)) {
             if (pid == command)
-                result = status;
+                commandStatus = status;
             continue;
         }
         const int event = status >> 16;
@@ -322,7 +327,8 @@ int main(int argc, char** argv)
     signal(SIGQUIT, SIG_IGN);
     signal(SIGTERM, forward);
     signal(SIGHUP, forward);
-    const int status = serve();
+    serve();
+    const int status = commandStatus;
     if (verbose)
         fprintf(stderr, "morvenqvr-slot: answered %ld CPUID of the library as slot %s, and %ld of other code\n",
                 libraryAnswers, tools::kSlots[slot].name, otherAnswers);
