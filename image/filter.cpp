@@ -219,10 +219,17 @@ QVR_INLINE void dot(const A* s, const A* w, Index n, Index least, Index most, Ve
         for (int p = 0; p < P; p++)
             add(p, load<V>(s + N * (k + p)), splat<V>(w[k + p]));
     for (; k < most; k += P)
+#pragma clang loop unroll(full)
         for (int p = 0; p < P; p++) {
-            const auto own = splat<Bits<V>>(k + p < n ? ~Elem<Bits<V>>{0} : 0);
-            const V x = load<V>(s + N * (k + p)), weight = splat<V>(k + p < n ? w[k + p] : 0);
-            add(p, bitcast<V>(bits(x) & own), weight);
+            if (k + p >= most)
+                break;
+            V x = load<V>(s + N * (k + p)), weight = splat<V>(w[k + p]);
+            if (k + p >= least) {
+                const auto own = splat<Bits<V>>(k + p < n ? ~Elem<Bits<V>>{0} : 0);
+                x = bitcast<V>(bits(x) & own);
+                weight = bitcast<V>(bits(weight) & own);
+            }
+            add(p, x, weight);
         }
 }
 

@@ -98,8 +98,14 @@ void makeGroups(const qvrColumns* columns)
 QVR_INLINE Vec<int16_t, 16> pairsAt(const uint8_t* s, const Columns& c, Index x)
 {
     Vec<uint16_t, 8> pairs = {};
-    for (int k = 0; k < 8; k++)
-        pairs[k] = load<Vec<uint16_t, 1>>(s + clampIndex(c.start[x + k], c.length - 1))[0];
+    const auto take = [&](const auto& at) {
+        for (int k = 0; k < 8; k++)
+            pairs[k] = load<Vec<uint16_t, 1>>(s + at(x + k))[0];
+    };
+    if (x >= c.from && x + 8 <= c.to)
+        take([&](Index i) { return c.start[i]; });
+    else
+        take([&](Index i) { return clampIndex(c.start[i], c.length - 1); });
     return convert<int16_t>(bitcast<Vec<uint8_t, 16>>(pairs));
 }
 template<int NC> QVR_INLINE Vec<int16_t, 16> pairsOf(const uint8_t* s, const Group& group)

@@ -78,7 +78,11 @@ const double* weightsOf(const qvrFilter* f, KnownWeights& known, Index d, qvrTap
 {
     double* w = other;
     bool made = false;
-    if (!f->lowPass) {
+    if (!f->lowPass && f->most == 2) {
+        w[0] = 1 - taps.fraction;
+        w[1] = taps.fraction;
+        made = true;
+    } else if (!f->lowPass) {
         const Index slot = static_cast<Index>(taps.fraction * 65521) % (kRun / 8);
         w = known.list + 8 * slot;
         made = known.fraction[slot] == taps.fraction;
