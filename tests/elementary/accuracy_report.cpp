@@ -648,9 +648,8 @@ int main(int argc, char** argv)
         "results; further exponentials below -87.33655, powers below 2^-125, floating-point magnitudes outside\n"
         "2^-62 .. 2^61 (32fc, whose contract gives 0 for small ones) and 2^-400 .. 2^401 (64fc), and angles of parts\n"
         "outside 2^-60 .. 2^60 (`Phase`) or 2^-20 .. 2^20 (`Atan2`). A NaN in place of a number would be an infinite\n"
-        "error.\n\n## Exported functions\n\n%s%s\n"
-        "## Classes that no export offers\n\n%s%s",
+        "error.\n\n%s%s",
         every.c_str(), pairs, processorName().c_str(), gnu_get_libc_version(), static_cast<unsigned long long>(stride),
-        head, offered.c_str(), head, others.c_str());
+        head, offered.c_str());
     return 0;
 }
