@@ -95,14 +95,14 @@ NORMS = {"backward": CONSTANTS["qvrFftDivInvByN"], "forward": CONSTANTS["qvrFftD
 
 
 cdef class RealFFT(_Owner):
-    """RealFFT(n=None, *, order=None, norm="backward", dtype=float32, accurate=False)
+    """RealFFT(n=None, *, order=None, norm="backward", dtype=None, accurate=False)
 
     Transforms of n real values to the n / 2 + 1 bins of their half spectrum, and back.
 
         n: length, a power of two; or order: its logarithm
         norm: "backward" (inverse divides by n and undoes forward), "forward" (forward divides by n), "ortho" (both
               divide by the root of n), "none" (neither: forward and inverse in a row give n times the input)
-        dtype: float32 or float64; int16 for the fixed-point transform, which has no inverse
+        dtype: float32 or float64, or None for either, as the arrays are; int16 for the fixed-point transform, which has no inverse
         accurate: int16 only: by single precision at every length
 
     A transform is only read by its calls: one object serves several threads at once. It can be copied and pickled.
@@ -111,6 +111,8 @@ cdef class RealFFT(_Owner):
     cdef int order_, complex_type
     cdef readonly object norm
     cdef readonly bint accurate
+    cdef bint either
+    cdef object twin
     cdef char* buffer
 
     def __cinit__(self):
@@ -120,7 +122,7 @@ cdef class RealFFT(_Owner):
     def __dealloc__(self):
         free(self.buffer)
 
-    def __init__(self, n=None, *, order=None, norm="backward", dtype=numpy.float32, accurate=False):
+    def __init__(self, n=None, *, order=None, norm="backward", dtype=None, accurate=False):
         cdef int flag, status, hint
         cdef void* handle = NULL
         self.begin()
@@ -132,8 +134,10 @@ cdef class RealFFT(_Owner):
             if length != 1 << order:
                 raise ArgumentError("RealFFT", "qvrErrFFTOrder", "n", f"wanted a power of two; got {length}")
         self.order_ = integer("RealFFT", "order", order, 0, 30, "qvrErrFFTOrder")
-        self.kind = kind_of(kindsFFT, kKindsFFT, number_of(dtype), -1)
+        self.either = dtype is None
+        self.kind = kind_of(kindsFFT, kKindsFFT, cnp.NPY_FLOAT if dtype is None else number_of(dtype), -1)
         if self.kind == NULL:
+            self.kind = &kindsFFT[0]
             raise ArrayError("RealFFT", None, "dtype", f"wanted {kinds_text(kindsFFT, kKindsFFT)}; got {numpy.dtype(dtype)}")
         self.complex_type = cnp.NPY_CFLOAT if self.kind.samples == cnp.NPY_FLOAT else \
             cnp.NPY_CDOUBLE if self.kind.samples == cnp.NPY_DOUBLE else cnp.NPY_VOID
@@ -156,11 +160,28 @@ cdef class RealFFT(_Owner):
 
     @property
     def dtype(self):
-        """Element type of the signal."""
-        return cnp.PyArray_DescrFromType(self.kind.samples)
+        """Element type of the signal; None for float32 and float64."""
+        return None if self.either else cnp.PyArray_DescrFromType(self.kind.samples)
 
     def __reduce__(self):
-        return _make, (type(self), (1 << self.order_,), {"norm": self.norm, "dtype": self.dtype.str, "accurate": self.accurate})
+        dtype = None if self.either else self.dtype.str
+        return _make, (type(self), (1 << self.order_,), {"norm": self.norm, "dtype": dtype, "accurate": self.accurate})
+
+    cdef object double(self, object x, int number):
+        """The transform in double precision, where the array asks for it."""
+        if not self.either or not cnp.PyArray_Check(x) or cnp.PyArray_TYPE(<cnp.ndarray>x) != number:
+            return None
+        if self.closed:
+            raise StateError("RealFFT", None, None, "the object is closed")
+        if self.twin is None:
+            self.twin = RealFFT(1 << self.order_, norm=self.norm, dtype=numpy.float64)
+        return self.twin
+
+    def close(self):
+        """Releases the memory, after a call that is under way; calls that follow raise a StateError."""
+        _Owner.close(self)
+        if self.twin is not None:
+            self.twin.close()
 
     def __repr__(self):
         return f"RealFFT({1 << self.order_}, norm={self.norm!r}, dtype={self.dtype})"
@@ -223,6 +244,9 @@ cdef class RealFFT(_Owner):
             out: complex64 or complex128; for int16 the structured type int16c. It may begin where x does.
             scale: int16 only: the spectrum is divided by 2 to the power of it
         """
+        twin = self.double(x, cnp.NPY_DOUBLE)
+        if twin is not None:
+            return twin.forward(x, out, scale=scale, copy=copy)
         return self.transform("RealFFT.forward", self.kind.run, x, out, self.kind.samples, self.complex_type,
                               (1 << self.order_) // 2 + 1, scale, copy)
 
@@ -233,6 +257,9 @@ cdef class RealFFT(_Owner):
         """
         if self.kind.inverse < 0:
             raise StateError("RealFFT.inverse", None, None, "the fixed-point transform has a forward direction only")
+        twin = self.double(x, cnp.NPY_CDOUBLE)
+        if twin is not None:
+            return twin.inverse(x, out, copy=copy)
         return self.transform("RealFFT.inverse", self.kind.inverse, x, out, self.complex_type, self.kind.samples, 1 << self.order_,
                               0, copy)
 

@@ -35,6 +35,26 @@ def test_fft(n, dtype):
     assert np.array_equal(qvr.RealFFT(order=n.bit_length() - 1, dtype=dtype).forward(x), qvr.RealFFT(n, dtype=dtype).forward(x))
 
 
+def test_fft_of_either_type():
+    fft = qvr.RealFFT(64)
+    assert fft.dtype is None
+    for transform in (fft, pickle.loads(pickle.dumps(fft))):
+        for dtype, tolerance in (("f4", 1e-6), ("f8", 1e-14)):
+            x = rng.standard_normal((3, 64)).astype(dtype)
+            spectrum = transform.forward(x)
+            assert spectrum.dtype == np.result_type(dtype, "c8") and abs(spectrum - np.fft.rfft(x)).max() < 50 * tolerance
+            back = transform.inverse(spectrum, out=np.empty_like(x))
+            assert back.dtype == x.dtype and abs(back - x).max() < 10 * tolerance
+    with pytest.raises(qvr.ArrayError, match="float32"):
+        qvr.RealFFT(64, dtype="f4").forward(np.zeros(64))
+    with pytest.raises(qvr.ArrayError):
+        fft.forward(np.zeros(64, "i4"))
+    fft.close()
+    for dtype in ("f4", "f8"):
+        with pytest.raises(qvr.StateError, match="closed"):
+            fft.forward(np.zeros(64, dtype))
+
+
 def test_fft_in_place_and_out():
     fft = qvr.RealFFT(256)
     shared = np.zeros(258, np.float32)
