@@ -140,7 +140,7 @@ template<class T, class V> QVR_INLINE void sumFloats(const Super<double>& s, con
 // The line for `n` elements of the source row's element `from` on.
 template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from, Index n)
 {
-    constexpr int N = 4 * kLanes<A>;
+    constexpr int N = (sizeof(T) == 1 ? 8 : 4) * kLanes<A>;
     const T* const p = reinterpret_cast<const T*>(sourceRow(s.band, s.rows.first)) + from;
     const auto block = [&]<class V>(Index at, V v) {
         if constexpr (sizeof(T) == 1)
@@ -151,6 +151,8 @@ template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from
     Index i = 0;
     for (; i + N <= n; i += N)
         block(i, Vec<A, N>{});
+    for (; i + kLanes<A> <= n; i += kLanes<A>)
+        block(i, Full<A>{});
     for (; i < n; i++)
         block(i, Vec<A, 1>{});
     for (Index k = 0; k < kPast; k++)
