@@ -11,7 +11,9 @@ skip() {
 [ "$(id -u)" = 0 ] || skip "only root can make a Debian system in a folder"
 ls build/packages/*.deb >/dev/null 2>&1 || { echo "there are no packages: make package" >&2; exit 1; }
 scripts/packages.sh packagetest
-lintian --allow-root --fail-on error,warning build/packages/*.deb
+# Debug packages name functions and know no lines: with these the compiler would put paths of the sources into the library
+# itself, where it forks, and builds in two folders would differ.
+lintian --allow-root --suppress-tags debug-file-with-no-debug-symbols --fail-on error,warning build/packages/*.deb
 
 work=$PWD/build/package-test
 base=$work/base.tar root=$work/root

@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
-# Builds the committed state twice, in folders of different names and depths, as for packages, and compares the shared objects
+# Builds one commit twice, in folders of different names and depths, as for packages, and compares the shared objects
 # and the packages byte by byte.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/packages.sh build package
+commit=$(git rev-parse HEAD)
 rm -rf build/reproducible
 for folder in a another/deeper/folder; do
     mkdir -p "build/reproducible/$folder"
-    git archive HEAD | tar -x -C "build/reproducible/$folder"
+    git archive "$commit" | tar -x -C "build/reproducible/$folder"
     (cd "build/reproducible/$folder" && cmake --preset package -DQVR_PYTHON=OFF >/dev/null &&
         cmake --build --preset package -j "${JOBS:-$(nproc)}" >/dev/null && cd build/package && cpack -B ../packages >/dev/null 2>&1)
 done
