@@ -2050,7 +2050,7 @@ qvrStatus Morven_qvrsIIRGenHighpass_64f(int order, qvr64f* taps, int filterType,
  * Threads. From 1601 samples on a run may use as many threads as the OpenMP runtime allowed when the library was loaded:
  * on the transform path always, on the direct path but for the 32f form on processors with AVX. A state is made for the
  * number of threads at its creation, or for as many as 2^31 - 1 bytes hold. On processors without SSE3 the last bits of
- * direct results depend on the number of threads.
+ * direct results depend on the number of threads and on the addresses of the arrays.
  * @{
  */
 
