@@ -22,23 +22,20 @@ template<> struct Breakpoints<double> {
     static constexpr double atan[4] = {0, 0x1.cb91f3bbba140p-2, 0x1.cb91f3bbba140p-1, 0x1.58ad76cccb8f0p+0};
 };
 
-// atan(sqrt z) / sqrt z for sqrt z <= tan(pi/14), minimax in relative error: 2^-13.9, 2^-27.0, 2^-33.9.
+// atan(sqrt z) / sqrt z for sqrt z <= tan(pi/14).
 template<Accuracy A, class V> QVR_INLINE V arcTangentSeries(V z)
 {
     if constexpr (A == Accuracy::a24)
-        return polynomial(z, 9.9981562671806302e-2, -0.14235718362390326, 0.19999072196317868, -0.3333332727862568,
-                          0.9999999999366442);
+        return polynomial(z, kArcTangent24);
     else if constexpr (A == Accuracy::a21)
-        return polynomial(z, -0.132209, 0.19967917, -0.33333054, 1.0);
+        return polynomial(z, kArcTangent21);
     else
-        return polynomial(z, -0.32316908, 0.99993396);
+        return polynomial(z, kArcTangent11);
 }
-// The same to 2^-66, for arguments in double.
+// The same for arguments in double.
 template<class V> QVR_INLINE V fineArcTangentSeries(V z)
 {
-    return polynomial(z, -4.1828012405627848e-2, 5.7692052136024033e-2, -6.6599891476082502e-2, 7.6920691314612738e-2,
-                      -9.0909038519199334e-2, 0.11111111042197441, -0.14285714285210513, 0.19999999999998264,
-                      -0.33333333333333331, 1.0);
+    return polynomial(z, kArcTangentFine);
 }
 
 // The row's entry of an interval: m1, m2, m3 tell the lanes beyond each meeting place.

@@ -37,8 +37,7 @@ template<class V> QVR_INLINE Doubles<lanes<V>> naturalLogarithm(V x, double shif
     D inverse, log;
     lookUpPairs<2>(&qvrLogTable64[0].inverse, p.index, inverse, log);
     const D r = fma(convert<double>(p.m), inverse, splat<D>(-1));
-    // ln(1 + r) / r, minimax for |r| <= 2^-7.9
-    const D q = r * polynomial(r, -0.25000258554528687, 0.33333587648854346, -0.49999999999466421, 1.0);
+    const D q = r * polynomial(r, kLogarithmFine);
     return fma(convert<double>(p.e) + shift, splat<D>(0.6931471805599453), log) + q;
 }
 

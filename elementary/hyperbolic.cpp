@@ -24,8 +24,7 @@ template<class V> struct Hyperbolic {
     V sine, cosine;    // of r
 };
 
-// Minimax in relative error for |r| <= ln 2 / 2. sinh(sqrt z) / sqrt z: 2^-15.5 (a11), 2^-26.1 (a21), 2^-37.7 (a24);
-// cosh(sqrt z): 2^-13.3, 2^-33.2, 2^-46.1.
+// Parts of e^a = 2^n e^r, |r| <= ln 2 / 2.
 template<Accuracy A, bool kNearest, class V> QVR_INLINE Hyperbolic<V> split(V a)
 {
     using T = Elem<V>;
@@ -38,15 +37,14 @@ template<Accuracy A, bool kNearest, class V> QVR_INLINE Hyperbolic<V> split(V a)
     const V z = r * r;
     V s, c;
     if constexpr (A == Accuracy::a24) {
-        s = r * polynomial(z, 1.9907704424788547e-4, 8.3332833593316342e-3, 0.16666666786827394, 0.9999999999954937);
-        c = polynomial(z, 2.4884486620953864e-5, 1.3888801765122565e-3, 4.1666667039833778e-2, 0.49999999999441713,
-                       1.0);
+        s = r * polynomial(z, kHyperbolicSine24);
+        c = polynomial(z, kHyperbolicCosine24);
     } else if constexpr (A == Accuracy::a21) {
-        s = r * polynomial(z, 8.3668474e-3, 0.16666541, 1.0);
-        c = polynomial(z, 1.3935784e-3, 4.1666456e-2, 0.5, 1.0);
+        s = r * polynomial(z, kHyperbolicSine21);
+        c = polynomial(z, kHyperbolicCosine21);
     } else {
-        s = r * polynomial(z, 0.16750412, 1.0);
-        c = polynomial(z, 0.50417632, 1.0);
+        s = r * polynomial(z, kHyperbolicSine11);
+        c = polynomial(z, kHyperbolicCosine11);
     }
     return {up + down, up - down, s, c};
 }

@@ -16,17 +16,15 @@ template<class T> constexpr T kHalfPiLow = sizeof(T) == 4 ? T(-4.371139e-08) : T
 template<class T> constexpr T kPi = 2 * kHalfPi<T>;
 template<class T> constexpr T kPiLow = 2 * kHalfPiLow<T>;
 
-// asin(sqrt z) / sqrt z on [0, 1/4], minimax in relative error: 2^-15.0, 2^-23.4, 2^-31.9; of a21 only the part behind
-// the one, over z.
+// asin(sqrt z) / sqrt z on [0, 1/4]; of a21 only the part behind the one, over z.
 template<Accuracy A, class V> QVR_INLINE V arcSineSeries(V z)
 {
     if constexpr (A == Accuracy::a24)
-        return polynomial(z, 3.7898826560891107e-2, 1.413035129412178e-2, 3.1903151847328691e-2, 4.4502811195781547e-2,
-                          7.5006055428778778e-2, 0.16666656917555992, 1.0000000002554226);
+        return polynomial(z, kArcSine24);
     else if constexpr (A == Accuracy::a21)
-        return polynomial(z, 5.0017424e-2, 4.0002082e-2, 7.5410597e-2, 0.16665554);
+        return polynomial(z, kArcSine21);
     else
-        return polynomial(z, 9.5999368e-2, 0.16453663, 1.0000311);
+        return polynomial(z, kArcSine11);
 }
 
 // The smaller angle asin t, its part behind t in class a21, and whether it was folded.

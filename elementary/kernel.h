@@ -18,6 +18,7 @@
 #ifndef QVR_ELEMENTARY_KERNEL_H
 #define QVR_ELEMENTARY_KERNEL_H
 
+#include "elementary/coefficients.h"
 #include "elementary/tables.h"
 #include "frame/mxcsr.h"
 #include "frame/simd.h"
@@ -87,6 +88,15 @@ template<class V, class... C> QVR_INLINE V polynomial(V x, double first, double 
 {
     using T = Elem<V>;
     return horner(x, addProduct(splat<V>(static_cast<T>(second)), x, static_cast<T>(first)), static_cast<T>(rest)...);
+}
+template<class V, int N> QVR_INLINE V polynomial(V x, const double (&c)[N])
+{
+    using T = Elem<V>;
+    V sum = addProduct(splat<V>(static_cast<T>(c[1])), x, static_cast<T>(c[0]));
+#pragma clang loop unroll(full)
+    for (int i = 2; i < N; i++)
+        sum = fma(sum, x, splat<V>(static_cast<T>(c[i])));
+    return sum;
 }
 
 template<class V> QVR_INLINE Bits<V> signOf(V v)

@@ -30,7 +30,7 @@ template<Accuracy A, class V> QVR_INLINE V natural(V x, float shift = 0)
         lookUpTriples(&qvrLogTable[0].log, p.index, inverse, hi, lo);
         const V r = productLess(p.m, inverse, 1);
         const V high = fma(e, splat<V>(0x1.62p-1f), hi), low = fma(e, splat<V>(0x1.c85fep-10f), lo);
-        return high + (r + fma(r * r, polynomial(r, 0.33333582, -0.50000286), low));
+        return high + (r + fma(r * r, polynomial(r, kLogarithm21), low));
     } else {
         V log, inverse;
         lookUpPairs<4>(&qvrLogTable[0].log, p.index, log, inverse);

@@ -101,17 +101,12 @@ template<Accuracy A, bool kNearest, class V> QVR_INLINE V shortPower(V x, V y)
     const Bits<V> shifted = bits(x) - rootOfHalf;
     const V e = convert<float>(bitcast<Mask<V>>(shifted) >> 23);
     const V u = bitcast<V>((shifted & 0x7FFFFF) + rootOfHalf) - splat<V>(1);
-    // log2(1 + u) / u, minimax 2^-22.2
-    const V log = fma(u,
-                      polynomial(u, -0.14715627, 0.23474817, -0.24870408, 0.28698662, -0.36024529, 0.48092839,
-                                 -0.72135276, 1.4426949),
-                      e);
+    const V log = fma(u, polynomial(u, kBinaryLogarithm11), e);
     // Below -126 the scale is zero.
     const V t = max(min(y * log, splat<V>(128)), splat<V>(-127));
     const auto down = toIntTruncate(t + splat<V>(128)) - 128;
     const V f = t - convert<float>(down);
-    // 2^f, minimax 2^-13.5
-    const V p = polynomial(f, 7.7119090e-2, 0.22756439, 0.69514614, 1.0);
+    const V p = polynomial(f, kBinaryPower11);
     const V power = p * bitcast<V>((down + 127) << 23);
     const Mask<V> near = t > splat<V>(kNearOverflow);
     return __builtin_expect(anyTrue(near), 0) ? nearOverflow<kNearest>(x, y, power, near) : power;

@@ -56,7 +56,7 @@ template<bool kNearest, class V> QVR_INLINE V plainExponential(V x)
     V n;
     const Bits<V> k = nearestInteger<kNearest>(x, 1.442695f, n);
     const V r = subtractProduct(subtractProduct(x, n, 0x1.62p-1f), n, 0x1.c85fep-10f);
-    const V q = polynomial(r, 1.3744514e-3, 8.3689652e-3, 4.1669659e-2, 0.16666518, 0.49999988);
+    const V q = polynomial(r, kExponential);
     const V p = fma(r * r, q, r) + splat<V>(1);
     return bitcast<V>(bits(p) + (k << 23));
 }
@@ -77,8 +77,7 @@ template<bool kNearest> __attribute__((noinline)) void exponentials(const float*
 template<class V> QVR_INLINE V unitArcTangent(V t)
 {
     const V z = t * t;
-    const V p = polynomial(z, -1.7871303e-3, 1.0885778e-2, -3.1124584e-2, 5.7904653e-2, -8.4003955e-2, 0.10951158,
-                           -0.1426405, 0.19998531, -0.33333299);
+    const V p = polynomial(z, kUnitArcTangent);
     return fma(t * z, p, t);
 }
 

@@ -9,7 +9,7 @@ declare -A lists=(
     [docs]="doxygen"
     [packagetest]="lintian debootstrap"
     [python]="python3-dev python3-numpy cython3 python3-setuptools python3-wheel python3-build"
-    [test]="abigail-tools doxygen valgrind libc6-dbg dpkg-dev file libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev libcairo2-dev fonts-dejavu-core libpng-dev libjpeg62-turbo-dev python3-dev python3-numpy cython3 python3-setuptools python3-wheel python3-build python3-pytest python3-scipy python3-pywt python3-pil python3-matplotlib python3-distributed python3-tqdm"
+    [test]="sollya abigail-tools doxygen valgrind libc6-dbg dpkg-dev file libgtest-dev libmpfr-dev libfftw3-dev llvm-19 libclang-rt-19-dev qemu-user python3 g++ pkgconf libsndfile1-dev libcairo2-dev fonts-dejavu-core libpng-dev libjpeg62-turbo-dev python3-dev python3-numpy cython3 python3-setuptools python3-wheel python3-build python3-pytest python3-scipy python3-pywt python3-pil python3-matplotlib python3-distributed python3-tqdm"
 )
 
 # Only what is configured counts as present.
