@@ -21,6 +21,7 @@ constexpr const char* kUsage =
     "  --name=TEXT     rows of exports whose name contains TEXT\n"
     "  --slot=SLOT     mx m7 u8 n8 y8 e9 or l9 instead of the machine's own; its peers are loops for that level\n"
     "  --core=N        run on core N instead of the last one\n"
+    "  --cores=N       run on the last N cores, with as many threads\n"
     "  --no-memory     leave out what exceeds the caches\n"
     "  --quick         fewer rounds, and no memory\n"
     "  --json=FILE     also write the results to FILE\n"
@@ -52,6 +53,8 @@ bool parse(int argc, char** argv, Options& options)
             options.slot = slotNumber(value.c_str());
         else if (key == "--core")
             options.core = atoi(value.c_str());
+        else if (key == "--cores" && atoi(value.c_str()) > 0)
+            options.cores = atoi(value.c_str());
         else if (key == "--no-memory")
             options.memory = false;
         else if (key == "--quick")
@@ -66,25 +69,26 @@ bool parse(int argc, char** argv, Options& options)
     return true;
 }
 
-// Runs this program again on one core, so that the OpenMP runtime and the library find one processor when they load.
-void pinOnce(int core, char** argv)
+// Runs this program again on some cores alone, so that the OpenMP runtime and the library find these when they load.
+void pinOnce(const Options& options, char** argv)
 {
     constexpr const char* kMark = "QVR_BENCH_PINNED";
     if (getenv(kMark) != nullptr)
         return;
-    cpu_set_t set;
-    if (sched_getaffinity(0, sizeof set, &set) != 0)
+    cpu_set_t have, set;
+    if (sched_getaffinity(0, sizeof have, &have) != 0)
         return;
     char count[16];
-    snprintf(count, sizeof count, "%d", CPU_COUNT(&set));
-    for (int i = 0; core < 0 && i < CPU_SETSIZE; i++)
-        if (CPU_ISSET(CPU_SETSIZE - 1 - i, &set))
-            core = CPU_SETSIZE - 1 - i;
+    snprintf(count, sizeof count, "%d", CPU_COUNT(&have));
     CPU_ZERO(&set);
-    CPU_SET(core, &set);
-    if (sched_setaffinity(0, sizeof set, &set) != 0) {
-        fprintf(stderr, "qvr_bench: cannot run on core %d alone\n", core);
-        exit(1);
+    if (options.core >= 0)
+        CPU_SET(options.core, &set);
+    for (int i = CPU_SETSIZE - 1; i >= 0 && CPU_COUNT(&set) < options.cores; i--)
+        if (CPU_ISSET(i, &have))
+            CPU_SET(i, &set);
+    if (CPU_COUNT(&set) != options.cores || sched_setaffinity(0, sizeof set, &set) != 0) {
+        fprintf(stderr, "qvr_bench: cannot run on these cores alone\n");
+        exit(3);
     }
     setenv(kMark, count, 1);
     execv("/proc/self/exe", argv);
@@ -131,7 +135,7 @@ int main(int argc, char** argv)
         fputs(kUsage, stderr);
         return 2;
     }
-    pinOnce(options.core, argv);
+    pinOnce(options, argv);
     chosenSlot = qvrCpuIndex;
     if (options.slot > chosenSlot) {
         fprintf(stderr, "qvr_bench: this machine cannot run slot %s\n", kSlots[options.slot]);

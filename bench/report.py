@@ -6,7 +6,8 @@ usage: report.py RESULTS DOCS
 RESULTS holds bench.json of the machine's own slot and bench-<slot>.json of others. They are cut by family into
 DOCS/performance/<family>.json, each replacing what an earlier run left there, and the pages are made from all of these
 files. So a run of one family renews that family alone. Size and load times come as a table, load.md, threads as threads.md,
-what keeps a row from being first as limits.txt: shell patterns of names and cases, then the reason, indented.
+the versions of packages as versions.txt, two-*.json hold what two cores did. What keeps a row from being first stands in
+DOCS/performance/limits.txt: shell patterns of names and cases, then the reason, indented.
 """
 import fnmatch
 import glob
@@ -49,6 +50,17 @@ def store_families(runs, own_slot, folder):
             f.write(f'{{"family": "{family}", "own": "{own_slot}", "slots": {{\n')
             f.write(",\n".join(f'"{slot}": ' + compact(part) for slot, part in sorted(slots.items())))
             f.write("\n}}\n")
+
+
+def store_two(results, folder):
+    """Our times on two cores, by function and case."""
+    path = os.path.join(folder, "two-threads.txt")
+    times = dict(line.rsplit(" ", 1) for line in read_part(folder, "two-threads.txt") if line)
+    for found in sorted(glob.glob(os.path.join(results, "two-*.json"))):
+        with open(found) as f:
+            times |= {f"{title(r)} {r['case']}": f"{r['timings'][0]['min']:.4g}" for r in json.load(f)["results"]}
+    with open(path, "w") as f:
+        f.writelines(f"{name} {time}\n" for name, time in sorted(times.items()))
 
 
 def geometric_mean(values):
@@ -208,7 +220,24 @@ def time_text(ns):
     return f"{ns:.0f} ns" if ns < 1000 else f"{ns / 1e3:.3g} us" if ns < 1e6 else f"{ns / 1e6:.3g} ms"
 
 
+# The Debian package that a peer comes from, by the beginning of its name.
+PACKAGES = {"VOLK": "libvolk2-dev", "Eigen": "libeigen3-dev", "FFTW": "libfftw3-dev", "SLEEF": "libsleef-dev",
+            "liquid": "libliquid-dev", "libyuv": "libyuv-dev", "zimg": "libzimg-dev", "libvips": "libvips-dev",
+            "stb": "libstb-dev", "glibc": "libc6", "mem": "libc6"}
+
+
+def peer_text(name, versions):
+    """A peer and its version."""
+    for start, package in PACKAGES.items():
+        if name.startswith(start) and package in versions:
+            return f"{name}, {versions[package]}"
+    return name
+
+
 def task_lines(families, docs):
+    folder = os.path.join(docs, "performance")
+    versions = dict(line.split() for line in read_part(folder, "versions.txt") if line)
+    two = dict(line.rsplit(" ", 1) for line in read_part(folder, "two-threads.txt") if line)
     shown = [(task[0], find_task(task, families)) for task in TASKS]
     shown = [(words, r) for words, r in shown if r]
     figure, axis = plt.subplots(figsize=(8, 0.6 + 0.26 * len(shown)))
@@ -224,10 +253,14 @@ def task_lines(families, docs):
     figure.tight_layout()
     figure.savefig(os.path.join(docs, "performance/tasks.svg"), metadata={"Date": None})
     plt.close(figure)
-    rows = [[words, time_text(r["timings"][0]["min"]), time_text(r["timings"][r["best"]]["min"]),
-             r["timings"][r["best"]]["name"], f"{r['ratio']:.2f}"] for words, r in shown]
+    rows = []
+    for words, r in shown:
+        both = two.get(f"{title(r)} {r['case']}")
+        peer = r["timings"][r["best"]]
+        rows.append([words, time_text(r["timings"][0]["min"]), time_text(float(both)) if both else "", time_text(peer["min"]),
+                     peer_text(peer["name"], versions), f"{r['ratio']:.2f}"])
     return ["![everyday tasks: our time over the fastest peer's](performance/tasks.svg)", ""] + table(
-        ["task, one core", "ours", "fastest peer", "which", "ratio"], rows)
+        ["task", "ours, one core", "two cores, where it forks", "fastest peer, one core", "which", "ratio, one core"], rows)
 
 
 def reasons(docs):
@@ -245,6 +278,11 @@ def reasons(docs):
             text = []
         patterns = [p.strip() for p in line.split(",")]
     return found + ([(patterns, " ".join(text))] if text else [])
+
+
+def versions_lines(docs):
+    found = [line.split() for line in read_part(os.path.join(docs, "performance"), "versions.txt") if line]
+    return ["Packages: " + ", ".join(f"{name} {version}" for name, version in found) + ".", ""] if found else []
 
 
 def lost_lines(families, docs):
@@ -346,8 +384,7 @@ the smallest cache that holds all arrays of the case. *Share of limit* is the ti
 ours: the fastest loop of the same run, or the fastest case where one beats the loops. In-place cases work on one array over
 and over, so at 15 elements each call waits for the stores of the one before it. Of transforms, *cycles/point* are those for
 each of the N/2 complex points, in a clock of two fused multiply-adds a cycle. FFTW plans by measuring up to order 18, by
-estimate above. The functions that a case stands for are reached by Debian 12's packages of the peers, in the versions that
-the distribution has.
+estimate above.
 """
 
 THREADS = """## A second thread
@@ -373,7 +410,8 @@ def main():
     if os.path.exists(os.path.join(results, "bench.json")):
         with open(os.path.join(results, "bench.json")) as f:
             store_families(load_runs(results), json.load(f)["slot"], folder)
-    for name in ("load.md", "threads.md"):
+    store_two(results, folder)
+    for name in ("load.md", "threads.md", "versions.txt"):
         if os.path.exists(os.path.join(results, name)):
             os.replace(os.path.join(results, name), os.path.join(folder, name))
     families = {}
@@ -394,7 +432,7 @@ def main():
     load = read_part(folder, "load.md")
     if load:
         lines += ["## Size and load", "", "Stripped; each load in a process of its own, the median of 101.", ""] + load
-    lines += HOW.splitlines() + ["", machine_text(next(iter(families.values())))]
+    lines += HOW.splitlines() + [""] + versions_lines(docs) + [machine_text(next(iter(families.values())))]
     with open(os.path.join(docs, "performance.md"), "w") as f:
         f.write("\n".join(lines).rstrip() + "\n")
 

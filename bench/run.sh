@@ -31,7 +31,7 @@ only=${family:+--only=$family}
 if [ -n "$QUICK" ]; then
     exec $program --quick $only
 fi
-rm -f $results/bench.json $results/bench-*.json
+rm -f $results/bench.json $results/bench-*.json $results/two-*.json
 $program $only --json=$results/bench.json
 # The slots whose peer is the plain loop for their level, as far as this machine can run them.
 for slot in y8 mx; do
@@ -42,4 +42,9 @@ if [ -z "$family" ] || [ "$family" = frame ]; then
     LD_LIBRARY_PATH=/usr/lib/llvm-19/lib build/bench/bench/load_time $results/stripped.so >$results/load.md
     build/bench/bench/qvr_threads >$results/threads.md || rm -f $results/threads.md # one processor alone
 fi
+# What of the tasks of a day forks, once more on two cores.
+for name in qvrsFIR_32f qvrsConv_32f qvriResizeSqrPixel_8u_C1R; do
+    $program $only --cores=2 --name=$name --json=$results/two-$name.json || [ $? = 3 ]
+done
+dpkg-query -W -f='${Package} ${Version}\n' $packages libc6 >$results/versions.txt
 /usr/bin/python3 bench/report.py $results docs # the interpreter that the package of matplotlib is for
