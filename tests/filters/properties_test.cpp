@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "filters/slot_tables.h"
 #include "support/chosen_slot.h"
 #include "support/values.h"
 

@@ -3,6 +3,7 @@
 #include <complex>
 #include <numeric>
 
+#include "fourier/slot_tables.h"
 #include "support/chosen_slot.h"
 #include "support/values.h"
 

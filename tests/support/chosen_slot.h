@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "morvenqvr.h"
 #include "support/slots.h"
 
 namespace slots {
