@@ -133,11 +133,11 @@ bool addRow(Row row);
 // ---- Running --------------------------------------------------------------------------------------------------------
 
 struct Options {
-    std::string only;   // family, empty for all
-    std::string name;   // part of an export's name, empty for all
-    std::string json;   // output file, empty for none
-    int slot = -1;      // -1: as the machine chose
-    int core = -1;      // -1: the last ones allowed
+    std::string only; // family, empty for all
+    std::string name; // part of an export's name, empty for all
+    std::string json; // output file, empty for none
+    int slot = -1;    // -1: as the machine chose
+    int core = -1;    // -1: the last ones allowed
     int cores = 1;
     bool quick = false; // fewer rounds
     bool memory = true; // cases beyond the caches

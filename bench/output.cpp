@@ -104,11 +104,12 @@ bool writeJson(const char* path, const Options& options, const Limits& limits, c
         fprintf(
             f,
             "%s\n  {\"name\": \"%s\", \"variant\": \"%s\", \"family\": \"%s\", \"group\": \"%s\", \"case\": \"%s\", "
-            "\"level\": \"%s\", \"elements\": %.0f, \"points\": %.0f, \"read\": %g, \"written\": %g, \"best\": %d, \"ratio\": %.4f, "
+            "\"level\": \"%s\", \"elements\": %.0f, \"points\": %.0f, \"read\": %g, \"written\": %g, \"best\": %d, "
+            "\"ratio\": %.4f, "
             "\"ratioMedian\": %.4f, \"share\": %.4f, \"limitedBy\": \"%s\", \"timings\": [",
             first ? "" : ",", r.name.c_str(), r.variant.c_str(), r.family.c_str(), r.group.c_str(), r.label.c_str(),
-            kLevelNames[r.level], r.elements, r.points, r.work.read, r.work.written, r.best, r.ratio, r.ratioMedian, r.share,
-            r.limitedBy.c_str());
+            kLevelNames[r.level], r.elements, r.points, r.work.read, r.work.written, r.best, r.ratio, r.ratioMedian,
+            r.share, r.limitedBy.c_str());
         for (size_t k = 0; k < r.timings.size(); k++)
             fprintf(f, "%s{\"name\": \"%s\", \"min\": %.3f, \"median\": %.3f}", k ? ", " : "",
                     r.timings[k].name.c_str(), r.timings[k].min, r.timings[k].median);

@@ -37,7 +37,7 @@ int slot;
 bool verbose;
 long libraryAnswers, otherAnswers;
 pid_t command;
-int commandStatus; // as waitpid told it
+int commandStatus;                             // as waitpid told it
 std::map<std::pair<dev_t, ino_t>, bool> known; // files that hold the library, as far as looked at
 
 [[noreturn]] void refuse(const char* what, const char* why)

@@ -14,7 +14,8 @@ typedef struct {
     int64_t room;   // floats in it
 } Audio;
 
-// Opens a WAV file that is whole and not empty. Samples of 24 bits and more and floats are rounded to 16 bits as they are read.
+// Opens a WAV file that is whole and not empty. Samples of 24 bits and more and floats are rounded to 16 bits as they
+// are read.
 Audio audioOpen(const char* path);
 
 // Reads the next `frames` frames, which the file has.

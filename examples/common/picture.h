@@ -21,8 +21,8 @@ void pictureFill(Picture* picture, int x, int y, int width, int height, Colour c
 // Its outline of one pixel.
 void pictureFrame(Picture* picture, int x, int y, int width, int height, Colour colour);
 
-// About ten pixels high, drawn by cairo. (x, y) is the left end of its top; of the second form the middle. The third runs
-// upward, with x at its left and y in its middle.
+// About ten pixels high, drawn by cairo. (x, y) is the left end of its top; of the second form the middle. The third
+// runs upward, with x at its left and y in its middle.
 void pictureText(Picture* picture, int x, int y, const char* text, Colour colour);
 void pictureTextCentred(Picture* picture, int x, int y, const char* text, Colour colour);
 void pictureTextUp(Picture* picture, int x, int y, const char* text, Colour colour);

@@ -30,9 +30,9 @@ typedef struct {
     const char* name;
     const QvrForm* forms;
     int formCount, inputs, extras, results;
-    int rank;             // axes that a call works on: 1, or 2 for images
-    int vectors;          // bit k: input k is one row, whatever the rank
-    int elementwise;      // elements do not know of each other
+    int rank;                           // axes that a call works on: 1, or 2 for images
+    int vectors;                        // bit k: input k is one row, whatever the rank
+    int elementwise;                    // elements do not know of each other
     int commutative, needsOut, written; // written: extra k is written back
     int selectors;                      // bit k: extra k is chosen by name
     int weight, quadratic;

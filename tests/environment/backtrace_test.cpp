@@ -58,11 +58,14 @@ template<class T> T* nowhere()
 TEST(Backtrace, ReachesMainFromElementWiseKernels)
 {
     float good[64] = {};
-    slots::each(qvrTable_qvrsAdd_32f, [&](auto add, int) { EXPECT_TRUE(walks(add, good, nowhere<const float>(), good, 64)); });
+    slots::each(qvrTable_qvrsAdd_32f,
+                [&](auto add, int) { EXPECT_TRUE(walks(add, good, nowhere<const float>(), good, 64)); });
     slots::each(qvrTable_qvrsSqrt_32f, [&](auto root, int) { EXPECT_TRUE(walks(root, good, nowhere<float>(), 64)); });
     slots::each(qvrTable_qvrsCeil_32f, [&](auto ceil, int) { EXPECT_TRUE(walks(ceil, good, nowhere<float>(), 64)); });
-    slots::each(qvrTable_qvrsSin_32f_A11, [&](auto sine, int) { EXPECT_TRUE(walks(sine, nowhere<const float>(), good, 64)); });
-    slots::each(qvrTable_qvrsMean_32f, [&](auto mean, int) { EXPECT_TRUE(walks(mean, nowhere<const float>(), 64, good)); });
+    slots::each(qvrTable_qvrsSin_32f_A11,
+                [&](auto sine, int) { EXPECT_TRUE(walks(sine, nowhere<const float>(), good, 64)); });
+    slots::each(qvrTable_qvrsMean_32f,
+                [&](auto mean, int) { EXPECT_TRUE(walks(mean, nowhere<const float>(), 64, good)); });
     slots::each(qvrTable_qvrsSortAscend_32f_I, [&](auto sort, int) { EXPECT_TRUE(walks(sort, nowhere<float>(), 64)); });
 }
 
@@ -97,8 +100,8 @@ TEST(Backtrace, ReachesMainFromFiltersAndImages)
     });
     std::vector<qvr8u> pixels(64 * 64), buffer(1 << 20);
     slots::each(qvrTable_qvriResizeSqrPixel_8u_C1R, [&](auto resize, int) {
-        EXPECT_TRUE(walks(resize, nowhere<const qvr8u>(), qvriSize{64, 64}, 64, qvriRect{0, 0, 64, 64}, pixels.data(), 64,
-            qvriRect{0, 0, 32, 32}, 0.5, 0.5, 0.0, 0.0, +qvriInterCubic, buffer.data()));
+        EXPECT_TRUE(walks(resize, nowhere<const qvr8u>(), qvriSize{64, 64}, 64, qvriRect{0, 0, 64, 64}, pixels.data(),
+                          64, qvriRect{0, 0, 32, 32}, 0.5, 0.5, 0.0, 0.0, +qvriInterCubic, buffer.data()));
     });
 }
 

@@ -27,10 +27,9 @@ private:
 using Spec16 = Owned<qvrsFFTSpec_R_16s, Morven_qvrsFFTInitAlloc_R_16s, Morven_qvrsFFTFree_R_16s>;
 using Hilbert = Owned<qvrsHilbertState_32f32fc, Morven_qvrsHilbertInitAlloc_32f32fc, Morven_qvrsHilbertFree_32f32fc>;
 template<class T>
-using Spec =
-    std::conditional_t<sizeof(T) == 4,
-                       Owned<qvrsFFTSpec_R_32f, Morven_qvrsFFTInitAlloc_R_32f, Morven_qvrsFFTFree_R_32f>,
-                       Owned<qvrsFFTSpec_R_64f, Morven_qvrsFFTInitAlloc_R_64f, Morven_qvrsFFTFree_R_64f>>;
+using Spec = std::conditional_t<sizeof(T) == 4,
+                                Owned<qvrsFFTSpec_R_32f, Morven_qvrsFFTInitAlloc_R_32f, Morven_qvrsFFTFree_R_32f>,
+                                Owned<qvrsFFTSpec_R_64f, Morven_qvrsFFTInitAlloc_R_64f, Morven_qvrsFFTFree_R_64f>>;
 template<class T> constexpr Exact kUnit = sizeof(T) == 4 ? 0x1p-24L : 0x1p-53L;
 
 template<class T> std::vector<T> random(size_t n, uint32_t seed)
@@ -95,9 +94,7 @@ TYPED_TEST(TransformProperties, Linear)
             negative[i] = -x[i];
         }
         const auto fx = spectrum<T>(spec, x), fy = spectrum<T>(spec, y);
-        EXPECT_LE(distance(spectrum<T>(spec, sum),
-                           [&](size_t k) { return 0.75L * fx[k] - 0.5L * fy[k]; }),
-                  bound);
+        EXPECT_LE(distance(spectrum<T>(spec, sum), [&](size_t k) { return 0.75L * fx[k] - 0.5L * fy[k]; }), bound);
         // A power of two and a sign round nothing.
         EXPECT_EQ(distance(spectrum<T>(spec, twice), [&](size_t k) { return 1024 * Exact(fx[k]); }), 0);
         EXPECT_EQ(distance(spectrum<T>(spec, negative), [&](size_t k) { return -Exact(fx[k]); }), 0);
@@ -223,9 +220,9 @@ TEST(ConvolutionProperties, Algebra)
             for (size_t at : {size_t{0}, m / 2, m - 1}) {
                 Signal impulse(m);
                 impulse[at] = 1;
-                EXPECT_LE(distance(conv(a, impulse),
-                                   [&](size_t i) { return i >= at && i - at < n ? Exact(a[i - at]) : 0; }),
-                          bound);
+                EXPECT_LE(
+                    distance(conv(a, impulse), [&](size_t i) { return i >= at && i - at < n ? Exact(a[i - at]) : 0; }),
+                    bound);
             }
         }
     });

@@ -1,6 +1,6 @@
-// Calls every export with random arguments, ordinary and arbitrary, through the dispatchers: on a processor that has one
-// slot's level and nothing more, an instruction above it ends the program. What the calls return is judged elsewhere, on
-// all slots at the processor's own speed.
+// Calls every export with random arguments, ordinary and arbitrary, through the dispatchers: on a processor that has
+// one slot's level and nothing more, an instruction above it ends the program. What the calls return is judged
+// elsewhere, on all slots at the processor's own speed.
 #include <cstdio>
 #include <random>
 
