@@ -276,20 +276,33 @@ void qvrMakeFilter(const qvrResizeAxis* axis, const qvrResizeMethod* method, int
     }
 }
 
+void qvrPlacesOf(const qvrFilter* f, int64_t d, int64_t count, int32_t* first, double* fraction)
+{
+    const double inv = f->inv, off = f->off - 0.5, last = static_cast<double>(f->length) - 0.5;
+    const int32_t before = static_cast<int32_t>(f->most / 2) - 1;
+    for (int64_t k = 0; k < count; k++) {
+        // The centre of a produced pixel lies within the image; what rounding makes of it, too.
+        const double pos = bounded((static_cast<double>(d + k) + 0.5) * inv + off, -1, last);
+        const int32_t i = static_cast<int32_t>(pos + 1) - 1;
+        const int32_t floor = static_cast<double>(i) > pos ? i - 1 : i;
+        fraction[k] = pos - static_cast<double>(floor);
+        first[k] = floor - before;
+    }
+    for (int64_t k = 0; k < count && f->single; k++)
+        fraction[k] = static_cast<double>(static_cast<float>(fraction[k]));
+}
+
+void qvrPlaceWeights(const qvrFilter* f, double fraction, double* weights)
+{
+    for (int64_t k = 0; k < f->most; k++) {
+        const double t = absOf(static_cast<double>(k - f->most / 2 + 1) - fraction);
+        weights[k] = (f->single ? f->method->single : f->method->wide)(t);
+    }
+}
+
 void qvrTapsOf(const qvrFilter* f, int64_t d, qvrTaps* taps)
 {
     taps->sum = 0;
-    if (!f->lowPass) {
-        // The centre of a produced pixel lies within the image; what rounding makes of it, too.
-        const double pos =
-            bounded((static_cast<double>(d) + 0.5) * f->inv + (f->off - 0.5), -1, static_cast<double>(f->length) - 0.5);
-        const int64_t i = floorOf(pos);
-        const double fraction = pos - static_cast<double>(i);
-        taps->fraction = f->single ? static_cast<double>(static_cast<float>(fraction)) : fraction;
-        taps->first = i - f->most / 2 + 1;
-        taps->count = f->most;
-        return;
-    }
     const int64_t periods = f->period > 0 ? d / f->period : 0, shift = periods * f->pixels;
     // Places are relative to the period, so that its lists are the same in all of them.
     const double low = static_cast<double>(-kFold - 1 - shift), high = static_cast<double>(f->length + kFold - shift);
@@ -308,15 +321,6 @@ void qvrTapsOf(const qvrFilter* f, int64_t d, qvrTaps* taps)
 
 void qvrWeightsOf(const qvrFilter* f, qvrTaps* taps, int64_t from, int64_t count, double* weights)
 {
-    if (!f->lowPass) {
-        for (int64_t k = 0; k < count; k++) {
-            const double t = absOf(static_cast<double>(k - f->most / 2 + 1) - taps->fraction);
-            weights[k] = (f->single ? f->method->single : f->method->wide)(t);
-        }
-        if (f->most == 2)
-            weights[1] = taps->fraction;
-        return;
-    }
     const auto weight = [=](int64_t k) {
         const int64_t at = taps->first - taps->shift + k;
         return k == 0 && taps->foldsBefore                 ? foldedWeight(f, taps->centre, at, -1)

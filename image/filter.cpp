@@ -13,8 +13,10 @@
 namespace {
 
 constexpr Index kRoom = QVR_RESIZE_ROOM, kPast = QVR_RESIZE_PAST;
-constexpr Index kChunk = 512;    // elements of an output row at a time
 constexpr Index kMostTaps = 512; // of columns that are worked on phase by phase
+constexpr Index kTurned = 3072;  // doubles of source rows side by side
+constexpr Index kColumns = 64;   // of them at a time
+constexpr Index kLongColumns = 8;
 
 template<class T> struct LineOf {
     using type = float;
@@ -97,7 +99,10 @@ template<class T, class S> QVR_APART void fetch(const qvrColumns* c, const char*
 {
     layPixels(c, from, n, to, [&](Index at, Index count, S* inside) {
         const T* const p = reinterpret_cast<const T*>(row) + at;
-        eachBlock<S>(count, [&]<int N>(Index i) { store(inside + i, widened<S>(load<Vec<T, N>>(p + i))); });
+        if constexpr (sizeof(T) == sizeof(S))
+            __builtin_memcpy(inside, p, static_cast<size_t>(count) * sizeof(T));
+        else
+            eachBlock<S>(count, [&]<int N>(Index i) { store(inside + i, widened<S>(load<Vec<T, N>>(p + i))); });
     });
 }
 
@@ -176,32 +181,31 @@ template<class U> QVR_APART void joinPhases(const U* from, Index pitch, Index q,
         for (Index i = m; i * q + f < n; i++)
             put(to, i * q + f, from[f * pitch + i]);
 }
-template<class A> struct Four {
-    A v[4];
+struct Four {
+    float v[4];
 };
 
 // Sums for the columns of all phases from column `from` on, `width` in all. s holds pixels from `base` on, `pixels` of
-// them. Output m of phase f goes to out(f) + m * channels.
-template<class A, int P, class Out>
-QVR_INLINE void addPhases(const qvrColumns* c, Index from, Index width, const A* s, Index base, Index pixels, A* planes,
-                          const Out& out)
+// them. Output m of phase f goes to sum + f * pitch + m * channels.
+void addPhases(const qvrColumns* c, Index from, Index width, const float* s, Index base, Index pixels, float* planes,
+               float* sum, Index pitch)
 {
     const Index nc = c->channels, q = c->phases, p = c->pixels, length = pixels / p + 1;
-    const A* plane = s;
+    const float* plane = s;
     if (p > 1) {
         if (nc == 1)
             sortPlanes(s, pixels, p, planes, length);
         else
-            sortPlanes(reinterpret_cast<const Four<A>*>(s), pixels, p, reinterpret_cast<Four<A>*>(planes), length);
+            sortPlanes(reinterpret_cast<const Four*>(s), pixels, p, reinterpret_cast<Four*>(planes), length);
         plane = planes;
     }
-    const A* taps[kMostTaps];
+    const float* taps[kMostTaps];
     for (Index f = 0; f < q && f < width; f++) {
         const Index at = c->first[from + f] - base;
         for (Index k = 0; k < c->count[f]; k++)
             taps[k] = plane + ((at + k) % p * length + (at + k) / p) * nc;
-        addStreams<A, P, false>(taps, 0, static_cast<const A*>(c->weights) + f * c->stride, c->count[f], out(f),
-                                (width - f + q - 1) / q * nc);
+        addStreams<float, 1, false>(taps, 0, static_cast<const float*>(c->weights) + f * c->stride, c->count[f],
+                                    sum + f * pitch, (width - f + q - 1) / q * nc);
     }
 }
 
@@ -250,8 +254,9 @@ QVR_INLINE void eachColumn(const qvrColumns* c, Index from, Index to, const A* s
     }
 }
 
+// Several rows are filtered together: those of a pixel side by side are the lanes, so no sum depends on its place.
 template<class T> constexpr int kParts = sizeof(T) == 8 ? 8 : 2;
-template<class T> constexpr int kTogether = sizeof(T) == 8 ? 4 : 8; // rows, of one channel
+template<class T, int NC> constexpr int kTogether = sizeof(T) == 8 ? 4 : 16 / NC;
 
 template<class V> QVR_INLINE void turnFour(V (&v)[4])
 {
@@ -262,90 +267,157 @@ template<class V> QVR_INLINE void turnFour(V (&v)[4])
     v[3] = zipHi(ach, bdh);
 }
 // Pixels from .. from + n - 1 of R rows side by side; for lack of rows the last is taken again.
-template<class T, int R>
+template<class T, int NC, int R>
 QVR_APART void turnRows(const qvrColumns* c, const char* const* rows, Index count, Index from, Index n, double* to)
 {
-    alignas(64) double line[4][kRoom / R + kPast];
-    for (int r = 0; r < R; r += 4) {
-        for (int i = 0; i < 4; i++)
-            fetch<T>(c, rows[r + i < count ? r + i : count - 1], from, n, line[i]);
-        for (Index k = 0; k < n; k += 4) {
-            Vec<double, 4> v[4];
-            for (int i = 0; i < 4; i++)
-                v[i] = load<Vec<double, 4>>(line[i] + k);
-            turnFour(v);
-            for (int i = 0; i < 4; i++)
-                store(to + R * (k + i) + r, v[i]);
+    constexpr Index L = R * NC, B = sizeof(T) == 1 && NC == 1 ? 16 : 4;
+    const T* row[R];
+    for (int r = 0; r < R; r++)
+        row[r] = reinterpret_cast<const T*>(rows[r < count ? r : count - 1]);
+    const auto one = [&](Index i) {
+        const Index at = clampIndex(from + i, c->length) * NC;
+        for (int r = 0; r < R; r++)
+            store(to + i * L + r * NC, convert<double>(load<Vec<T, NC>>(row[r] + at)));
+    };
+    Index i = 0;
+    for (; i < n && from + i < 0; i++)
+        one(i);
+    for (; i + B <= n && from + i + B <= c->length; i += B)
+        for (int r = 0; r < R; r += NC == 1 ? 4 : 1) {
+            double* const out = to + i * L + r * NC;
+            if constexpr (NC == 1) {
+                using V = Vec<T, B>;
+                V v[4];
+                for (int k = 0; k < 4; k++)
+                    v[k] = load<V>(row[r + k] + from + i);
+                turnFour(v);
+                if constexpr (B == 4) {
+                    for (int k = 0; k < 4; k++)
+                        store(out + k * L, convert<double>(v[k]));
+                } else {
+                    alignas(64) T pixels[4 * B];
+                    for (int k = 0; k < 4; k++)
+                        store(pixels + k * B, v[k]);
+                    for (int k = 0; k < B; k++)
+                        store(out + k * L, widened<double>(load<Vec<T, 4>>(pixels + 4 * k)));
+                }
+            } else {
+                for (int k = 0; k < B; k++)
+                    store(out + k * L, widened<double>(load<Vec<T, NC>>(row[r] + (from + i + k) * NC)));
+            }
         }
-    }
+    for (; i < n; i++)
+        one(i);
 }
 // n sums of R rows to their lines from column `at` on.
-template<int R, class L> void turnBack(const L* sums, Index n, char* const* lines, Index count, Index at)
+template<int NC, int R, class L> void turnBack(const L* sums, Index n, char* const* lines, Index count, Index at)
 {
-    for (Index i = 0; i < n; i += 4)
+    for (Index i = 0; i < n && NC > 1; i++)
+        for (Index r = 0; r < count; r++)
+            store(reinterpret_cast<L*>(lines[r]) + (at + i) * NC, load<Vec<L, NC>>(sums + (R * i + r) * NC));
+    for (Index i = 0; i < n && NC == 1; i += 4)
         for (int r = 0; r < R && r < count; r += 4) {
             Vec<L, 4> v[4];
             for (int k = 0; k < 4; k++)
                 v[k] = load<Vec<L, 4>>(sums + R * (i + k) + r);
             turnFour(v);
-            for (int k = 0; k < 4 && r + k < count; k++)
-                storeFirst(reinterpret_cast<L*>(lines[r + k]) + at + i, v[k], n - i < 4 ? static_cast<int>(n - i) : 4);
+            for (int k = 0; k < 4 && r + k < count; k++) {
+                L* const to = reinterpret_cast<L*>(lines[r + k]) + at + i;
+                if (n - i >= 4)
+                    store(to, v[k]);
+                else
+                    storePartial(to, v[k], static_cast<int>(n - i));
+            }
         }
 }
 
-template<class T> void filterLowPass(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
+// Adds n taps, the first of which is number `at` modulo P, to the parts of a column.
+template<int L, int P> QVR_APART void addRun(const double* s, const double* w, Index n, Index at, double* parts)
 {
-    using L = Line<T>;
-    constexpr int P = kParts<T>, R = kTogether<T>;
-    alignas(64) double s[kRoom + kPast], other[kRoom + kPast];
-    const Index nc = c->channels, q = c->phases, phase = (c->width + q - 1) / q * nc;
-    for (Index x = 0; x < c->width; x += c->chunk) {
-        const Index end = x + c->chunk < c->width ? x + c->chunk : c->width, base = c->first[x];
-        const Index pixels = c->first[end - 1] - base + c->most;
-        if (nc == 1 && !c->planes) {
-            L* const sums = reinterpret_cast<L*>(other);
-            turnRows<T, R>(c, rows, count, base, pixels, s);
-            eachColumn<R, P>(c, x, end, s, base,
-                             [&](Index i, auto sum) { store(sums + R * (i - x), convert<L>(sum)); });
-            for (Index k = R * (end - x); k % (4 * R) != 0; k++)
-                sums[k] = 0;
-            turnBack<R>(sums, end - x, lines, count, x);
-            continue;
+    using V = Vec<double, L>;
+    const auto tap = [&](Index k, V sum) { return fma(load<V>(s + k * L), splat<V>(w[k]), sum); };
+    Index k = 0;
+    for (; at % P != 0 && k < n; k++, at++)
+        store(parts + at % P * L, tap(k, load<V>(parts + at % P * L)));
+    V part[P];
+    for (int p = 0; p < P; p++)
+        part[p] = load<V>(parts + p * L);
+    for (; k + P <= n; k += P)
+        for (int p = 0; p < P; p++)
+            part[p] = tap(k + p, part[p]);
+    for (int p = 0; p < P - 1; p++)
+        if (k + p < n)
+            part[p] = tap(k + p, part[p]);
+    for (int p = 0; p < P; p++)
+        store(parts + p * L, part[p]);
+}
+
+template<class T, int NC, int R>
+void filterGroup(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
+{
+    using O = Line<T>;
+    constexpr int P = kParts<T>;
+    constexpr Index L = R * NC, room = kTurned / L;
+    using V = Vec<double, L>;
+    alignas(64) double s[kTurned];
+    alignas(64) O sums[(kColumns + 4) * L];
+    const Index most = c->most <= room ? kColumns : kLongColumns;
+    for (Index x = 0, end; x < c->width; x = end) {
+        const Index base = c->first[x];
+        for (end = x + 1; end < c->width && end - x < most; end++)
+            if (c->most <= room && c->first[end] + c->most - base > room)
+                break;
+        const Index pixels = c->first[end - 1] + c->most - base;
+        if (c->most <= room) {
+            turnRows<T, NC, R>(c, rows, count, base, pixels, s);
+            eachColumn<L, P>(c, x, end, s, base, [&](Index i, V sum) { store(sums + L * (i - x), convert<O>(sum)); });
+        } else {
+            // Runs of pixels, of which every column takes its part.
+            double parts[kLongColumns][P * L] = {};
+            for (Index at = base; at < base + pixels; at += room) {
+                const Index n = base + pixels - at < room ? base + pixels - at : room;
+                turnRows<T, NC, R>(c, rows, count, at, n, s);
+                for (Index i = x; i < end; i++) {
+                    const Index list = i % c->lists, first = c->first[i], skip = at > first ? at - first : 0;
+                    const Index rest = at + n - first < c->count[list] ? at + n - first : c->count[list];
+                    if (skip < rest)
+                        addRun<L, P>(s + (first + skip - at) * L,
+                                     static_cast<const double*>(c->weights) + list * c->stride + skip, rest - skip,
+                                     skip, parts[i - x]);
+                }
+            }
+            for (Index i = 0; i < end - x; i++) {
+                V sum = load<V>(parts[i]);
+                for (int p = 1; p < P; p++)
+                    sum += load<V>(parts[i] + p * L);
+                store(sums + L * i, convert<O>(sum));
+            }
         }
-        for (Index r = 0; r < count; r++) {
-            L* const out = reinterpret_cast<L*>(lines[r]);
-            fetch<T>(c, rows[r], base, pixels, s);
-            if constexpr (sizeof(T) != 8)
-                if (c->planes)
-                    addPhases<double, P>(c, x, end - x, s, base, pixels, other,
-                                         [&](Index f) { return out + f * phase + x / q * nc; });
-            if constexpr (sizeof(T) == 1)
-                if (!c->planes)
-                    eachColumn<4, P>(c, x, end, s, base,
-                                     [&](Index i, auto sum) { store(out + 4 * i, convert<L>(sum)); });
-        }
+        for (Index k = L * (end - x); k % (4 * L) != 0; k++)
+            sums[k] = 0;
+        turnBack<NC, R>(sums, end - x, lines, count, x);
     }
 }
+template<class T, int NC>
+void filterLowPass(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
+{
+    constexpr Index kMany = kTogether<T, NC>, kFew = NC == 1 ? 4 : 1;
+    if (count > kFew)
+        filterGroup<T, NC, kMany>(c, rows, lines, count);
+    else
+        filterGroup<T, NC, kFew>(c, rows, lines, count);
+}
 
-template<class T>
+template<class T, int NC>
 void addTaps(const qvrColumns* c, const char* const* rows, Index count, Index from, Index n, const double* w,
              double* parts)
 {
-    alignas(64) double s[kRoom + kPast];
-    const auto add = [&]<int N>() {
-        Vec<double, N> part[kParts<T>];
-        for (int p = 0; p < kParts<T>; p++)
-            part[p] = load<Vec<double, N>>(parts + p * N);
-        dot<N>(s, w, n, n - n % kParts<T>, n, part);
-        for (int p = 0; p < kParts<T>; p++)
-            store(parts + p * N, part[p]);
-    };
-    if (c->channels == 1) {
-        turnRows<T, kTogether<T>>(c, rows, count, from, n, s);
-        add.template operator()<kTogether<T>>();
-    } else {
-        fetch<T>(c, rows[0], from, n, s);
-        add.template operator()<4>();
+    constexpr Index R = kTogether<T, NC>, L = R * NC, room = kTurned / L;
+    alignas(64) double s[kTurned];
+    for (Index k = 0; k < n; k += room) {
+        const Index rest = n - k < room ? n - k : room;
+        turnRows<T, NC, R>(c, rows, count, from + k, rest, s);
+        addRun<L, kParts<T>>(s, w + k, rest, 0, parts);
     }
 }
 
@@ -364,28 +436,22 @@ QVR_APART void roundBytes(const float* sum, Index n, uint8_t* dst)
 }
 
 // n columns of an output row from the sums of their phases, `pitch` elements apart.
-template<class A, class T> void finishPhases(const qvrColumns* c, const A* sum, Index pitch, Index n, T* dst)
+void finishPhases(const qvrColumns* c, const float* sum, Index pitch, Index n, uint8_t* dst)
 {
+    constexpr Index kStep = 64;
     const Index nc = c->channels, q = c->phases;
-    const auto join = [&]<class U>(const U* from, Index apart, Index at, Index count) {
-        joinPhases(from, apart, q, count, reinterpret_cast<U*>(dst) + at);
-    };
-    if constexpr (sizeof(T) != 1) {
-        join(sum, pitch, 0, n);
-    } else if (q == 1) {
-        roundBytes(sum, n * nc, dst);
-    } else {
-        constexpr Index kStep = 64;
-        alignas(64) uint8_t values[8 * 4 * kStep];
-        for (Index m = 0; m * q < n; m += kStep) {
-            const Index rest = n - m * q, count = rest < kStep * q ? rest : kStep * q;
-            for (Index f = 0; f < q && f < count; f++)
-                roundBytes(sum + f * pitch + m * nc, (count - f + q - 1) / q * nc, values + f * kStep * nc);
-            if (nc == 1)
-                join(values, kStep, m * q, count);
-            else
-                join(reinterpret_cast<const uint32_t*>(values), kStep, m * q, count);
-        }
+    if (q == 1)
+        return roundBytes(sum, n * nc, dst);
+    alignas(64) uint8_t values[8 * 4 * kStep];
+    for (Index m = 0; m * q < n; m += kStep) {
+        const Index rest = n - m * q, count = rest < kStep * q ? rest : kStep * q;
+        for (Index f = 0; f < q && f < count; f++)
+            roundBytes(sum + f * pitch + m * nc, (count - f + q - 1) / q * nc, values + f * kStep * nc);
+        if (nc == 1)
+            joinPhases(values, kStep, q, count, dst + m * q);
+        else
+            joinPhases(reinterpret_cast<const uint32_t*>(values), kStep, q, count,
+                       reinterpret_cast<uint32_t*>(dst) + m * q);
     }
 }
 
@@ -395,22 +461,8 @@ template<class T> void blendLowPass(const qvrColumns* c, const qvrRowTaps* rows,
     using L = Line<T>;
     constexpr bool fused = kFma && sizeof(T) == 4;
     using A = decltype(L{} + typename FloatOf < fused || sizeof(T) == 8 ? 8 : 4 > ::type{});
-    const Index nc = c->channels, q = c->phases, phase = (c->width + q - 1) / q, step = kChunk / (q * nc);
-    T* const dst = reinterpret_cast<T*>(to);
-    const auto add = [&](Index at, L* sum, Index n) {
-        addStreams<A, 1, !fused && sizeof(T) != 8>(reinterpret_cast<const L* const*>(rows->line), at, rows->weight,
-                                                   rows->count, sum, n);
-    };
-    if constexpr (sizeof(T) != 1)
-        if (q == 1)
-            return add(0, dst, c->width);
-    alignas(64) L sum[kChunk];
-    for (Index m = 0; m < phase; m += step) {
-        const Index rest = c->width - m * q, columns = rest < step * q ? rest : step * q;
-        for (Index f = 0; f < q && f < columns; f++)
-            add((f * phase + m) * nc, sum + f * step * nc, (columns - f + q - 1) / q * nc);
-        finishPhases(c, sum, step * nc, columns, dst + m * q * nc);
-    }
+    addStreams<A, 1, !fused && sizeof(T) != 8>(reinterpret_cast<const L* const*>(rows->line), 0, rows->weight,
+                                               rows->count, reinterpret_cast<T*>(to), c->width * c->channels);
 }
 
 // ---- Low pass of bytes in singles -----------------------------------------------------------------------------------
@@ -513,7 +565,7 @@ void sumBytes(const qvrColumns* c, const qvrRowTaps* rows, char* dst)
         });
         const Index phase = qvrAlignUp((end - x + q - 1) / q * nc, Index{16});
         if (c->planes) {
-            addPhases<float, 1>(c, x, end - x, s, base, pixels, planes, [&](Index f) { return sum + f * phase; });
+            addPhases(c, x, end - x, s, base, pixels, planes, sum, phase);
         } else {
             for (Index k = 0; k < kPast; k++)
                 s[pixels * nc + k] = 0;
@@ -529,13 +581,10 @@ void sumBytes(const qvrColumns* c, const qvrRowTaps* rows, char* dst)
 
 // ---- Without antialiasing -------------------------------------------------------------------------------------------
 
-// Two or four neighbouring elements at each of the places at[0], at[1], ...
-template<class V, class T> QVR_INLINE void pairsAt(const T* s, const int32_t* at, V& first, V& second)
-{
-    pairColumns([=](int i) { return s + at[i]; }, first, second);
-}
+// The taps of the columns at[0], at[1], ..., sorted by tap.
 template<int NT, class V> QVR_INLINE void tapsAt(const Elem<V>* s, const int32_t* at, V* t)
 {
+    constexpr bool fours = sizeof(Elem<V>) == 4 && lanes<V> > 1;
     if constexpr (kAvx2 && lanes<V> == 8) {
         // Enlarging: all of one tap come out of one load.
         if (at[7] - at[0] < 8) {
@@ -545,22 +594,44 @@ template<int NT, class V> QVR_INLINE void tapsAt(const Elem<V>* s, const int32_t
             return;
         }
     }
-    if constexpr (NT == 2 || lanes<V> == 1) {
-        for (int k = 0; k < NT; k += 2)
-            pairsAt(s + k, at, t[k], t[k + 1]);
-    } else if constexpr (sizeof(Elem<V>) == 4) {
+    if constexpr (fours && NT > 2)
         fourColumns([=](int i) { return s + at[i]; }, t);
-        if constexpr (NT == 6)
-            pairsAt(s + 4, at, t[4], t[5]);
-    } else {
-        for (int k = 0; k < NT; k += 2)
-            pairsAt(s + k, at, t[k], t[k + 1]);
+    for (int k = fours && NT > 2 ? 4 : 0; k < NT; k += 2)
+        pairColumns([=](int i) { return s + at[i] + k; }, t[k], t[k + 1]);
+}
+// Bytes: from one load where the columns are near, else from four bytes at each place.
+template<int NT, class V> QVR_INLINE void tapsAt(const uint8_t* s, const int32_t* at, V* t)
+{
+    constexpr int N = lanes<V>;
+    using I = Vec<int32_t, N>;
+    if constexpr (kSsse3 && N > 1) {
+        if (at[N - 1] - at[0] < 16) {
+            // Each 32-bit lane picks its byte and three zeros.
+            const auto from = bitcast<Vec<uint8_t, 4 * N>>((load<I>(at) - at[0]) | static_cast<int32_t>(0x80808000));
+            for (int k = 0; k < NT; k++) {
+                const auto bytes = load<Vec<uint8_t, 16>>(s + at[0] + k);
+                if constexpr (N == 8)
+                    t[k] = convert<float>(bitcast<I>(shuffleBytes(concat(bytes, bytes), from)));
+                else
+                    t[k] = convert<float>(bitcast<I>(shuffleBytes(bytes, from)));
+            }
+            return;
+        }
+    }
+    for (int k = 0; k < NT; k += k + 4 < NT ? NT - 4 : 4) {
+        Vec<uint32_t, N> v;
+        for (int i = 0; i < N; i++)
+            v[i] = load<Vec<uint32_t, 1>>(s + at[i] + k)[0];
+        for (int i = 0; i < 4; i++)
+            t[k + i] = convert<float>(bitcast<I>((v >> (8u * i)) & 255u));
     }
 }
 
 // One channel: neighbouring columns are the lanes.
-template<int NT, class A> void filterColumns(const qvrColumns* c, const A* s, Index from, Index to, A* line)
+template<int NT, class T>
+QVR_APART void filterColumns(const qvrColumns* c, const T* s, Index from, Index to, Line<T>* line)
 {
+    using A = Line<T>;
     const A* const w = static_cast<const A*>(c->weights);
     const auto block = [&]<class V>(V, Index x) {
         V t[NT], sum;
@@ -577,40 +648,51 @@ template<int NT, class A> void filterColumns(const qvrColumns* c, const A* s, In
     Index x = from;
     for (; x + kLanes<A> <= to; x += kLanes<A>)
         block(Full<A>{}, x);
+    if (x < to && to - from >= kLanes<A>)
+        return block(Full<A>{}, to - kLanes<A>);
     for (; x < to; x++)
         block(Vec<A, 1>{}, x);
-    // A single column outside: no difference is formed.
-    if constexpr (NT == 2) {
-        for (x = from; x < to && c->first[x] < 0; x++)
-            line[x] = s[c->first[x]];
-        for (x = to; x > from && c->first[x - 1] >= c->length - 1; x--)
-            line[x - 1] = s[c->first[x - 1]];
-    }
+}
+
+// Byte k of 32-bit lanes is a channel: pixel K of each 16 bytes as floats.
+template<int K, int N> QVR_INLINE Vec<float, N> pixelOf(Vec<uint8_t, 4 * N> v)
+{
+    const Vec<uint8_t, 4 * N> zero = {};
+    constexpr int b = 4 * K, z = 4 * N;
+    if constexpr (N == 8)
+        return convert<float>(bitcast<Vec<int32_t, 8>>(
+            __builtin_shufflevector(v, zero, b, z, z, z, b + 1, z, z, z, b + 2, z, z, z, b + 3, z, z, z, b + 16, z, z,
+                                    z, b + 17, z, z, z, b + 18, z, z, z, b + 19, z, z, z)));
+    else
+        return convert<float>(bitcast<Vec<int32_t, 4>>(
+            __builtin_shufflevector(v, zero, b, z, z, z, b + 1, z, z, z, b + 2, z, z, z, b + 3, z, z, z)));
 }
 
 // Four channels: one pixel in four lanes, two in eight.
-template<int NT> void filterPixels(const qvrColumns* c, const float* s, Index from, Index to, float* line)
+template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t* s, Index from, Index to, float* line)
 {
     const float* const w = static_cast<const float*>(c->weights);
     const auto block = [&]<int P>(Index x) {
-        const auto both = [&](const float* a, const float* b) {
+        const auto both = [&]<class X>(X, const auto* a, const auto* b) {
             if constexpr (P == 2)
-                return concat(load<Vec<float, 4>>(a), load<Vec<float, 4>>(b));
+                return concat(load<X>(a), load<X>(b));
             else
-                return load<Vec<float, 4>>(a);
+                return load<X>(a);
         };
         using V = Vec<float, 4 * P>;
-        const float *const a = s + 4 * Index{c->first[x]}, *const b = s + 4 * Index{c->first[x + P - 1]};
+        const uint8_t *const a = s + 4 * Index{c->first[x]}, *const b = s + 4 * Index{c->first[x + P - 1]};
         const float *const u = w + x * NT, *const v = w + (x + P - 1) * NT;
-        V four = both(u, v), sum = shuffleBlocks<0, 0, 0, 0>(four) * both(a, b);
-        sum = fma(shuffleBlocks<1, 1, 1, 1>(four), both(a + 4, b + 4), sum);
-        sum = fma(shuffleBlocks<2, 2, 2, 2>(four), both(a + 8, b + 8), sum);
-        sum = fma(shuffleBlocks<3, 3, 3, 3>(four), both(a + 12, b + 12), sum);
+        const auto pixels = both(Vec<uint8_t, 16>{}, a, b);
+        V four = both(Vec<float, 4>{}, u, v), sum = shuffleBlocks<0, 0, 0, 0>(four) * pixelOf<0, 4 * P>(pixels);
+        sum = fma(shuffleBlocks<1, 1, 1, 1>(four), pixelOf<1, 4 * P>(pixels), sum);
+        sum = fma(shuffleBlocks<2, 2, 2, 2>(four), pixelOf<2, 4 * P>(pixels), sum);
+        sum = fma(shuffleBlocks<3, 3, 3, 3>(four), pixelOf<3, 4 * P>(pixels), sum);
         if constexpr (NT == 6) {
             // The last two taps are the last of the four from the third on.
-            four = both(u + 2, v + 2);
-            sum = fma(shuffleBlocks<2, 2, 2, 2>(four), both(a + 16, b + 16), sum);
-            sum = fma(shuffleBlocks<3, 3, 3, 3>(four), both(a + 20, b + 20), sum);
+            const auto more = both(Vec<uint8_t, 16>{}, a + 8, b + 8);
+            four = both(Vec<float, 4>{}, u + 2, v + 2);
+            sum = fma(shuffleBlocks<2, 2, 2, 2>(four), pixelOf<2, 4 * P>(more), sum);
+            sum = fma(shuffleBlocks<3, 3, 3, 3>(four), pixelOf<3, 4 * P>(more), sum);
         }
         store(line + 4 * x, sum);
     };
@@ -622,25 +704,68 @@ template<int NT> void filterPixels(const qvrColumns* c, const float* s, Index fr
         block.template operator()<1>(x);
 }
 
-template<class T, int NC> void filterTaps(const qvrColumns* c, const char* const* row, char* const* line, Index count)
+// Columns whose loads stay in the image; the others, at both ends, take copies of their pixels with the edges laid on.
+constexpr Index kEnd = 16;   // columns in whole vectors
+constexpr Index kReach = 16; // pixels that loads may take from the first tap of a group on, and taps
+void findInside(qvrColumns* c)
 {
-    using A = Line<T>;
-    alignas(64) A pixels[kRoom + kPast];
-    A* const out = reinterpret_cast<A*>(*line);
-    if (count > 1)
-        filterTaps<T, NC>(c, row + 1, line + 1, count - 1);
-    for (Index x = 0; x < c->width; x += c->chunk) {
-        const Index end = x + c->chunk < c->width ? x + c->chunk : c->width, base = c->first[x];
-        fetch<T>(c, *row, base, c->first[end - 1] - base + c->most, pixels);
-        // Where pixel 0 would be.
-        const A* const s = reinterpret_cast<const A*>(reinterpret_cast<uintptr_t>(pixels) -
-                                                      static_cast<uintptr_t>(base * NC) * sizeof(A));
+    const auto inside = [=](Index x) {
+        const Index last = x + kEnd < c->width ? x + kEnd - 1 : c->width - 1;
+        return c->first[x] >= 0 && c->first[last] + kReach + c->most <= c->length;
+    };
+    c->from = 0;
+    while (c->from < c->width && !inside(c->from))
+        c->from += kEnd;
+    c->from = c->from < c->width ? c->from : c->width;
+    c->to = c->from;
+    while (c->to + kEnd <= c->width && inside(c->to))
+        c->to += kEnd;
+}
+
+template<class T, int NC, int NT> void filterRow(const qvrColumns* c, const T* row, Line<T>* line)
+{
+    const auto part = [&](const T* s, Index from, Index to) {
         if constexpr (NC == 4)
-            (c->most == 4 ? filterPixels<4> : filterPixels<6>)(c, s, x, end, out);
+            filterPixels<NT>(c, s, from, to, line);
         else
-            (c->most == 2   ? filterColumns<2, A>
-             : c->most == 4 ? filterColumns<4, A>
-                            : filterColumns<6, A>)(c, s, x, end, out);
+            filterColumns<NT>(c, s, from, to, line);
+    };
+    const auto atEnd = [&](Index from, Index to) {
+        alignas(64) T pixels[kRoom + kPast];
+        for (Index x = from, end; x < to; x = end) {
+            const Index base = c->first[x];
+            for (end = x + 1; end < to && (c->first[end] + c->most - base) * NC <= kRoom;)
+                end++;
+            const Index n = c->first[end - 1] + c->most - base;
+            fetch<T>(c, reinterpret_cast<const char*>(row), base, n, pixels);
+            // Where pixel 0 would be.
+            part(reinterpret_cast<const T*>(reinterpret_cast<uintptr_t>(pixels) -
+                                            static_cast<uintptr_t>(base * NC) * sizeof(T)),
+                 x, end);
+        }
+    };
+    atEnd(0, c->from);
+    part(row, c->from, c->to);
+    atEnd(c->to, c->width);
+    // A single column outside: no difference is formed.
+    if constexpr (NT == 2) {
+        for (Index x = 0; x < c->width && c->first[x] < 0; x++)
+            line[x] = row[0];
+        for (Index x = c->width; x > 0 && c->first[x - 1] >= c->length - 1; x--)
+            line[x - 1] = row[c->length - 1];
+    }
+}
+template<class T, int NC> void filterTaps(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
+{
+    for (Index r = 0; r < count; r++) {
+        const T* const row = reinterpret_cast<const T*>(rows[r]);
+        Line<T>* const line = reinterpret_cast<Line<T>*>(lines[r]);
+        if (c->most == 6)
+            filterRow<T, NC, 6>(c, row, line);
+        else if (c->most == 4)
+            filterRow<T, NC, 4>(c, row, line);
+        else if constexpr (sizeof(T) > 1)
+            filterRow<T, NC, 2>(c, row, line);
     }
 }
 
@@ -665,36 +790,22 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
 }
 
 constexpr qvrRowKernels kTaps[] = {
-    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, nullptr, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr, nullptr,
+    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, findInside, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr,
+     nullptr, nullptr},
+    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, findInside, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr,
+     nullptr, nullptr},
+    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, findInside, filterTaps<float, 1>, blendTaps<float>, nullptr, nullptr,
      nullptr},
-    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, nullptr, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr, nullptr,
-     nullptr},
-    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, nullptr, filterTaps<float, 1>, blendTaps<float>, nullptr, nullptr,
-     nullptr},
-    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, 1, 0, nullptr, filterTaps<double, 1>, blendTaps<double>, nullptr, nullptr,
-     nullptr},
+    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, 1, 0, findInside, filterTaps<double, 1>, blendTaps<double>, nullptr,
+     nullptr, nullptr},
 };
-template<class T> constexpr qvrRowKernels lowPassKernels(int channels)
-{
-    constexpr int element = sizeof(T), line = sizeof(Line<T>);
-    return {element,
-            channels,
-            line,
-            qvrWeights_double,
-            element == 8,
-            kFma,
-            kParts<T>,
-            channels == 1 ? kTogether<T> : 1,
-            0,
-            nullptr,
-            filterLowPass<T>,
-            blendLowPass<T>,
-            nullptr,
-            addTaps<T>,
-            nullptr};
-}
-constexpr qvrRowKernels kLowPass[] = {lowPassKernels<uint8_t>(1), lowPassKernels<uint8_t>(4), lowPassKernels<float>(1),
-                                      lowPassKernels<double>(1)};
+template<class T, int NC>
+constexpr qvrRowKernels kLowPassOf = {
+    sizeof(T),        NC, sizeof(Line<T>), qvrWeights_double,    sizeof(T) == 8,  kFma,    kParts<T>,
+    kTogether<T, NC>, 0,  nullptr,         filterLowPass<T, NC>, blendLowPass<T>, nullptr, addTaps<T, NC>,
+    nullptr};
+constexpr qvrRowKernels kLowPass[] = {kLowPassOf<uint8_t, 1>, kLowPassOf<uint8_t, 4>, kLowPassOf<float, 1>,
+                                      kLowPassOf<double, 1>};
 constexpr qvrRowKernels kSums[] = {
     {1, 1, 4, qvrWeights_single, 0, kFma, 1, 1, 0, nullptr, widenRows, sumBytes, nullptr, nullptr,
      &kLowPass[qvrPixel_8u_C1]},

@@ -80,7 +80,7 @@ bool hasGroup(const Columns& c, Index x)
 {
     return x + 8 <= c.width && c.start[x] >= 0 && c.start[x] + 16 <= c.length && c.start[x + 7] - c.start[x] < 15;
 }
-void makeGroups(const qvrColumns* columns)
+void makeGroups(qvrColumns* columns)
 {
     const Columns c = columnsOf(columns);
     Group* const groups = static_cast<Group*>(columns->extra);

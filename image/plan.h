@@ -95,16 +95,20 @@ typedef struct {
     const qvrResizeMethod* method;
     int32_t lowPass, single; // single: fractions are singles; else only lists that are equal to the last bit repeat
 } qvrFilter;
-// The taps of a position: `count` from pixel `first` on, unclamped. Those far outside the image are one at each end.
+QVR_HIDDEN void qvrMakeFilter(const qvrResizeAxis* axis, const qvrResizeMethod* method, int lowPass, int single,
+                              qvrFilter* filter);
+
+// Without low pass: the first taps of `count` positions from d on, unclamped, and how far each lies behind its pixel.
+QVR_HIDDEN void qvrPlacesOf(const qvrFilter* filter, int64_t d, int64_t count, int32_t* first, double* fraction);
+QVR_HIDDEN void qvrPlaceWeights(const qvrFilter* filter, double fraction, double* weights);
+
+// With low pass: `count` taps from pixel `first` on, unclamped. Those far outside the image are one at each end.
 typedef struct {
     int64_t first, count;
-    double fraction;                  // of the position behind its pixel
-    int64_t shift;                    // of a low pass: the centre is relative to this pixel
+    int64_t shift;                    // the centre is relative to this pixel
     int32_t foldsBefore, foldsBehind; // the ends stand for all beyond them
     double centre, sum;               // sum: of all weights, once it is known
 } qvrTaps;
-QVR_HIDDEN void qvrMakeFilter(const qvrResizeAxis* axis, const qvrResizeMethod* method, int lowPass, int single,
-                              qvrFilter* filter);
 QVR_HIDDEN void qvrTapsOf(const qvrFilter* filter, int64_t d, qvrTaps* taps);
 // Weights from .. from + count - 1 of the list.
 QVR_HIDDEN void qvrWeightsOf(const qvrFilter* filter, qvrTaps* taps, int64_t from, int64_t count, double* weights);

@@ -11,13 +11,13 @@ namespace {
 
 using Index = int64_t;
 
-constexpr Index kRun = 512;       // weights on the stack at a time
-constexpr Index kRows = 64;       // rows of one column at a time, where there are no lists
-constexpr Index kMostPhases = 8;  // more of them are not worth sorting
-constexpr Index kMostPlanes = 4;  // of doubles
-constexpr Index kPhaseWidth = 64; // columns from which on they are
-constexpr Index kTogether = 8;    // no kernel filters more rows at a time
-constexpr int kParts = 8 * 4;
+constexpr Index kRun = 512;           // weights on the stack at a time
+constexpr Index kRows = 64;           // rows of one column at a time, where there are no lists
+constexpr Index kMostPhases = 8;      // more of them are not worth sorting
+constexpr Index kPhaseWidth = 64;     // columns from which on they are
+constexpr Index kMostLists = 256;     // of rows
+constexpr Index kTogether = 16;       // no kernel filters more rows at a time
+constexpr int kParts = 2 * 16;        // of all rows together
 constexpr Index kMostLines = 1 << 19; // bytes of source rows as singles, which are to stay in a cache
 
 Index clampIndex(Index i, Index length)
@@ -57,43 +57,84 @@ struct Job {
     bool exact; // bytes: sums of singles with the columns' weights are exact, if those of rows are short, too
 };
 
-// Weights that are made already: of a low pass the lists of a period, else those of some fractions.
-struct KnownWeights {
-    double list[kRun];
-    double fraction[kRun / 8]; // of list k, from 8 k on; negative: none
-    bool made[kRun];
-    Index lists;
+// Places without low pass come by many, and those of equal fractions have equal weights.
+struct Places {
+    static constexpr int kCount = 64;
+    const qvrFilter* f;
+    int32_t first[kCount];
+    double fraction[kCount];
+    double known[kCount]; // fractions whose weights are at hand; negative: none
+    double weights[kCount][8];
 };
-void startKnown(const qvrFilter* f, KnownWeights& known)
+void startPlaces(const qvrFilter* f, Places& p)
 {
-    known.lists = f->period > 0 && f->period <= kRun / f->most ? f->period : 0;
-    for (Index i = 0; i < known.lists; i++)
-        known.made[i] = false;
-    for (double& fraction : known.fraction)
+    p.f = f;
+    for (double& fraction : p.known)
         fraction = -1;
 }
-
-// All weights of position d, in `other` if they are not known.
-const double* weightsOf(const qvrFilter* f, KnownWeights& known, Index d, qvrTaps& taps, double* other)
+// Number n of `count` places from d on; ascending n.
+Index placeOf(Places& p, Index d, Index n, Index count)
 {
-    double* w = other;
-    bool made = false;
-    if (!f->lowPass && f->most == 2) {
-        w[0] = 1 - taps.fraction;
-        w[1] = taps.fraction;
-        made = true;
-    } else if (!f->lowPass) {
-        const Index slot = static_cast<Index>(taps.fraction * 65521) % (kRun / 8);
-        w = known.list + 8 * slot;
-        made = known.fraction[slot] == taps.fraction;
-        known.fraction[slot] = taps.fraction;
-    } else if (known.lists > 0) {
-        w = known.list + d % known.lists * f->most;
-        made = known.made[d % known.lists];
-        known.made[d % known.lists] = true;
+    const Index k = n & (p.kCount - 1);
+    if (k == 0)
+        qvrPlacesOf(p.f, d + n, least(count - n, Index{p.kCount}), p.first, p.fraction);
+    return k;
+}
+const double* weightsOf(Places& p, Index k)
+{
+    const double fraction = p.fraction[k];
+    const int slot = static_cast<int>(fraction * 65521) & (p.kCount - 1);
+    if (p.f->most == 2) {
+        p.weights[0][0] = 1 - fraction;
+        p.weights[0][1] = fraction;
+        return p.weights[0];
     }
-    if (!made)
+    if (p.known[slot] != fraction)
+        qvrPlaceWeights(p.f, fraction, p.weights[slot]);
+    p.known[slot] = fraction;
+    return p.weights[slot];
+}
+
+// The taps of one output row after the other. With low pass, those of a period are kept.
+struct RowLists {
+    Places places;
+    Index lists;
+    int32_t first[kMostLists], count[kMostLists];
+    double list[kRun];
+};
+void startRows(const qvrFilter* f, RowLists& r)
+{
+    startPlaces(f, r.places);
+    r.lists = f->lowPass && f->period > 0 && f->period <= kRun / f->most ? f->period : 0;
+    for (Index i = 0; i < r.lists; i++)
+        r.count[i] = 0;
+}
+// Row n of `rows` from row `from` on: its weights, in `other` if they are not kept.
+const double* nextRow(RowLists& r, Index from, Index n, Index rows, Index& first, Index& count, double* other)
+{
+    const qvrFilter* const f = r.places.f;
+    if (!f->lowPass) {
+        const Index k = placeOf(r.places, from, n, rows);
+        first = r.places.first[k];
+        count = f->most;
+        return weightsOf(r.places, k);
+    }
+    const Index d = from + n, list = r.lists > 0 ? d % r.lists : 0, shift = r.lists > 0 ? d / r.lists * f->pixels : 0;
+    double* const w = r.lists > 0 ? r.list + list * f->most : other;
+    if (r.lists == 0 || r.count[list] == 0) {
+        qvrTaps taps;
+        qvrTapsOf(f, d, &taps);
         qvrWeightsOf(f, &taps, 0, taps.count, w);
+        first = taps.first;
+        count = taps.count;
+        if (r.lists > 0) {
+            r.first[list] = static_cast<int32_t>(first - shift);
+            r.count[list] = static_cast<int32_t>(count);
+        }
+        return w;
+    }
+    first = r.first[list] + shift;
+    count = r.count[list];
     return w;
 }
 
@@ -104,12 +145,6 @@ bool areShort(const double* w, Index count)
     for (Index k = 0; k < count; k++)
         all &= w[k] * 256 == static_cast<double>(static_cast<int32_t>(w[k] * 256));
     return all;
-}
-
-// Columns, or rows, that one vector of sums along a row holds.
-Index lanesOf(const qvrRowKernels* k)
-{
-    return k->channels > 1 ? k->channels : k->together;
 }
 
 // The low pass of bytes, whose lines are source rows.
@@ -138,22 +173,19 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     c.pixels = periodic ? j.x.pixels : 0;
     // Columns whose pixels, taps and all, fit into the room.
     const auto chunkOf = [&](Index more) {
-        const Index lanes = k->parts > 1 && more == 0 ? lanesOf(k) : k->channels;
-        const Index room = QVR_RESIZE_ROOM / lanes, rest = room - c.most - more - 2;
+        const Index room = QVR_RESIZE_ROOM / k->channels, rest = room - c.most - more - 2;
         const double columns = static_cast<double>(rest) / (j.x.inv * (1 + 0x1p-20) + 0x1p-20);
         const Index most = least(width, room / 2);
-        return rest < 0                              ? 0
-               : columns < 1                         ? 1
-               : columns < static_cast<double>(most) ? static_cast<Index>(columns)
-                                                     : most;
+        return columns < 1 ? 1 : columns < static_cast<double>(most) ? static_cast<Index>(columns) : most;
     };
-    c.phases = periodic && c.lists <= kMostPhases && c.most <= kRun && k->parts <= 2 ? c.lists : 1;
-    c.chunk = periodic ? chunkOf(2 * c.pixels + 1) / c.phases * c.phases : 0;
-    c.planes =
-        k->parts <= 2 && (k->parts == 1 || c.pixels <= kMostPlanes) && c.phases == c.lists && c.chunk >= kPhaseWidth;
-    if (!c.planes) {
-        c.phases = 1;
-        c.chunk = chunkOf(0);
+    c.phases = 1;
+    c.planes = 0;
+    c.chunk = 0;
+    if (sumsFirst(k)) {
+        const Index chunk = periodic ? chunkOf(2 * c.pixels + 1) / c.lists * c.lists : 0;
+        c.planes = c.lists <= kMostPhases && chunk >= kPhaseWidth;
+        c.phases = c.planes ? c.lists : 1;
+        c.chunk = c.planes ? chunk : chunkOf(0);
     }
     Index bytes = k->weights == qvrWeights_double || k->lineBytes == 8 ? 8 : 4;
     if (k->weights == qvrWeights_words || (k->weights == qvrWeights_plain && c.most == 2))
@@ -169,8 +201,7 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     c.extra = space.take<char>((width + 15) / 8 * k->extraBytes);
     const double span = static_cast<double>(width) * j.x.inv + static_cast<double>(c.most + 2);
     c.linePixels = span < static_cast<double>(c.length) ? static_cast<Index>(span) : c.length;
-    const Index columns = sumsFirst(k) ? c.linePixels : (width + c.phases - 1) / c.phases * c.phases;
-    r.lineBytes = qvrAlignUp(columns * k->channels * k->lineBytes, Index{64});
+    r.lineBytes = qvrAlignUp((sumsFirst(k) ? c.linePixels : width) * k->channels * k->lineBytes, Index{64});
     r.lines = space.take<char>(j.held * r.lineBytes);
     if (j.y.most > kRun) {
         r.rows.line = space.take<const char*>(j.y.most);
@@ -179,33 +210,32 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     }
 }
 
-void storeWeights(const Job& j, qvrColumns& c, Index x, const qvrTaps& taps, const double* w, Index from, Index count)
+void makePlaces(const Job& j, Index from, qvrColumns& c)
 {
-    const Index at = x * c.stride + from;
     float* const singles = static_cast<float*>(c.weights);
     double* const doubles = static_cast<double*>(c.weights);
-    switch (j.k->weights) {
-    case qvrWeights_words: {
-        const int w1 = static_cast<int>(taps.fraction * (1 << 14) + 1e-7);
-        static_cast<uint32_t*>(c.weights)[x] = static_cast<uint32_t>(((1 << 14) - w1) | w1 << 16);
-        return;
-    }
-    case qvrWeights_plain:
-        for (Index t = c.most == 2 ? 1 : 0; t < c.most; t++) {
-            const Index i = c.most == 2 ? x : c.channels == 1 ? t * c.width + x : x * c.most + t;
-            if (j.k->lineBytes == 8)
-                doubles[i] = w[t];
-            else
-                singles[i] = static_cast<float>(w[t]);
+    const Index perTap = c.channels == 1 ? c.width : 1, perColumn = c.channels == 1 ? 1 : c.most;
+    Places places;
+    startPlaces(&j.x, places);
+    for (Index x = 0; x < c.width; x++) {
+        const Index k = placeOf(places, from, x, c.width);
+        const double fraction = places.fraction[k];
+        c.first[x] = places.first[k];
+        if (j.k->weights == qvrWeights_words) {
+            const int w1 = static_cast<int>(fraction * (1 << 14) + 1e-7);
+            static_cast<uint32_t*>(c.weights)[x] = static_cast<uint32_t>(((1 << 14) - w1) | w1 << 16);
+        } else if (c.most == 2 && j.k->lineBytes == 8) {
+            doubles[x] = fraction;
+        } else if (c.most == 2) {
+            singles[x] = static_cast<float>(fraction);
+        } else {
+            const double* const w = weightsOf(places, k);
+            for (Index t = 0; t < c.most; t++)
+                if (j.k->lineBytes == 8)
+                    doubles[x * perColumn + t * perTap] = w[t];
+                else
+                    singles[x * perColumn + t * perTap] = static_cast<float>(w[t]);
         }
-        return;
-    case qvrWeights_double:
-        for (Index t = 0; t < count; t++)
-            doubles[at + t] = j.k->wide ? w[t] : static_cast<double>(static_cast<float>(w[t]));
-        return;
-    default:
-        for (Index t = 0; t < count; t++)
-            singles[at + t] = static_cast<float>(w[t]);
     }
 }
 
@@ -213,8 +243,8 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
 {
     c.magnitude = 0;
     c.least = c.most;
-    KnownWeights known;
-    startKnown(&j.x, known);
+    if (!j.x.lowPass)
+        return makePlaces(j, from, c);
     j.exact = true;
     for (Index x = 0; x < c.width; x++) {
         if (x >= c.lists) {
@@ -223,67 +253,37 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
         }
         qvrTaps taps;
         qvrTapsOf(&j.x, from + x, &taps);
-        double other[kRun], magnitude = 0;
-        if (!j.x.lowPass) {
-            storeWeights(j, c, x, taps, weightsOf(&j.x, known, from + x, taps, other), 0, taps.count);
-            c.first[x] = static_cast<int32_t>(taps.first);
-            continue;
-        }
+        double w[kRun], magnitude = 0;
+        float* const singles = static_cast<float*>(c.weights) + x * c.stride;
+        double* const doubles = static_cast<double*>(c.weights) + x * c.stride;
         for (Index t = 0; t < taps.count; t += kRun) {
             const Index n = least(taps.count - t, kRun);
-            const double* const w = other;
-            qvrWeightsOf(&j.x, &taps, t, n, other);
-            storeWeights(j, c, x, taps, w, t, n);
-            for (Index i = 0; i < n; i++)
+            qvrWeightsOf(&j.x, &taps, t, n, w);
+            for (Index i = 0; i < n; i++) {
                 magnitude += magnitudeOf(w[i]);
+                if (sumsFirst(j.k))
+                    singles[t + i] = static_cast<float>(w[i]);
+                else
+                    doubles[t + i] = j.k->wide ? w[i] : static_cast<double>(static_cast<float>(w[i]));
+            }
             j.exact &= areShort(w, n);
         }
-        if (j.k->weights == qvrWeights_single) {
+        if (sumsFirst(j.k)) {
             // Bytes times nothing are nothing.
-            float* const list = static_cast<float*>(c.weights) + x * c.stride;
-            for (; taps.count > 1 && list[0] == 0; taps.first++, taps.count--)
+            for (; taps.count > 1 && singles[0] == 0; taps.first++, taps.count--)
                 for (Index t = 1; t < taps.count; t++)
-                    list[t - 1] = list[t];
-            while (taps.count > 1 && list[taps.count - 1] == 0)
+                    singles[t - 1] = singles[t];
+            while (taps.count > 1 && singles[taps.count - 1] == 0)
                 taps.count--;
             for (Index t = taps.count; t < c.stride; t++)
-                list[t] = 0;
+                singles[t] = 0;
         }
         c.least = least(c.least, taps.count);
         c.first[x] = static_cast<int32_t>(taps.first);
-        if (j.k->weights >= qvrWeights_double)
-            c.count[x] = static_cast<int32_t>(taps.count);
+        c.count[x] = static_cast<int32_t>(taps.count);
         c.magnitude = magnitude > c.magnitude ? magnitude : c.magnitude;
     }
     c.lineFirst = clampIndex(c.first[0], c.length - c.linePixels + 1);
-}
-
-// A list longer than the room, one run of pixels after the other.
-void sumParts(const qvrRowKernels* k, const double* parts, Index row, char* to)
-{
-    for (Index c = 0; c < k->channels; c++) {
-        double sum = parts[row + c];
-        for (Index p = 1; p < k->parts; p++)
-            sum += parts[p * lanesOf(k) + row + c];
-        const float single = static_cast<float>(sum);
-        if (k->lineBytes == 8)
-            __builtin_memcpy(to + c * 8, &sum, 8);
-        else
-            __builtin_memcpy(to + c * 4, &single, 4);
-    }
-}
-void filterLong(const qvrRowKernels* k, const qvrColumns& c, const char* const* rows, char* const* lines, Index count)
-{
-    const Index run = QVR_RESIZE_ROOM / lanesOf(k);
-    for (Index x = 0; x < c.width; x++) {
-        double parts[kParts] = {};
-        const Index list = x % c.lists;
-        for (Index t = 0; t < c.count[list]; t += run)
-            k->addTaps(&c, rows, count, c.first[x] + t, least(c.count[list] - t, run),
-                       static_cast<const double*>(c.weights) + list * c.stride + t, parts);
-        for (Index r = 0; r < count; r++)
-            sumParts(k, parts, r, lines[r] + x * k->channels * k->lineBytes);
-    }
 }
 
 char* outputAt(const Job& j, Index n, Index x)
@@ -294,18 +294,35 @@ char* outputAt(const Job& j, Index n, Index x)
 
 // Bytes times nothing are nothing; and how far sums of singles may be from the prescribed ones: by the roundings of
 // weights, products and sums on both ways, and the 1e-7 of the step to a byte.
-void guardRow(const Job& j, const qvrColumns& c, qvrTaps& taps, const double*& w, qvrRowTaps& rows)
+void guardRow(const Job& j, const qvrColumns& c, Index& first, Index& count, const double*& w, qvrRowTaps& rows)
 {
-    for (; taps.count > 1 && *w == 0; w++, taps.first++)
-        taps.count--;
-    while (taps.count > 1 && w[taps.count - 1] == 0)
-        taps.count--;
+    for (; count > 1 && *w == 0; w++, first++)
+        count--;
+    while (count > 1 && w[count - 1] == 0)
+        count--;
     double magnitude = 0;
-    for (Index t = 0; t < taps.count; t++)
+    for (Index t = 0; t < count; t++)
         magnitude += magnitudeOf(w[t]);
-    const double roundings = static_cast<double>(2 * taps.count + c.most + 8) * 0x1.1p-24;
+    const double roundings = static_cast<double>(2 * count + c.most + 8) * 0x1.1p-24;
     rows.guard =
-        j.exact && areShort(w, taps.count) ? 0 : static_cast<float>(roundings * magnitude * c.magnitude * 255 + 2e-7);
+        j.exact && areShort(w, count) ? 0 : static_cast<float>(roundings * magnitude * c.magnitude * 255 + 2e-7);
+}
+
+// The row behind the last one that the band needs.
+Index endOfRows(const Job& j)
+{
+    const Index d = j.band->y.first + j.band->y.count - 1;
+    int32_t first;
+    double fraction;
+    qvrTaps taps;
+    if (j.y.lowPass) {
+        qvrTapsOf(&j.y, d, &taps);
+    } else {
+        qvrPlacesOf(&j.y, d, 1, &first, &fraction);
+        taps.first = first;
+        taps.count = j.y.most;
+    }
+    return clampIndex(taps.first + taps.count - 1, j.y.length) + 1;
 }
 
 // All rows of a range of columns.
@@ -325,46 +342,47 @@ void resizeColumns(Job& j, Index from, Index width)
     makeColumns(j, b->x.first + from, r.c);
     if (k->prepare != nullptr)
         k->prepare(&r.c);
-    KnownWeights known;
-    startKnown(&j.y, known);
-    qvrTaps last;
-    qvrTapsOf(&j.y, b->y.first + b->y.count - 1, &last);
-    const Index end = clampIndex(last.first + last.count - 1, j.y.length) + 1;
-    Index done = 0; // rows below are filtered, as far as they are needed
-    for (Index n = 0; n < b->y.count; n++) {
-        qvrTaps taps;
-        qvrTapsOf(&j.y, b->y.first + n, &taps);
-        const double* w = weightsOf(&j.y, known, b->y.first + n, taps, r.rows.weight);
+    const Index end = endOfRows(j);
+    RowLists lists;
+    startRows(&j.y, lists);
+    const Index rows = b->y.count;
+    Index done = 0, slot = 0; // rows below are filtered, as far as they are needed; line of row `done`
+    for (Index n = 0; n < rows; n++) {
+        Index first, count;
+        const double* w = nextRow(lists, b->y.first, n, rows, first, count, r.rows.weight);
         if (sumsFirst(k))
-            guardRow(j, r.c, taps, w, r.rows);
-        const Index low = clampIndex(taps.first, j.y.length);
-        const Index high = clampIndex(taps.first + taps.count - 1, j.y.length);
-        r.rows.count = taps.count;
-        r.rows.apart = high - low == taps.count - 1;
+            guardRow(j, r.c, first, count, w, r.rows);
+        const Index low = clampIndex(first, j.y.length), high = clampIndex(first + count - 1, j.y.length);
+        r.rows.count = count;
+        r.rows.apart = high - low == count - 1;
         r.rows.source[0] = b->src + low * b->srcStep;
-        r.rows.source[1] = b->src + clampIndex(taps.first + 1, j.y.length) * b->srcStep;
-        for (Index t = 0; t < taps.count; t++) {
-            r.rows.line[t] = r.lines + clampIndex(taps.first + t, j.y.length) % j.held * r.lineBytes;
+        r.rows.source[1] = b->src + clampIndex(first + 1, j.y.length) * b->srcStep;
+        for (Index t = 0; t < count; t++) {
             r.rows.weight[t] = w[t];
             r.rows.single[t] = static_cast<float>(w[t]);
         }
         char* const dst = outputAt(j, n, from);
         if (k->direct != nullptr && k->direct(&r.c, &r.rows, dst))
             continue;
+        // Line `slot` is that of row `done`.
+        const auto lineAt = [&](Index y) {
+            const Index at = slot + y - done;
+            return r.lines + (at < 0 ? at + j.held : at < j.held ? at : at - j.held) * r.lineBytes;
+        };
         for (done = done > low ? done : low; done <= high;) {
-            const char* rows[kTogether];
+            const char* source[kTogether];
             char* to[kTogether];
-            const Index rest = least(end - done, j.held - (high - low)), many = least(rest, k->together);
+            const Index many = least(least(end - done, j.held - (high - low)), k->together);
             for (Index i = 0; i < many; i++) {
-                rows[i] = b->src + (done + i) * b->srcStep;
-                to[i] = r.lines + (done + i) % j.held * r.lineBytes;
+                source[i] = b->src + (done + i) * b->srcStep;
+                to[i] = lineAt(done + i);
             }
-            if (r.c.chunk > 0)
-                k->filter(&r.c, rows, to, many);
-            else
-                filterLong(k, r.c, rows, to, many);
+            k->filter(&r.c, source, to, many);
             done += many;
+            slot = slot + many < j.held ? slot + many : slot + many - j.held;
         }
+        for (Index t = 0; t < count; t++)
+            r.rows.line[t] = lineAt(clampIndex(first + t, j.y.length));
         k->blend(&r.c, &r.rows, dst);
     }
 }
@@ -392,15 +410,15 @@ void storeSum(const qvrRowKernels* k, double sum, char* to)
 }
 
 // Rows low .. high of one column to lines.
-void filterFewRows(const Job& j, const qvrColumns& c, Index d, Index low, Index high, char* lines)
+void filterFewRows(const Job& j, const qvrColumns& c, Index d, Index low, Index high, double* lines)
 {
     const qvrRowKernels* const k = j.k;
-    const Index run = least(kRun, QVR_RESIZE_ROOM / lanesOf(k));
+    const Index lanes = k->together * k->channels;
     double parts[kRows][kParts] = {}, w[kRun];
     qvrTaps taps;
     qvrTapsOf(&j.x, d, &taps);
-    for (Index t = 0; t < taps.count; t += run) {
-        const Index n = least(taps.count - t, run);
+    for (Index t = 0; t < taps.count; t += kRun) {
+        const Index n = least(taps.count - t, kRun);
         qvrWeightsOf(&j.x, &taps, t, n, w);
         for (Index i = 0; i < n && !k->wide; i++)
             w[i] = static_cast<double>(static_cast<float>(w[i]));
@@ -412,8 +430,13 @@ void filterFewRows(const Job& j, const qvrColumns& c, Index d, Index low, Index 
             k->addTaps(&c, rows, count, taps.first + t, n, w, parts[(y - low) / k->together]);
         }
     }
-    for (Index y = 0; y <= high - low; y++)
-        sumParts(k, parts[y / k->together], y % k->together, lines + y * k->channels * k->lineBytes);
+    for (Index i = 0; i < (high + 1 - low) * k->channels; i++) {
+        const double* const part = parts[i / lanes] + i % lanes;
+        double sum = part[0];
+        for (Index p = 1; p < k->parts; p++)
+            sum += part[p * lanes];
+        lines[i] = k->lineBytes == 8 ? sum : static_cast<double>(static_cast<float>(sum));
+    }
 }
 
 void resizeWithoutLists(const Job& j)
@@ -437,14 +460,10 @@ void resizeWithoutLists(const Job& j)
                 if (y >= done) {
                     from = y;
                     done = least(high + 1, y + kRows);
-                    filterFewRows(j, c, b->x.first + x, from, done - 1, reinterpret_cast<char*>(lines));
+                    filterFewRows(j, c, b->x.first + x, from, done - 1, lines);
                 }
-                for (Index i = 0; i < k->channels; i++) {
-                    const Index at = (y - from) * k->channels + i;
-                    float single;
-                    __builtin_memcpy(&single, reinterpret_cast<const char*>(lines) + at * 4, 4);
-                    acc[i] = added(k, acc[i], k->lineBytes == 8 ? lines[at] : static_cast<double>(single), w[t % kRun]);
-                }
+                for (Index i = 0; i < k->channels; i++)
+                    acc[i] = added(k, acc[i], lines[(y - from) * k->channels + i], w[t % kRun]);
             }
             for (Index i = 0; i < k->channels; i++)
                 storeSum(k, acc[i], outputAt(j, n, x) + i * k->elementBytes);

@@ -8,7 +8,7 @@
 
 #include "image/plan.h"
 
-// Elements of a source row that are worked on at a time, and what loads may reach beyond them.
+// Elements of a source row, as singles, that are worked on at a time, and what loads may reach beyond them.
 enum { QVR_RESIZE_ROOM = 2048, QVR_RESIZE_PAST = 64 };
 
 // The columns of a band, or as many as the work buffer holds at a time.
@@ -16,15 +16,15 @@ typedef struct {
     int64_t width, length; // columns; pixels of a source row
     int64_t channels;
     int64_t lineFirst, linePixels; // of sums: the pixels of a line
-    // Column x + lists has the weights of x, `pixels` further on. Lines hold the columns phase by phase: all that are
-    // x modulo `phases`, then the next ones.
-    int64_t lists, pixels, phases;
+    // Column x + lists has the weights of x, `pixels` further on.
+    int64_t lists, pixels;
+    int64_t phases;              // of sums: columns are worked on by vectors of all that are x modulo `phases`; or 1
     int64_t least, most, stride; // taps of a column; elements of a list
-    int64_t chunk;               // columns whose pixels fit into the room; 0: not even one
+    int64_t chunk;               // of sums: columns whose pixels fit into the room
     int32_t planes;              // phases are worked on by vectors
-    int32_t halves;              // words: every column is the mean of two pixels, next to those of the column before
     int32_t *first, *count;      // pixel of a column's first tap, which may lie outside; taps of a list
-    void* extra;                 // what `prepare` makes of them
+    int64_t from, to;            // what `prepare` makes of them: columns inside the image
+    void* extra;                 // and more
     void* weights;               // plain, one channel: by tap, then by column; else list by list
     double magnitude;            // the largest sum of magnitudes of a list
 } qvrColumns;
@@ -45,16 +45,16 @@ enum { qvrWeights_plain, qvrWeights_words, qvrWeights_double, qvrWeights_single 
 
 typedef struct qvrRowKernels {
     int32_t elementBytes, channels, lineBytes, weights;
-    int32_t wide, fused, parts;                 // of sums: in double, with fused steps, in so many parts along a row
-    int32_t together;                           // rows that are filtered at a time
-    int32_t extraBytes;                         // for eight columns
-    void (*prepare)(const qvrColumns* columns); // may be null
+    int32_t wide, fused, parts;           // of sums: in double, with fused steps, in so many parts along a row
+    int32_t together;                     // rows that are filtered at a time
+    int32_t extraBytes;                   // for eight columns
+    void (*prepare)(qvrColumns* columns); // may be null
     void (*filter)(const qvrColumns* columns, const char* const* rows, char* const* lines, int64_t count);
     void (*blend)(const qvrColumns* columns, const qvrRowTaps* rows, char* dst);
     // An output row that shows one source row; may be null.
     int (*direct)(const qvrColumns* columns, const qvrRowTaps* rows, char* dst);
-    // Adds n taps of one column from pixel `from` on to its parts: for each of them a lane for every channel, or for
-    // every row; low pass only.
+    // Adds n taps of one column from pixel `from` on, the first of an even number, to its parts: for each of them a
+    // lane for every channel of every row that may be together; low pass only.
     void (*addTaps)(const qvrColumns* columns, const char* const* rows, int64_t count, int64_t from, int64_t n,
                     const double* weights, double* parts);
     const struct qvrRowKernels* prescribed; // for lists that are too long for these kernels
