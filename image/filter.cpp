@@ -211,30 +211,18 @@ void addPhases(const qvrColumns* c, Index from, Index width, const float* s, Ind
 
 // ---- Low pass: along a row ------------------------------------------------------------------------------------------
 
-// One column of N channels, or of N rows side by side. The taps from `least` on may be beyond the n of the list; that
-// there are `most` for all columns keeps the processor's guesses right.
-template<int N, class A, int P>
-QVR_INLINE void dot(const A* s, const A* w, Index n, Index least, Index most, Vec<A, N> (&part)[P])
+// One column of N channels, or of N rows side by side.
+template<int N, class A, int P> QVR_INLINE void dot(const A* s, const A* w, Index n, Vec<A, N> (&part)[P])
 {
     using V = Vec<A, N>;
-    const auto add = [&](int p, V x, V weight) { part[p] = fma(x, weight, part[p]); };
+    const auto add = [&](Index k, int p) { part[p] = fma(load<V>(s + N * (k + p)), splat<V>(w[k + p]), part[p]); };
     Index k = 0;
-    for (; k + P <= least; k += P)
+    for (; k + P <= n; k += P)
         for (int p = 0; p < P; p++)
-            add(p, load<V>(s + N * (k + p)), splat<V>(w[k + p]));
-    for (; k < most; k += P)
-#pragma clang loop unroll(full)
-        for (int p = 0; p < P; p++) {
-            if (k + p >= most)
-                break;
-            V x = load<V>(s + N * (k + p)), weight = splat<V>(w[k + p]);
-            if (k + p >= least) {
-                const auto own = splat<Bits<V>>(k + p < n ? ~Elem<Bits<V>>{0} : 0);
-                x = bitcast<V>(bits(x) & own);
-                weight = bitcast<V>(bits(weight) & own);
-            }
-            add(p, x, weight);
-        }
+            add(k, p);
+    for (int p = 0; p < P - 1; p++)
+        if (k + p < n)
+            add(k, p);
 }
 
 // put(x, sum) for the columns from .. to - 1, of whose pixels N values each stand at s from pixel `base` on.
@@ -245,7 +233,7 @@ QVR_INLINE void eachColumn(const qvrColumns* c, Index from, Index to, const A* s
     for (Index x = from; x < to; x++) {
         Vec<A, N> part[P] = {};
         dot<N>(s + (c->first[x] - base) * N, static_cast<const A*>(c->weights) + list * c->stride, c->count[list],
-               c->least, c->most, part);
+               part);
         Vec<A, N> sum = part[0];
         for (int p = 1; p < P; p++)
             sum += part[p];
@@ -335,19 +323,15 @@ template<int NC, int R, class L> void turnBack(const L* sums, Index n, char* con
 template<int L, int P> QVR_APART void addRun(const double* s, const double* w, Index n, Index at, double* parts)
 {
     using V = Vec<double, L>;
-    const auto tap = [&](Index k, V sum) { return fma(load<V>(s + k * L), splat<V>(w[k]), sum); };
     Index k = 0;
-    for (; at % P != 0 && k < n; k++, at++)
-        store(parts + at % P * L, tap(k, load<V>(parts + at % P * L)));
+    for (; at % P != 0 && k < n; k++, at++) {
+        double* const part = parts + at % P * L;
+        store(part, fma(load<V>(s + k * L), splat<V>(w[k]), load<V>(part)));
+    }
     V part[P];
     for (int p = 0; p < P; p++)
         part[p] = load<V>(parts + p * L);
-    for (; k + P <= n; k += P)
-        for (int p = 0; p < P; p++)
-            part[p] = tap(k + p, part[p]);
-    for (int p = 0; p < P - 1; p++)
-        if (k + p < n)
-            part[p] = tap(k + p, part[p]);
+    dot<L>(s + k * L, w + k, n - k, part);
     for (int p = 0; p < P; p++)
         store(parts + p * L, part[p]);
 }

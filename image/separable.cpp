@@ -242,7 +242,6 @@ void makePlaces(const Job& j, Index from, qvrColumns& c)
 void makeColumns(Job& j, Index from, qvrColumns& c)
 {
     c.magnitude = 0;
-    c.least = c.most;
     if (!j.x.lowPass)
         return makePlaces(j, from, c);
     j.exact = true;
@@ -278,7 +277,6 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
             for (Index t = taps.count; t < c.stride; t++)
                 singles[t] = 0;
         }
-        c.least = least(c.least, taps.count);
         c.first[x] = static_cast<int32_t>(taps.first);
         c.count[x] = static_cast<int32_t>(taps.count);
         c.magnitude = magnitude > c.magnitude ? magnitude : c.magnitude;
@@ -372,7 +370,7 @@ void resizeColumns(Job& j, Index from, Index width)
         for (done = done > low ? done : low; done <= high;) {
             const char* source[kTogether];
             char* to[kTogether];
-            const Index many = least(least(end - done, j.held - (high - low)), k->together);
+            const Index many = least(least(end - done, j.held - (done - low)), k->together);
             for (Index i = 0; i < many; i++) {
                 source[i] = b->src + (done + i) * b->srcStep;
                 to[i] = lineAt(done + i);

@@ -18,15 +18,15 @@ typedef struct {
     int64_t lineFirst, linePixels; // of sums: the pixels of a line
     // Column x + lists has the weights of x, `pixels` further on.
     int64_t lists, pixels;
-    int64_t phases;              // of sums: columns are worked on by vectors of all that are x modulo `phases`; or 1
-    int64_t least, most, stride; // taps of a column; elements of a list
-    int64_t chunk;               // of sums: columns whose pixels fit into the room
-    int32_t planes;              // phases are worked on by vectors
-    int32_t *first, *count;      // pixel of a column's first tap, which may lie outside; taps of a list
-    int64_t from, to;            // what `prepare` makes of them: columns inside the image
-    void* extra;                 // and more
-    void* weights;               // plain, one channel: by tap, then by column; else list by list
-    double magnitude;            // the largest sum of magnitudes of a list
+    int64_t phases;         // of sums: columns are worked on by vectors of all that are x modulo `phases`; or 1
+    int64_t most, stride;   // taps of a column; elements of a list
+    int64_t chunk;          // of sums: columns whose pixels fit into the room
+    int32_t planes;         // phases are worked on by vectors
+    int32_t *first, *count; // pixel of a column's first tap, which may lie outside; taps of a list
+    int64_t from, to;       // what `prepare` makes of them: columns inside the image
+    void* extra;            // and more
+    void* weights;          // plain, one channel: by tap, then by column; else list by list
+    double magnitude;       // the largest sum of magnitudes of a list
 } qvrColumns;
 
 typedef struct {
