@@ -25,6 +25,10 @@ extern int chosenSlot; // set at the start of main, before any option changes th
 // Calls visit(peer's name, name of the function it stands beside) for every table entry.
 void visitPeerFunctions(const std::function<void(const char*, const char*)>& visit);
 
+// Highway's sort, where it is installed; held to AVX2.
+void sortByHighway(float* p, int n);
+void sortByHighway(double* p, int n);
+
 } // namespace bench
 
 // One entry of a peer table; the peer is a function of that name with the export's prototype.

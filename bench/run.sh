@@ -5,7 +5,7 @@ set -e
 cd "$(dirname "$0")/.."
 family=$1
 
-packages="clang-19 lld-19 libomp-19-dev cmake ninja-build pkg-config libvolk2-dev libliquid-dev libeigen3-dev libyuv-dev libfftw3-dev libsleef-dev libzimg-dev libstb-dev libvips-dev python3-matplotlib"
+packages="clang-19 lld-19 libomp-19-dev cmake ninja-build pkg-config libvolk2-dev libliquid-dev libeigen3-dev libyuv-dev libfftw3-dev libsleef-dev libhwy-dev libzimg-dev libstb-dev libvips-dev python3-matplotlib"
 missing=
 for package in $packages; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" || missing="$missing $package"

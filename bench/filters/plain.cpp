@@ -39,11 +39,37 @@ qvrStatus qvrsIIR_64f(const double* src, double* dst, int n, qvrsIIRState_64f* s
     return 0;
 }
 
+// Masks of 3 and 5 by minima and maxima, which the compiler turns to vectors; the ends apart.
+qvrStatus medianByNetwork(float* RESTRICT x, int n, int mask)
+{
+    const int h = mask / 2;
+    float* RESTRICT in = new float[n + 2 * h];
+    std::fill_n(in, h, x[0]);
+    memcpy(in + h, x, sizeof(float) * static_cast<size_t>(n));
+    std::fill_n(in + h + n, h, x[n - 1]);
+    const float* RESTRICT a = in;
+    const auto least = [](float p, float q) { return p < q ? p : q; };
+    const auto most = [](float p, float q) { return p < q ? q : p; };
+    if (mask == 3)
+        for (int i = 1; i < n - 1; i++)
+            x[i] = most(least(a[i], a[i + 1]), least(most(a[i], a[i + 1]), a[i + 2]));
+    else
+        for (int i = 1; i < n - 1; i++) {
+            // The least and the most of four leave; the median of the other two and the fifth stays.
+            const float p = least(a[i], a[i + 1]), q = most(a[i], a[i + 1]);
+            const float r = least(a[i + 2], a[i + 3]), s = most(a[i + 2], a[i + 3]);
+            const float low = most(p, r), high = least(q, s), c = a[i + 4];
+            x[i] = most(least(low, high), least(most(low, high), c));
+        }
+    delete[] in;
+    return 0;
+}
+
 // A sorted window with a binary search for the sample that leaves and the place of the one that enters.
 qvrStatus qvrsFilterMedian_32f_I(float* x, int n, int mask)
 {
     if (mask <= 5)
-        return model::qvrsFilterMedian_32f_I(x, n, mask);
+        return medianByNetwork(x, n, mask);
     const int h = mask / 2;
     float* in = new float[n];
     float* sorted = new float[mask];
@@ -69,6 +95,15 @@ qvrStatus qvrsFilterMedian_32f_I(float* x, int n, int mask)
     return 0;
 }
 
+qvrStatus qvrsSampleUp_32f(const float* RESTRICT src, int n, float* RESTRICT dst, int* count, int factor, int* phase)
+{
+    memset(dst, 0, sizeof(float) * static_cast<size_t>(n) * static_cast<size_t>(factor));
+    for (int i = 0; i < n; i++)
+        dst[static_cast<int64_t>(i) * factor + *phase] = src[i];
+    *count = n * factor;
+    return 0;
+}
+
 } // namespace
 
 namespace bench {
@@ -76,7 +111,7 @@ namespace bench {
 extern const PeerFunction QVR_PEER_PASTE(plain_filters_, QVR_BENCH_LEVEL)[];
 const PeerFunction QVR_PEER_PASTE(plain_filters_, QVR_BENCH_LEVEL)[] = {
     QVR_PEER(qvrsIIR_64f),         QVR_PEER(qvrsFilterMedian_32f_I), QVR_MODEL(qvrsSampleDown_32f),
-    QVR_MODEL(qvrsSampleDown_16s), QVR_MODEL(qvrsSampleUp_32f),      {nullptr, nullptr},
+    QVR_MODEL(qvrsSampleDown_16s), QVR_PEER(qvrsSampleUp_32f),       {nullptr, nullptr},
 };
 
 } // namespace bench

@@ -179,7 +179,7 @@ enum class Order { random, ascending, descending, few };
 // the next array is part of the time, for ours and the peer.
 template<class T, class F> void sorting(const Sink& sink, const char* name, F* exported, Order order)
 {
-    for (const int n : {20, 100, 1000, 100000})
+    for (const int n : {9, 20, 100, 1000, 65536})
         sink.add(std::to_string(n), [&](Case& c) {
             const int copies = n > 1000 ? 4 : 256;
             c.elements = n;
@@ -203,6 +203,14 @@ template<class T, class F> void sorting(const Sink& sink, const char* name, F* e
                 memcpy(d, all + static_cast<size_t>(*turn) * n, sizeof(T) * n);
                 f(d, n);
             });
+#ifdef QVR_HAVE_HIGHWAY
+            if (ownSlot())
+                c.peer("vqsort", [=] {
+                    *turn = (*turn + 1) % copies;
+                    memcpy(d, all + static_cast<size_t>(*turn) * n, sizeof(T) * n);
+                    sortByHighway(d, n);
+                });
+#endif
         });
 }
 #define SORTING(order, text)                                                                                           \
