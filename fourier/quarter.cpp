@@ -1,17 +1,26 @@
-// The constant quarter wave in both precisions, made by the compiler, and the sines of run time.
+// The constant quarter waves in both precisions, made by the compiler, and the sines of run time.
 #include "fourier/sines.h"
 
 #include <math.h>
 
-#define QVR_1(k) quarterSine(k, 1 << kConstantBase)
-#define QVR_4(T, k)                                                                                                    \
-    static_cast<T>(QVR_1(k)), static_cast<T>(QVR_1(k + 1)), static_cast<T>(QVR_1(k + 2)), static_cast<T>(QVR_1(k + 3))
-#define QVR_16(T, k) QVR_4(T, k), QVR_4(T, k + 4), QVR_4(T, k + 8), QVR_4(T, k + 12)
-#define QVR_64(T, k) QVR_16(T, k), QVR_16(T, k + 16), QVR_16(T, k + 32), QVR_16(T, k + 48)
-#define QVR_256(T) QVR_64(T, 0), QVR_64(T, 64), QVR_64(T, 128), QVR_64(T, 192)
+namespace {
 
-constexpr float qvrQuarterWave_32f[kConstantQuarter + 1] = {QVR_256(float), 1.0f};
-constexpr double qvrQuarterWave_64f[kConstantQuarter + 1] = {QVR_256(double), 1.0};
+template<class T> constexpr QuarterWaves<T> makeWaves()
+{
+    constexpr int quarter = (1 << kConstantBase) / 4, longest = waveStart(kConstantBase);
+    QuarterWaves<T> waves{};
+    for (int k = 0; k <= quarter; k++)
+        waves.s[longest + k] = static_cast<T>(quarterSine(k, 4 * quarter));
+    for (int base = kSmallestBase; base < kConstantBase; base++)
+        for (int k = 0; k <= (1 << base) / 4; k++)
+            waves.s[waveStart(base) + k] = waves.s[longest + (k << (kConstantBase - base))];
+    return waves;
+}
+
+} // namespace
+
+constexpr QuarterWaves<float> qvrQuarterWaves_32f = makeWaves<float>();
+constexpr QuarterWaves<double> qvrQuarterWaves_64f = makeWaves<double>();
 
 namespace {
 

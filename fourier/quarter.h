@@ -1,8 +1,8 @@
 // The quarter wave of sines that every twiddle of a transform is read from.
 //
-// s[k] = sin(2 pi k / 2^base), k = 0 .. 2^base / 4. Up to order 10 it is a constant of base 10; above, initialisation
-// makes one of base `order`, each half octant from the function that is accurate there: sin below 1/8 turn, cos above.
-// A twiddle of a shorter transform reads it with a stride, so all twiddles of one angle agree to the bit.
+// s[k] = sin(2 pi k / 2^base), k = 0 .. 2^base / 4. Up to kConstantBase it is a constant; above, initialisation makes
+// one of base `order`, each half octant from the function that is accurate there: sin below 1/8 turn, cos above. A
+// twiddle of a shorter transform reads it with a stride, so all twiddles of one angle agree to the bit.
 #ifndef QVR_FOURIER_QUARTER_H
 #define QVR_FOURIER_QUARTER_H
 
@@ -13,21 +13,23 @@ namespace {
 
 constexpr double kTwoPi = 6.283185307179586;
 
-template<class T> inline const T* constantQuarter()
+// The constant table of a base.
+template<class T> inline const T* constantQuarter(int base)
 {
     if constexpr (sizeof(T) == 4)
-        return qvrQuarterWave_32f;
+        return qvrQuarterWaves_32f.s + waveStart(base);
     else
-        return qvrQuarterWave_64f;
+        return qvrQuarterWaves_64f.s + waveStart(base);
 }
 
-// Entries of a table made for an order above kConstantBase.
+// Entries of a table that initialisation makes.
 constexpr int64_t quarterEntries(int order)
 {
     return (int64_t{1} << order) / 4 + 1;
 }
 
-template<class T> inline void fillQuarter(T* s, int order)
+// For an order above kConstantBase.
+template<class T> void fillQuarter(T* s, int order)
 {
     using V = Full<double>;
     using One = Vec<double, 1>;
@@ -49,32 +51,46 @@ template<class T> inline void fillQuarter(T* s, int order)
         cosines(lane, k);
     for (; k < quarter; k++)
         cosines(One{}, k);
+    // What the constant tables hold too.
+    const T* constant = constantQuarter<T>(kConstantBase);
+    for (k = 0; k < quarter; k += int64_t{1} << (order - kConstantBase))
+        s[k] = *constant++;
 }
+
+// In quadrant q of the circle, cos t and -sin t are s[r] kUpSign[q] and s[N/4 - r] kDownSign[q], in this order where q
+// is odd; r is k without the quadrants.
+template<class T> constexpr T kUpSign[4] = {-1, -1, 1, 1};
+template<class T> constexpr T kDownSign[4] = {1, -1, -1, 1};
 
 template<class T> struct Twiddle {
     T re, im; // cos t, -sin t: the forward sign
 };
 
-template<class T> struct Quarter {
+// Entry k of the table of one order stands at s[k * stride].
+template<class T> struct Wave {
     const T* s;
+    int64_t stride;
+};
+
+template<class T> struct Quarter {
+    const T* s; // made for order `base`; null while constants do
     int base;
 
-    // exp(-2 pi i k / 2^order), order <= base, by quadrant.
+    Wave<T> wave(int order) const
+    {
+        if (order <= kConstantBase)
+            return {constantQuarter<T>(order), 1};
+        return {s, int64_t{1} << (base - order)};
+    }
+    // exp(-2 pi i k / 2^order).
     Twiddle<T> at(int64_t k, int order) const
     {
-        const int64_t quarter = int64_t{1} << (base - 2);
-        const int64_t p = (k << (base - order)) & (4 * quarter - 1), r = p & (quarter - 1);
-        const T sine = s[r], cosine = s[quarter - r];
-        switch (p / quarter) {
-        case 0:
-            return {cosine, -sine};
-        case 1:
-            return {-sine, -cosine};
-        case 2:
-            return {-cosine, sine};
-        default:
-            return {sine, cosine};
-        }
+        const Wave<T> w = wave(order);
+        const int64_t turn = int64_t{1} << (order - 2), p = k & (4 * turn - 1), r = p & (turn - 1);
+        const int quadrant = static_cast<int>(p >> (order - 2));
+        const T up = w.s[r * w.stride] * kUpSign<T>[quadrant],
+                down = w.s[(turn - r) * w.stride] * kDownSign<T>[quadrant];
+        return (quadrant & 1) != 0 ? Twiddle<T>{up, down} : Twiddle<T>{down, up};
     }
 };
 

@@ -52,9 +52,16 @@ constexpr long double constantCosine(int k, int n)
     return constantSine(4 * k + n, 4 * n);
 }
 
-// The quarter wave of base 10: sin(2 pi k / 1024), k = 0 .. 256.
-constexpr int kConstantBase = 10;
-constexpr int kConstantQuarter = (1 << kConstantBase) / 4;
+// The constant quarter waves: sin(2 pi k / 2^base), k = 0 .. 2^base / 4, for each base from kSmallestBase to
+// kConstantBase, one behind another, so that a table of any of these orders is read without gaps.
+constexpr int kSmallestBase = 3, kConstantBase = 12;
+constexpr int waveStart(int base)
+{
+    return (1 << base) / 4 - (1 << kSmallestBase) / 4 + base - kSmallestBase;
+}
+template<class T> struct QuarterWaves {
+    T s[waveStart(kConstantBase + 1)];
+};
 
 // Up to pi/4 the Taylor series to x^17 and x^18 leave less than 2^-61; their tails are summed apart from the first
 // term, whose rounding then is nearly all of the error. Of doubles, or of vectors of them.
@@ -96,8 +103,8 @@ template<class V> inline V cosineWithinEighth(V x)
 } // namespace
 
 extern "C" {
-extern const QVR_HIDDEN float qvrQuarterWave_32f[kConstantQuarter + 1];
-extern const QVR_HIDDEN double qvrQuarterWave_64f[kConstantQuarter + 1];
+extern const QVR_HIDDEN QuarterWaves<float> qvrQuarterWaves_32f;
+extern const QVR_HIDDEN QuarterWaves<double> qvrQuarterWaves_64f;
 
 // As good as libm's to a unit, for the slots.
 QVR_HIDDEN double qvrSine(double x);

@@ -3,6 +3,7 @@
 #define QVR_FOURIER_FFT_KERNELS_H
 
 #include "fourier/real/band.h"
+#include "fourier/real/fill.h"
 #include "fourier/real/firstgen.h"
 #include "fourier/real/limits.h"
 #include "fourier/real/recombine.h"
@@ -23,6 +24,8 @@ template<class T> constexpr FftKernels<T> makeKernels()
     k.straight[1] = straight<StraightSwapped, most, T>;
     k.straightForward = straight<StraightForward, kInRegisters<T>.forward, T>;
     k.straightInverse = straight<StraightInverse, kInRegisters<T>.inverse, T>;
+    k.fillQuarter = fillQuarter<T>;
+    k.fillRecombination = fillRecombination<T>;
     if constexpr (kFirstGeneration) {
         k.firstGeneration[0] = firstGenTransform<false, T>;
         k.firstGeneration[1] = firstGenTransform<true, T>;
@@ -44,7 +47,9 @@ template<class T> constexpr FftKernels<T> makeKernels()
     stages.template operator()<Finish::groups>(k.stage);
     stages.template operator()<Finish::pairs>(k.last[0]);
     stages.template operator()<Finish::swappedPairs>(k.last[1]);
+    k.fillSweep = fillSweep<T>;
     if constexpr (kLanes<T> <= 4 && !kAvx) {
+        k.fillTopTable = fillTopTable<T>;
         k.columns[0] = runColumns<false, T>;
         k.columns[1] = runColumns<true, T>;
         k.top[0] = runTop<false, T>;

@@ -1,7 +1,9 @@
-// Building of specification objects: one walk over the block serves the size step and the initialisation.
+// Building of specification objects: one walk over the block serves the sizes, which the compiler makes, and the
+// initialisation.
 #ifndef QVR_FOURIER_INIT_H
 #define QVR_FOURIER_INIT_H
 
+#include "fourier/real/fill.h"
 #include "fourier/real/spec.h"
 #include "fourier/real/tables.h"
 #include "frame/arena.h"
@@ -54,16 +56,29 @@ template<class T> constexpr Index workBytes(int order)
     return need;
 }
 
+// The walk that only counts.
+struct BlockSize {
+    Index used;
+
+    template<class T> constexpr T* take(Index count)
+    {
+        used += qvrAlignUp(count * static_cast<Index>(sizeof(T)), kLine);
+        return nullptr;
+    }
+    static constexpr bool fills() { return false; }
+};
+
 // A table's place, filled at once where the walk has memory.
-template<class T, class Fill> inline T* placeTable(Arena& walk, Index size, const Fill& fill)
+template<class T, class Walk, class Fill> constexpr T* placeTable(Walk& walk, Index size, const Fill& fill)
 {
-    T* table = walk.take<T>(size);
+    T* table = walk.template take<T>(size);
     if (walk.fills())
         fill(table);
     return table;
 }
 
-template<class T> inline void firstGenTables(FftSpec<T>& spec, Arena& walk, const Quarter<T>& quarter, int m)
+template<class T, class Walk>
+constexpr void firstGenTables(FftSpec<T>& spec, Walk& walk, const Quarter<T>& quarter, int m)
 {
     int rows = m;
     while (rows > kKernelOrder && splitOrder<T>(rows) != 0)
@@ -82,60 +97,58 @@ template<class T> inline void firstGenTables(FftSpec<T>& spec, Arena& walk, cons
     }
 }
 
-template<class T> inline void secondGenTables(FftSpec<T>& spec, Arena& walk, const Quarter<T>& quarter, int order)
+template<class T, class Walk>
+constexpr void secondGenTables(FftSpec<T>& spec, Walk& walk, const Quarter<T>& quarter, int order)
 {
     const int m = order - 1;
-    const FftClass c = classOf<T>(order);
-    spec.plan = makePlan<T>(m, c);
-    const FftPlan& plan = spec.plan;
+    const FftPlan& plan = kFftPlans<T>.of[order];
+    spec.plan = &plan;
     // The tables of sweeps first .. end - 1 as one item.
     const auto place = [&](int first, int end) {
         Index size = 0;
         for (int i = first; i < end; i++)
             size += sweepTableSize<T>(plan.sweep[i]);
-        T* const table = walk.take<T>(size);
+        T* const table = walk.template take<T>(size);
         T* out = table;
         for (int i = first; walk.fills() && i < end; i++) {
             spec.pSweepTables[i] = out;
-            fillSweep(out, quarter, plan.sweep[i]);
+            fftKernels<T>().fillSweep(out, quarter, plan.sweep[i]);
             out += sweepTableSize<T>(plan.sweep[i]);
         }
         return table;
     };
     const FftLevel& row = plan.level[plan.row];
     spec.pTwiddle = place(0, row.sweep + row.sweeps);
-    if (c == FftClass::threaded)
-        spec.pSweepTwiddle = placeTable<T>(walk, topTableSize(m), [&](T* p) { fillTopTable(p, quarter, m); });
+    if (classOf<T>(order) == FftClass::threaded)
+        spec.pSweepTwiddle =
+            placeTable<T>(walk, topTableSize(m), [&](T* p) { fftKernels<T>().fillTopTable(p, quarter, m); });
     for (int i = plan.levels - 1; i > plan.row; i--)
         spec.pLevelMidTwiddle[plan.levels - 1 - i] =
             place(plan.level[i].sweep, plan.level[i].sweep + plan.level[i].sweeps);
 }
 
-inline int32_t* placeBitRev(Arena& walk, int m)
+template<class Walk> constexpr int32_t* placeBitRev(Walk& walk, int m)
 {
-    if (kFirstGeneration || m < kTiledFrom) {
-        int32_t* table = walk.take<int32_t>(bitRevEntries(m));
-        if (walk.fills()) {
+    if (kFirstGeneration || m < kTiledFrom)
+        return placeTable<int32_t>(walk, bitRevEntries(m), [&](int32_t* table) {
             if constexpr (kFirstGeneration)
                 fillSwapTable(table, m);
             else
-                fillBitRev(table, m, 1);
-        }
-        return table;
-    }
+                fillBitRev(table, m);
+        });
     // Two levels: the tiles' order, then the points of a tile.
     const int outer = m - 2 * kTileBits;
-    int32_t* table = walk.take<int32_t>((Index{1} << outer) + bitRevEntries(2 * kTileBits));
-    if (walk.fills()) {
-        fillBitRev(table + (Index{1} << outer), 2 * kTileBits, 1);
-        for (Index i = 0; i < Index{1} << outer; i++)
+    const Index tiles = Index{1} << outer;
+    return placeTable<int32_t>(walk, tiles + bitRevEntries(2 * kTileBits), [&](int32_t* table) {
+        for (Index i = 0; i < tiles; i++)
             table[i] = static_cast<int32_t>(reverseIndex(i, outer) << kTileBits);
-    }
-    return table;
+        fillBitRev(table + tiles, 2 * kTileBits);
+    });
 }
 
 // The whole block after the object itself.
-template<class T> inline void placeTables(FftSpec<T>& spec, Arena& walk, const Quarter<T>& quarter, int order)
+template<class T, class Walk>
+constexpr void placeTables(FftSpec<T>& spec, Walk& walk, const Quarter<T>& quarter, int order)
 {
     const FftClass c = classOf<T>(order);
     if (c == FftClass::real)
@@ -149,11 +162,40 @@ template<class T> inline void placeTables(FftSpec<T>& spec, Arena& walk, const Q
     }
     const bool twoLevel = order >= kFftLimits<T>.twoLevel;
     const Index size = recombinationSize(order, twoLevel);
-    spec.pFwdRecomb = walk.take<T>(size);
-    spec.pInvRecomb = walk.take<T>(size);
+    spec.pFwdRecomb = walk.template take<T>(size);
+    spec.pInvRecomb = walk.template take<T>(size);
     if (walk.fills())
-        fillRecombination(spec.pFwdRecomb, spec.pInvRecomb, quarter, order, twoLevel);
+        fftKernels<T>().fillRecombination(spec.pFwdRecomb, spec.pInvRecomb, quarter, order, twoLevel);
 }
+
+// By contract: temporary memory from this order on, also where the quarter wave is a constant.
+constexpr int kInitFrom = 11;
+
+struct FftSizes {
+    int32_t spec, init, work; // the arguments of fftGetSize
+};
+template<class T> constexpr FftSizes fftSizes(int order)
+{
+    FftSpec<T> spec{};
+    BlockSize walk{};
+    walk.take<SpecType<T>>(1);
+    placeTables<T>(spec, walk, {}, order);
+    const Index wave = order > kConstantBase ? quarterEntries(order) * static_cast<Index>(sizeof(T)) : 0;
+    const Index work = workBytes<T>(order);
+    return {static_cast<int32_t>(walk.used + kLine), static_cast<int32_t>(order >= kInitFrom ? wave + kLine : 0),
+            static_cast<int32_t>(work > 0 ? work + kLine : 0)};
+}
+template<class T> struct SizesOfOrders {
+    FftSizes of[kFftLimits<T>.largest + 1];
+};
+template<class T> constexpr SizesOfOrders<T> sizesOfOrders()
+{
+    SizesOfOrders<T> sizes{};
+    for (int order = 0; order <= kFftLimits<T>.largest; order++)
+        sizes.of[order] = fftSizes<T>(order);
+    return sizes;
+}
+template<class T> constexpr SizesOfOrders<T> kFftSizes = sizesOfOrders<T>();
 
 constexpr bool knownFlag(int flag)
 {
@@ -171,15 +213,10 @@ inline qvrStatus fftGetSize(int order, int flag, int32_t* pSpecSize, int32_t* pI
         return qvrErrFFTFlag;
     if (order > kFftLimits<T>.largest)
         return qvrErrFFTOrder;
-    SpecType<T> spec{};
-    Arena walk = {nullptr, 0};
-    walk.take<SpecType<T>>(1);
-    placeTables<T>(spec, walk, {}, order);
-    const Index init = order > kConstantBase ? quarterEntries(order) * static_cast<Index>(sizeof(T)) + kLine : 0;
-    const Index work = workBytes<T>(order);
-    *pSpecSize = static_cast<int32_t>(walk.used + kLine);
-    *pInitSize = static_cast<int32_t>(init);
-    *pWorkSize = static_cast<int32_t>(work > 0 ? work + kLine : 0);
+    const FftSizes& sizes = kFftSizes<T>.of[order];
+    *pSpecSize = sizes.spec;
+    *pInitSize = sizes.init;
+    *pWorkSize = sizes.work;
     return qvrOk;
 }
 
@@ -202,7 +239,7 @@ template<class T> inline T normalisation(int order, int flag)
 template<class T>
 inline qvrStatus fftInit(SpecType<T>** ppSpec, int order, int flag, int hint, uint8_t* pMemSpec, uint8_t* pMemInit)
 {
-    if (anyNull(ppSpec, pMemSpec) || (order > kConstantBase && pMemInit == nullptr))
+    if (anyNull(ppSpec, pMemSpec) || (order >= kInitFrom && pMemInit == nullptr))
         return qvrErrNullPointer;
     Arena walk = {alignLine<void>(pMemSpec), 0};
     SpecType<T>* spec = walk.take<SpecType<T>>(1);
@@ -216,15 +253,16 @@ inline qvrStatus fftInit(SpecType<T>** ppSpec, int order, int flag, int hint, ui
     spec->doInvScale = flag == qvrFftDivInvByN || flag == qvrFftDivBySqrtN;
     spec->normFactor = normalisation<T>(order, flag);
     spec->hint = hint;
-    spec->workSize = static_cast<int32_t>(workBytes<T>(order));
+    const int32_t work = kFftSizes<T>.of[order].work;
+    spec->workSize = work > 0 ? work - static_cast<int32_t>(kLine) : 0;
     if constexpr (kThreadedBand) {
         const int budget = qvrNumThreadsValue();
         spec->threadLimit.value = budget < kBandThreads ? budget : kBandThreads;
     }
-    Quarter<T> quarter = {constantQuarter<T>(), kConstantBase};
+    Quarter<T> quarter{};
     if (order > kConstantBase) {
         T* s = alignLine<T>(pMemInit);
-        fillQuarter(s, order);
+        fftKernels<T>().fillQuarter(s, order);
         quarter = {s, order};
     }
     placeTables<T>(*spec, walk, quarter, order);

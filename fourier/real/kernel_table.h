@@ -6,7 +6,9 @@
 #define QVR_FOURIER_KERNEL_TABLE_H
 
 #include "fourier/lanes.h"
+#include "fourier/quarter.h"
 #include "fourier/real/limits.h"
+#include "fourier/real/plan_record.h"
 
 namespace {
 
@@ -100,6 +102,11 @@ template<class T> struct FftKernels {
     void (*columns[2])(const ColumnsCall<T>&); // by swap; the threaded band
     void (*top[2])(const TopCall<T>&);
     void (*firstGeneration[2])(const FirstGenCall<T>&); // forward, inverse
+    // The tables that they read (fill.h).
+    void (*fillQuarter)(T* s, int order);
+    void (*fillRecombination)(T* fwd, T* inv, const Quarter<T>& quarter, int order, bool twoLevel);
+    void (*fillSweep)(T* out, const Quarter<T>& quarter, const FftSweep& sweep);
+    void (*fillTopTable)(T* out, const Quarter<T>& quarter, int m);
 };
 
 } // namespace

@@ -12,12 +12,10 @@ namespace {
 constexpr int rowRadixOrder(int m, int s)
 {
     const int e = m - s;
-    bool eight = false;
     if constexpr (kAvx)
-        eight = e == 3 || (e >= 5 && s >= 3 && m < 12) || (s == 4 && (m & 1) != 0);
+        return s == kFirstOrder && e % 2 != 0 && e >= 3 ? 3 : 2;
     else
-        eight = e % 3 == 0;
-    return eight && e >= 3 ? 3 : 2;
+        return e % 3 == 0 ? 3 : 2;
 }
 // With `bits` stages to go in the sweep that joins rows.
 constexpr int joinRadixOrder(int bits)
@@ -120,6 +118,19 @@ template<class T> constexpr FftPlan makePlan(int m, FftClass c)
     }
     return w.plan;
 }
+
+// The plans of all orders; none of those that have no levels.
+template<class T> struct PlansOfOrders {
+    FftPlan of[kFftLimits<T>.largest + 1];
+};
+template<class T> constexpr PlansOfOrders<T> plansOfOrders()
+{
+    PlansOfOrders<T> plans{};
+    for (int order = kFftLimits<T>.complex + 1; !kFirstGeneration && order <= kFftLimits<T>.largest; order++)
+        plans.of[order] = makePlan<T>(order - 1, classOf<T>(order));
+    return plans;
+}
+template<class T> constexpr PlansOfOrders<T> kFftPlans = plansOfOrders<T>();
 
 // ---- Twiddles of a sweep --------------------------------------------------------------------------------------------
 

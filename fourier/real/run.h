@@ -42,7 +42,7 @@ template<class T> struct FftRun {
 
 template<class T> inline FftRun<T> makeRun(const FftSpec<T>& spec, bool inverse, T factor, T* work)
 {
-    return {fftKernels<T>(), spec, spec.plan, inverse, factor, work};
+    return {fftKernels<T>(), spec, kFftPlans<T>.of[spec.order], inverse, factor, work};
 }
 
 // Results as groups, or as pairs times the factor.

@@ -38,7 +38,7 @@ template<class T> struct FftSpec {
     T* pInvRecomb;
     T* pLevelColumnTwiddle[kSplitLevels]; // first generation
     T* pLevelMidTwiddle[kSplitLevels];
-    FftPlan plan;
+    const FftPlan* plan; // where there is one: not for straight-line kernels, nor in the first generation
     const T* pSweepTables[kMaxFftSweeps]; // of the plan's sweeps, inside of pTwiddle and pLevelMidTwiddle
 };
 

@@ -85,14 +85,14 @@ private:
     typename F::Spec* spec_ = nullptr;
 };
 
-// The plan of an object, which stands behind its prescribed fields; null where there is none: straight-line kernels,
-// first generation.
+// The plan of an object, to which the pointer behind its prescribed fields leads; null where there is none:
+// straight-line kernels, first generation.
 template<class T> const FftPlan* planOf(int slot, const Object<T>& object)
 {
     const size_t pointers = sizeof(T) == 8 || slot == 2 || slot == 4 ? 40 : 32;
-    const auto plan =
-        reinterpret_cast<const FftPlan*>(reinterpret_cast<const char*>(object.get()) + pointers + 13 * sizeof(void*));
-    return plan->levels > 0 ? plan : nullptr;
+    const FftPlan* plan;
+    memcpy(&plan, reinterpret_cast<const char*>(object.get()) + pointers + 13 * sizeof(void*), sizeof plan);
+    return plan;
 }
 
 // Every slot that this processor runs.
