@@ -15,6 +15,7 @@
 //   k.care(x...)           mask of the lanes that need the scalar path
 //   k.eval(x...)           the formula; lanes under the mask may give anything
 //   k.scalar(error, x...)  one element by the scalar path; error(code) reports it and returns nothing
+//   k.finite(x)            perhaps: the same of a vector of finite elements, none of them an error
 #ifndef QVR_ELEMENTARY_KERNEL_H
 #define QVR_ELEMENTARY_KERNEL_H
 
@@ -180,11 +181,28 @@ struct Error {
     }
 };
 
-template<class K, class... S>
-__attribute__((noinline)) void specialBlock(const K& k, Call& call, Index from, Index to, const S*... src)
+template<class K, class... S> QVR_INLINE void eachScalar(const K& k, Call& call, Index from, Index to, const S*... src)
 {
     for (Index i = from; i < to; i++)
         store(call.dst + i, k.scalar(Error{call, i}, load<Vec<float, 1>>(src + i)[0]...));
+}
+template<class K, class... S>
+__attribute__((noinline)) void specialBlock(const K& k, Call& call, Index from, Index to, const S*... src)
+{
+    if constexpr (requires { k.finite(Vec<float, 1>{}); }) {
+        using V = Full<float>;
+        for (; from < to; from += lanes<V>) {
+            const Index end = to - from < lanes<V> ? to : from + lanes<V>;
+            const int n = static_cast<int>(end - from);
+            const V x = loadFirst<V>(src + from..., n);
+            if (__builtin_expect(anyTrue(isAbove(abs(x), 0x1.fffffep127f)), 0))
+                eachScalar(k, call, from, end, src...);
+            else
+                storeFirst(call.dst + from, k.finite(x), n);
+        }
+    } else {
+        eachScalar(k, call, from, to, src...);
+    }
 }
 
 // Formulas run on one register at a time: masks of wider vectors make poor code. The parts are independent, so they

@@ -73,10 +73,6 @@ constexpr qvrLog10Row log10Row(int i)
 
 } // namespace
 
-// A table as an array of the declared name: the initialiser of an array cannot be a call.
-#define QVR_ROW4(rule, i) rule(i), rule(i + 1), rule(i + 2), rule(i + 3)
-#define QVR_ROW16(rule, i) QVR_ROW4(rule, i), QVR_ROW4(rule, i + 4), QVR_ROW4(rule, i + 8), QVR_ROW4(rule, i + 12)
-#define QVR_ROW64(rule, i) QVR_ROW16(rule, i), QVR_ROW16(rule, i + 16), QVR_ROW16(rule, i + 32), QVR_ROW16(rule, i + 48)
 #define QVR_TABLE(Row, name, rule) alignas(64) constexpr Row name[128] = {QVR_ROW64(rule, 0), QVR_ROW64(rule, 64)};
 
 extern "C" {

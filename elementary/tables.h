@@ -36,11 +36,15 @@ typedef struct {
 } qvrLog10Row;
 extern QVR_HIDDEN const qvrLog10Row qvrLog10Table[128];
 
-// Sine, cosine and tangent of any finite argument, to about 2^-60 of the result for the first two. They raise no
-// exception that leaveQuiet would not clear, and touch no errno.
-QVR_HIDDEN double qvrWideSin(double x);
-QVR_HIDDEN double qvrWideCos(double x);
-QVR_HIDDEN double qvrWideTan(double x);
+// Sine and cosine of k pi/32 as high and low parts.
+typedef struct {
+    double sine, sineLow, cosine, cosineLow;
+} qvrTurnRow;
+extern QVR_HIDDEN const qvrTurnRow qvrTurnTable[64];
+
+// Of n doubles of finite floats, each |x| >= 2^17 is turns pi/32 + the new x + low; the others stay as they are. Raises
+// no exception that leaveQuiet would not clear.
+QVR_HIDDEN void qvrReduceLarge(double* x, double* low, int32_t* turns, int n);
 
 // Hyperbolic sine and cosine in extended precision, rounded as the rounding field of an MXCSR says; what is beyond the
 // floats is infinite. They clear pending x87 exceptions, use the x87 registers under a control word of their own and
@@ -56,5 +60,10 @@ typedef void qvrErrorHook(int code, int64_t index, const float* src1, const floa
 extern QVR_HIDDEN qvrErrorHook* qvrsMathErrorHook;
 
 } // extern "C"
+
+// A table as an array of the declared name: the initialiser of an array cannot be a call.
+#define QVR_ROW4(rule, i) rule(i), rule(i + 1), rule(i + 2), rule(i + 3)
+#define QVR_ROW16(rule, i) QVR_ROW4(rule, i), QVR_ROW4(rule, i + 4), QVR_ROW4(rule, i + 8), QVR_ROW4(rule, i + 12)
+#define QVR_ROW64(rule, i) QVR_ROW16(rule, i), QVR_ROW16(rule, i + 16), QVR_ROW16(rule, i + 32), QVR_ROW16(rule, i + 48)
 
 #endif

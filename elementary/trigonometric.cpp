@@ -9,6 +9,7 @@
 // Cody and Waite's (Software Manual for the Elementary Functions, 1980).
 #include "elementary/functions.h"
 #include "elementary/kernel.h"
+#include "elementary/wide.h"
 
 namespace {
 
@@ -64,17 +65,24 @@ template<Accuracy A, bool kNearest, bool kCosine, class V> QVR_INLINE V sineOrCo
     return withSign(sineOfRest<A>(lessMultipleOfPi<A>(x, n)), k << (8 * sizeof(Elem<V>) - 1));
 }
 
-// The scalar path of all three: infinities are outside the domain, a NaN becomes quiet.
-template<double (*wide)(double)> QVR_INLINE float wideValue(const Error& error, float x)
-{
-    if (__builtin_isinf(x)) {
-        error(qvrWarnDomain);
-        return __builtin_bit_cast(float, kQuietNan);
+// The scalar path of all three: infinities are outside the domain, a NaN becomes quiet. Registers of finite elements go
+// through it whole.
+template<Wide F> struct Exact {
+    template<class V> QVR_INLINE V finite(V x) const
+    {
+        return convert<float>(wideValue<F>(opaque(convert<double>(x))));
     }
-    return x != x ? x * x : static_cast<float>(wide(static_cast<double>(x)));
-}
+    QVR_INLINE float scalar(const Error& error, float x) const
+    {
+        if (__builtin_isinf(x)) {
+            error(qvrWarnDomain);
+            return __builtin_bit_cast(float, kQuietNan);
+        }
+        return x != x ? x * x : finite(Vec<float, 1>{x})[0];
+    }
+};
 
-template<Accuracy A, bool kNearest> struct Sine {
+template<Accuracy A, bool kNearest> struct Sine : Exact<Wide::sine> {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Sin");
     static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outside(x, kSineLimit<A>); }
@@ -85,10 +93,9 @@ template<Accuracy A, bool kNearest> struct Sine {
         else
             return oddZero<kNearest>(x, sineOrCosine<A, kNearest, false>(x));
     }
-    float scalar(const Error& error, float x) const { return wideValue<qvrWideSin>(error, x); }
 };
 
-template<Accuracy A, bool kNearest> struct Cosine {
+template<Accuracy A, bool kNearest> struct Cosine : Exact<Wide::cosine> {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Cos");
     static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outside(x, kSineLimit<A>); }
@@ -99,7 +106,6 @@ template<Accuracy A, bool kNearest> struct Cosine {
         else
             return sineOrCosine<A, kNearest, true>(x);
     }
-    float scalar(const Error& error, float x) const { return wideValue<qvrWideCos>(error, x); }
 };
 
 // tan r = num / den for |r| <= pi/4; an odd quadrant turns it to -den / num.
@@ -128,7 +134,7 @@ template<Accuracy A, bool kNearest, class V> QVR_INLINE V tangent(V x)
     }
 }
 
-template<Accuracy A, bool kNearest> struct Tangent {
+template<Accuracy A, bool kNearest> struct Tangent : Exact<Wide::tangent> {
     static constexpr const char* kName = QVR_CLASS_NAME(A, "Tan");
     static constexpr int kBlock = kBlockOf<A>, kRegister = kRegisterOf<A>;
     template<class V> QVR_INLINE Mask<V> care(V x) const { return outside(x, kTangentLimit); }
@@ -139,7 +145,6 @@ template<Accuracy A, bool kNearest> struct Tangent {
         else
             return oddZero<kNearest>(x, tangent<A, kNearest>(x));
     }
-    float scalar(const Error& error, float x) const { return wideValue<qvrWideTan>(error, x); }
 };
 
 } // namespace

@@ -1,10 +1,7 @@
-// Sine, cosine and tangent over the whole range of floats, in double with a correction; hyperbolic functions in
-// extended precision.
-//
-// n = round(x * 32/pi), r = x - n pi/32 as a high and a low part, and with S, C the sine and cosine of n pi/32
-//   sin x = S + (S (p(r^2) - 1) + C r q(r^2)),  p(z) = cos sqrt z,  q(z) = sin(sqrt z) / sqrt z.
-// From 2^17 on x is first reduced by multiples of pi/2, by a product with enough bits of 2/pi (Payne and
-// Hanek, SIGNUM Newsletter 18, 1983). Sums and products of pairs are Knuth's and Dekker's (Numer. Math. 18, 1971).
+// What sine, cosine and tangent over the whole range of floats need beside vectors, the table of a turn and the
+// reduction of large arguments by a product with enough bits of 2/pi (Payne and Hanek, SIGNUM Newsletter 18, 1983);
+// hyperbolic functions in extended precision. Sums and products of pairs are Knuth's and Dekker's (Numer. Math. 18,
+// 1971).
 #include "elementary/tables.h"
 
 namespace {
@@ -79,47 +76,29 @@ constexpr Turn makeTurn()
 }
 constexpr Turn kTurn = makeTurn(); // sine[k] = sin(k pi/32); the cosine of a row is the sine 16 rows on
 
-// ---- Reduction ------------------------------------------------------------------------------------------------------
-
-// x = n pi/32 + hi + lo.
-struct Reduced {
-    int n;
-    double hi, lo;
-};
-
-constexpr double kTurnsPerUnit = 10.185916357881302; // 32/pi
-constexpr double kStep = 0x1.921fb544p-4;            // pi/32, its first 31 bits, exact times 21 bits
-constexpr double kStepLow = 3.798187816439979e-12;   // the rest of it
-
-Reduced reduceMiddle(double hi, double lo)
+constexpr qvrTurnRow turnRow(int k)
 {
-    const int n = static_cast<int>(hi * kTurnsPerUnit + __builtin_copysign(0.5, hi));
-    const double a = hi - n * kStep, b = n * kStepLow;
-    const double r = a - b;
-    return {n, r, ((a - r) - b) + lo};
+    const Pair s = kTurn.sine[k], c = kTurn.sine[(k + 16) & 63];
+    return {s.hi, s.lo, c.hi, c.lo};
 }
 
-// The bits of 2/pi behind the binary point.
-constexpr uint64_t kTwoOverPi[] = {0xA2F9836E4E441529, 0xFC2757D1F534DDC0, 0xDB6295993C439041, 0xFE5163ABDEBBC561};
+// ---- Reduction ------------------------------------------------------------------------------------------------------
 
-// |x| >= 2^17. With x = m 2^e, the bits of 2/pi that stand for multiples of 4 drop out of the product; the 128 after
-// them leave an error below 2^-100 of a quadrant.
-Reduced reduceLarge(double x)
+// The bits of 2/pi from 64 places before the binary point on.
+constexpr uint64_t kTwoOverPi[] = {0, 0xA2F9836E4E441529, 0xFC2757D1F534DDC0, 0xDB6295993C439041, 0xFE5163ABDEBBC561};
+
+// With |x| = m 2^e, the bits of 2/pi that stand for multiples of 4 drop out of the product; the 128 after them leave an
+// error below 2^-100 of a quadrant.
+void reduceLarge(double& x, double& low, int32_t& turns)
 {
     const uint64_t word = __builtin_bit_cast(uint64_t, x);
     const int exponent = static_cast<int>(word >> 52 & 0x7FF) - 1023;
     const uint64_t m = (word >> 29 & 0x7FFFFF) | 0x800000; // the 24 bits of a float; e = exponent - 23
-    const int skip = exponent - 23 - 2;                    // bits of 2/pi before the window
+    const int skip = exponent - 23 - 2 + 64;               // bits before the window
+    const int at = skip / 64, shift = skip % 64;
     using U = unsigned __int128;
-    U window;
-    if (skip < 0) {
-        window = ((static_cast<U>(kTwoOverPi[0]) << 64) | kTwoOverPi[1]) >> -skip;
-    } else {
-        const int at = skip / 64, shift = skip % 64;
-        window = (static_cast<U>(kTwoOverPi[at]) << 64) | kTwoOverPi[at + 1];
-        if (shift)
-            window = (window << shift) | (kTwoOverPi[at + 2] >> (64 - shift));
-    }
+    const U window = (((static_cast<U>(kTwoOverPi[at]) << 64) | kTwoOverPi[at + 1]) << shift) |
+                     (kTwoOverPi[at + 2] >> 1 >> (63 - shift));
     const U product = window * m; // in units of 2^-126 quadrants, modulo 4
     const int quadrant = static_cast<int>((product >> 126) + ((product >> 125) & 1)) & 3; // to nearest
     // The signed distance in units of 2^-128 quadrants: 53 bits that a double holds exactly, and the rest.
@@ -128,27 +107,12 @@ Reduced reduceLarge(double x)
     const double hi = static_cast<double>(top) * 0x1p-64;
     const __int128 below = rest - static_cast<__int128>(static_cast<U>(static_cast<__int128>(top)) << 64);
     const double lo = static_cast<double>(static_cast<int64_t>(below >> 12)) * 0x1p-116;
-    const double sign = x < 0 ? -1.0 : 1.0;
+    const double sign = __builtin_copysign(1.0, x);
     // times pi/2
     const Pair p = twoProduct(hi, 1.5707963267948966);
-    Reduced r = reduceMiddle(sign * p.hi, sign * (p.lo + hi * 6.123233995736766e-17 + lo * 1.5707963267948966));
-    r.n += (x < 0 ? -quadrant : quadrant) * 16;
-    return r;
-}
-
-Reduced reduce(double x)
-{
-    return __builtin_fabs(x) < 0x1p17 ? reduceMiddle(x, 0) : reduceLarge(x);
-}
-
-// sin(n pi/32 + hi + lo)
-double sineAt(int n, double hi, double lo)
-{
-    const Pair s = kTurn.sine[n & 63], c = kTurn.sine[(n + 16) & 63];
-    const double z = hi * hi;
-    const double p = z * (-0.5 + z * (1.0 / 24 + z * (-1.0 / 720 + z * (1.0 / 40320))));
-    const double q = z * (-1.0 / 6 + z * (1.0 / 120 + z * (-1.0 / 5040 + z * (1.0 / 362880))));
-    return s.hi + (c.hi * hi + (s.hi * p + c.hi * hi * q + (s.lo + c.hi * lo + c.lo * hi)));
+    low = sign * (p.lo + hi * 6.123233995736766e-17 + lo * 1.5707963267948966);
+    turns = 16 * (x < 0 ? -quadrant : quadrant);
+    x = sign * p.hi;
 }
 
 // ---- Extended precision ---------------------------------------------------------------------------------------------
@@ -220,26 +184,13 @@ float guardedHyperbolic(float x, bool sine, uint32_t rounding)
 
 extern "C" {
 
-double qvrWideSin(double x)
-{
-    if (__builtin_fabs(x) < 0x1p-252) // a zero keeps its sign
-        return x;
-    const Reduced r = reduce(x);
-    return sineAt(r.n, r.hi, r.lo);
-}
+alignas(64) constexpr qvrTurnRow qvrTurnTable[64] = {QVR_ROW64(turnRow, 0)};
 
-double qvrWideCos(double x)
+void qvrReduceLarge(double* x, double* low, int32_t* turns, int n)
 {
-    const Reduced r = reduce(x);
-    return sineAt(r.n + 16, r.hi, r.lo);
-}
-
-double qvrWideTan(double x)
-{
-    if (__builtin_fabs(x) < 0x1p-252)
-        return x;
-    const Reduced r = reduce(x);
-    return sineAt(r.n, r.hi, r.lo) / sineAt(r.n + 16, r.hi, r.lo);
+    for (int i = 0; i < n; i++)
+        if (__builtin_fabs(x[i]) >= 0x1p17)
+            reduceLarge(x[i], low[i], turns[i]);
 }
 
 float qvrWideSinh(float x, uint32_t rounding)

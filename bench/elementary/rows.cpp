@@ -134,6 +134,9 @@ void pairs(const Sink& sink, const char* name, F* exported, Call call, Peers pee
 
 #define UNARY(name, ...)                                                                                               \
     addRow({#name, "", kFamily, "elementary", [](const Sink& sink) { unary<Morven_##name>(sink, #name, __VA_ARGS__); }})
+#define UNARY_VARIANT(name, variant, ...)                                                                              \
+    addRow({#name, variant, kFamily, "elementary",                                                                     \
+            [](const Sink& sink) { unary<Morven_##name>(sink, #name, __VA_ARGS__); }})
 #define BINARY(name, ...)                                                                                              \
     addRow(                                                                                                            \
         {#name, "", kFamily, "elementary", [](const Sink& sink) { binary<Morven_##name>(sink, #name, __VA_ARGS__); }})
@@ -146,6 +149,10 @@ const bool registered[] = {
     UNARY(qvrsSin_32f_A11, "Sin", Data::angles),
     UNARY(qvrsCos_32f_A11, "Cos", Data::angles),
     UNARY(qvrsTan_32f_A11, "Tan", Data::fraction),
+    // Beyond what the block path takes.
+    UNARY_VARIANT(qvrsSin_32f_A11, "to 30000", "Sin", Data::samples),
+    UNARY_VARIANT(qvrsCos_32f_A11, "to 30000", "Cos", Data::samples),
+    UNARY_VARIANT(qvrsTan_32f_A11, "to 30000", "Tan", Data::samples),
     UNARY(qvrsAsin_32f_A11, "Asin", Data::fraction),
     UNARY(qvrsAcos_32f_A11, "Acos", Data::fraction),
     UNARY(qvrsAtan_32f_A11, "Atan", Data::angles),

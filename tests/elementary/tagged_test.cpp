@@ -1,3 +1,5 @@
+#include <xmmintrin.h>
+
 #include "elementary/kernels.h"
 #include "elementary/slot_tables.h"
 #include "elementary/tables.h"
@@ -335,6 +337,60 @@ TEST(Tagged, BlockOfAWideArgumentIsAccurate)
         EXPECT_EQ(sinKernels[slot][a11](x, y, 8), qvrOk);
         for (int i = 0; i < 8; i++)
             EXPECT_TRUE(good(y[i], sinl(x[i]), a24, 0)) << i;
+    }
+}
+
+// Beyond the largest limit every slot and class gives the same bits, in arrays as alone, whatever the caller's
+// environment: what is special for the reduction (from 2^17 on), and what is no finite number, stands anywhere.
+TEST(Tagged, WideArgumentsAreOneRoutine)
+{
+    std::vector<float> x;
+    for (uint32_t k = 0; k < 1500; k++) {
+        const uint32_t sign = (k * 2654435761u) & 0x80000000;
+        const float wide = 10000.5f + static_cast<float>((k * 40503u) % 500009) * 0.5f;
+        x.push_back(floatOf(bitsOf(k % 3 ? wide : wide * 1e4f) | sign));
+        if (k % 31 == 0)
+            x.push_back(floatOf(0x46200000 + k * 0x00ED3C1B % 0x39600000));
+        if (k % 97 == 0)
+            x.push_back(k % 2 ? INFINITY : NAN);
+    }
+    const unsigned saved = _mm_getcsr();
+    for (const char* name : {"Sin", "Cos", "Tan"}) {
+        const Function1& f = functionNamed(name);
+        for (unsigned environment : {0x1F80u, 0x3F80u, 0x5F80u, 0x7F80u, 0x9FC0u}) {
+            std::vector<float> alone(x.size()), y(x.size());
+            _mm_setcsr(environment);
+            for (size_t i = 0; i < x.size(); i++)
+                f.kernels[slots::mx][a24](&x[i], &alone[i], 1);
+            _mm_setcsr(saved);
+            if (environment == 0x1F80)
+                for (size_t i = 0; i < x.size(); i++)
+                    if (std::isfinite(x[i]))
+                        ASSERT_TRUE(good(alone[i], f.model(x[i]), a24, 0)) << x[i] << " gave " << alone[i];
+            eachKernel(f, [&](Kernel1* kernel, int, Class) {
+                for (int n : {1, 2, 3, 5, 8, 15, 100, 1500}) {
+                    _mm_setcsr(environment);
+                    const qvrStatus status = kernel(x.data() + n % 7, y.data() + n % 5, n);
+                    _mm_setcsr(saved);
+                    bool infinite = false;
+                    for (int i = 0; i < n; i++) {
+                        infinite |= std::isinf(x[i + n % 7]);
+                        ASSERT_EQ(bitsOf(y[i + n % 5]), bitsOf(alone[i + n % 7])) << x[i + n % 7] << " of " << n;
+                    }
+                    ASSERT_EQ(status, infinite ? qvrWarnDomain : qvrOk);
+                }
+            });
+        }
+        // A denormal neighbour, which the caller takes for a zero, is one here too, with its sign.
+        const float mixed[] = {20000.5f, -1e-40f, 1e-40f, 3e5f, -1e-45f};
+        eachKernel(f, [&](Kernel1* kernel, int, Class) {
+            float y[5];
+            _mm_setcsr(0x9FC0);
+            kernel(mixed, y, 5);
+            _mm_setcsr(saved);
+            for (int i : {1, 2, 4})
+                ASSERT_EQ(bitsOf(y[i]) | 0x80000000, f.name[0] == 'C' ? 0xBF800000 : 0x80000000) << i;
+        });
     }
 }
 
