@@ -1,21 +1,15 @@
 // Palettes: dst = table[src & (2^bits - 1)].
+#include "frame/element.h"
 #include "image/rows.h"
 
 namespace {
 
-// Two loads for a pixel are what limits this, so nothing is gathered into vectors.
+// A load for the pixel and one for the entry: gathers cost more.
 template<class S, class T> void lookUpRow(const S* src, T* dst, const T* table, unsigned mask, Index n)
 {
-    const auto entry = [&](Index x) { store(dst + x, load<Vec<T, 1>>(table + (load<Vec<S, 1>>(src + x)[0] & mask))); };
-    Index x = 0;
-    for (; x + 4 <= n; x += 4) {
-        entry(x);
-        entry(x + 1);
-        entry(x + 2);
-        entry(x + 3);
-    }
-    for (; x < n; x++)
-        entry(x);
+#pragma clang loop unroll_count(8)
+    for (Index x = 0; x < n; x++)
+        put(dst, x, get(table, get(src, x) & mask));
 }
 
 // Bytes to bytes by shuffles: the table in blocks of 16, of which each pixel belongs to one. Less than 16 off its
