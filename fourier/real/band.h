@@ -21,7 +21,7 @@ template<bool Swap, class T> void runColumns(const ColumnsCall<T>& call)
                 x[leg] = load<V>(call.src + 2 * (8 * (i + leg * legs) + c));
             pairsDft<R, Swap>(x);
             T* base = call.area + 2 * c * points + 2 * R * place.value;
-            scatterPairs<Swap, T>(x, [&](int l) { return base + 2 * l * points; });
+            scatterPairs<Swap, false, T>(x, [&](int l) { return base + 2 * l * points; });
         }
 }
 

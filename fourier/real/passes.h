@@ -410,27 +410,52 @@ template<int LaneBits, class T, class Body> QVR_INLINE void eachFirst(const Firs
     }
 }
 
-// Stores x[0 .. R - 1] of each of W / 2 indices, pairs of index l in place l, as groups; swapped for the inverse.
-template<bool Swap, class T, class Place> QVR_INLINE void scatterPairs(const Full<T>* x, const Place& place)
+// Stores x[0 .. R - 1] of each of W / 2 indices, pairs of index l in place l, as groups; swapped for the inverse. With
+// Halves, halves of vectors are stored where they belong, which takes the place of shuffles.
+template<bool Swap, bool Halves, class T, class Place>
+QVR_INLINE void scatterPairs(const Full<T>* x, const Place& place)
 {
     using V = Full<T>;
-    constexpr int W = kLanes<T>;
+    constexpr int W = kLanes<T>, block = Halves ? static_cast<int>(16 / sizeof(T)) : W;
 #pragma clang loop unroll(full)
     for (int g = 0; g < kFirstRadix; g += W) {
         V r[W];
 #pragma clang loop unroll(full)
         for (int j = 0; j < W; j++)
             r[j] = x[g + laneIndex<V>(j)];
-        transpose(r);
+        if constexpr (W == block)
+            transpose(r);
+        else
+            for (int j = 0; j < W; j += block)
+                transposeBlocks(r + j);
 #pragma clang loop unroll(full)
-        for (int l = 0; l < W / 2; l++)
-            storeGroup<false>(place(l) + 2 * g, swapIf<Swap>(Cx<V>{r[2 * l], r[2 * l + 1]}));
+        for (int l = 0; l < block / 2; l++) {
+            const Cx<V> first = swapIf<Swap>(Cx<V>{r[2 * l], r[2 * l + 1]});
+            if constexpr (W == block) {
+                storeGroup<false>(place(l) + 2 * g, first);
+            } else {
+                const Cx<V> second = swapIf<Swap>(Cx<V>{r[block + 2 * l], r[block + 2 * l + 1]});
+                T *const low = place(l) + 2 * g, *const high = place(l + block / 2) + 2 * g;
+                store(low, lo(first.re));
+                store(low + W, lo(first.im));
+                store(high, hi(first.re));
+                store(high + W, hi(first.im));
+                __asm__ volatile("" : : : "memory"); // else the compiler joins halves by shuffles after all
+                store(low + block, lo(second.re));
+                store(low + W + block, lo(second.im));
+                store(high + block, hi(second.re));
+                store(high + W + block, hi(second.im));
+            }
+        }
     }
 }
 
+// Up to this order results lie in the first cache, where more stores cost less than shuffles.
+template<class T> constexpr int kHalvesUpTo = !kAvx ? 0 : sizeof(T) == 4 ? 11 : 10;
+
 // On pairs: sixteen legs fit the sixteen registers, and the transposition parts re from im. The inverse has its turns
 // the other way, and re and im exchanged in the groups.
-template<bool Swap, class T> void runFirst(const FirstCall<T>& call)
+template<bool Swap, bool Halves, class T> inline void firstPass(const FirstCall<T>& call)
 {
     using V = Full<T>;
     constexpr int W = kLanes<T>, R = kFirstRadix, laneBits = W == 8 ? 2 : W == 4 ? 1 : 0;
@@ -440,8 +465,15 @@ template<bool Swap, class T> void runFirst(const FirstCall<T>& call)
         for (int c = 0; c < R; c++)
             x[c] = load<V>(src + c * leg);
         pairsDft<R, Swap>(x);
-        scatterPairs<Swap, T>(x, [&](int l) { return base + reversedBits(l, laneBits) * laneStep; });
+        scatterPairs<Swap, Halves, T>(x, [&](int l) { return base + reversedBits(l, laneBits) * laneStep; });
     });
+}
+template<bool Swap, class T> void runFirst(const FirstCall<T>& call)
+{
+    if (call.m <= kHalvesUpTo<T>)
+        firstPass<Swap, kAvx, T>(call);
+    else
+        firstPass<Swap, false, T>(call);
 }
 
 // The same on points already reversed, in place.
@@ -463,7 +495,7 @@ template<bool Swap, class T> void runFirstReversed(T* data, Index points)
                 x[reversedBits(g + j, kFirstOrder)] = bitcast<V>(r[j]);
         }
         pairsDft<R, Swap>(x);
-        scatterPairs<Swap, T>(x, [&](int l) { return p + 2 * l * R; });
+        scatterPairs<Swap, false, T>(x, [&](int l) { return p + 2 * l * R; });
     }
 }
 

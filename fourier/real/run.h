@@ -90,25 +90,31 @@ void runStrip(const FftRun<T>& run, int index, const T* in, T* out, Index k, Ind
     }
 }
 
-// One sweep over `points` points.
+// A sweep of several stages over 2^order points.
 template<class T>
-inline void runSweep(const FftRun<T>& run, int index, const T* in, T* out, Index points, Output output)
+__attribute__((noinline)) void runStrips(const FftRun<T>& run, int index, const T* in, T* out, int order, Output output)
 {
     const FftSweep& sweep = run.plan.sweep[index];
-    const Index length = Index{1} << sweep.from;
-    if (sweep.stages == 1) {
-        const Index radix = Index{1} << sweep.radixOrder[0];
-        runStage(run, sweep, 0, output,
-                 StageCall<T>{in, out, 2 * length, 2 * length, length, 1, 0, 0, points / (radix * length),
-                              2 * radix * length, 2 * radix * length, run.spec.pSweepTables[index], run.factor});
-        return;
-    }
     alignas(64) T stackTile[kTileBytes / sizeof(T)];
     T* const tile = sweepOrder(sweep) <= kStackTileOrder ? stackTile : run.work;
+    const Index length = Index{1} << sweep.from, points = Index{1} << order;
     const Index block = length << sweepOrder(sweep), columns = stripColumns<T>(sweep);
     for (Index b = 0; b < points; b += block)
         for (Index k = 0; k < length; k += columns)
             runStrip(run, index, in + 2 * b, out + 2 * b, k, columns, output, tile);
+}
+
+// One sweep over 2^order points.
+template<class T> inline void runSweep(const FftRun<T>& run, int index, const T* in, T* out, int order, Output output)
+{
+    const FftSweep& sweep = run.plan.sweep[index];
+    if (sweep.stages > 1)
+        return runStrips(run, index, in, out, order, output);
+    const Index length = Index{1} << sweep.from;
+    const int block = sweep.from + sweep.radixOrder[0];
+    runStage(run, sweep, 0, output,
+             StageCall<T>{in, out, 2 * length, 2 * length, length, 1, 0, 0, Index{1} << (order - block),
+                          Index{2} << block, Index{2} << block, run.spec.pSweepTables[index], run.factor});
 }
 
 // The recombination of an inverse transform and its first pass, by the same pairing of the pass' legs. Columns of both
@@ -163,7 +169,7 @@ template<class T> inline void runLevelSweeps(const FftRun<T>& run, int index, T*
     const int end = level.sweep + level.sweeps;
     for (int i = level.sweep; i < end; i++) {
         const bool last = i + 1 == end;
-        runSweep(run, i, area, last ? out : area, Index{1} << level.order, last ? output : Output::groups);
+        runSweep(run, i, area, last ? out : area, level.order, last ? output : Output::groups);
     }
 }
 
