@@ -98,9 +98,10 @@ template<class S, class F> QVR_INLINE void layPixels(const qvrColumns* c, Index 
 template<class T, class S> QVR_APART void fetch(const qvrColumns* c, const char* row, Index from, Index n, S* to)
 {
     layPixels(c, from, n, to, [&](Index at, Index count, S* inside) {
-        const T* const p = reinterpret_cast<const T*>(row) + at;
+        const char* const first = row + at * static_cast<Index>(sizeof(T));
+        const T* const p = reinterpret_cast<const T*>(first);
         if constexpr (sizeof(T) == sizeof(S))
-            __builtin_memcpy(inside, p, static_cast<size_t>(count) * sizeof(T));
+            __builtin_memcpy(inside, first, static_cast<size_t>(count) * sizeof(T)); // first may have any address
         else
             eachBlock<S>(count, [&]<int N>(Index i) { store(inside + i, widened<S>(load<Vec<T, N>>(p + i))); });
     });
@@ -734,9 +735,9 @@ template<class T, int NC, int NT> void filterRow(const qvrColumns* c, const T* r
     // A single column outside: no difference is formed.
     if constexpr (NT == 2) {
         for (Index x = 0; x < c->width && c->first[x] < 0; x++)
-            line[x] = row[0];
+            line[x] = get(row, 0);
         for (Index x = c->width; x > 0 && c->first[x - 1] >= c->length - 1; x--)
-            line[x - 1] = row[c->length - 1];
+            line[x - 1] = get(row, c->length - 1);
     }
 }
 template<class T, int NC> void filterTaps(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
