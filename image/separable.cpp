@@ -398,10 +398,10 @@ double added(const qvrRowKernels* k, double sum, double line, double weight)
 void storeSum(const qvrRowKernels* k, double sum, char* to)
 {
     const float single = static_cast<float>(sum);
-    const int rounded = static_cast<int>(static_cast<double>(single) + 0.5000001);
-    if (k->elementBytes == 1)
+    if (k->elementBytes == 1) {
+        const int rounded = static_cast<int>(static_cast<double>(single) + 0.5000001);
         *reinterpret_cast<uint8_t*>(to) = static_cast<uint8_t>(rounded < 0 ? 0 : rounded > 255 ? 255 : rounded);
-    else if (k->elementBytes == 4)
+    } else if (k->elementBytes == 4)
         __builtin_memcpy(to, &single, 4);
     else
         __builtin_memcpy(to, &sum, 8);
