@@ -204,6 +204,14 @@ template<class T> QVR_INLINE void transposePoints(Full<double>* r)
     }
 }
 
+template<class T> inline void scalePoints(T* data, Index points, T factor)
+{
+    using V = Full<T>;
+    const V f = splat<V>(factor);
+    for (Index i = 0; i < 2 * points; i += kLanes<T>)
+        store(data + i, load<V>(data + i) * f);
+}
+
 } // namespace
 
 #endif

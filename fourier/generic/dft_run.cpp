@@ -256,21 +256,20 @@ qvrStatus complexForm(const qvrsDFTSpec& spec, const float* src, float* dst, flo
     return qvrOk;
 }
 
-// The spectrum of half the length, times kBeforeRecombination, in dst to that of the real values, in place.
-void recombineAny(float* dst, Index half, const float* table)
+// The spectrum of half the length in dst to that of the real values times a factor, in place.
+void recombineAny(float* dst, Index half, const float* table, float factor)
 {
     const Cx<S> first = loadPoint(dst, 0);
     const Index count = (half - 1) / 2;
     float *const a = dst + 2, *const b = dst + 2 * (half - count);
-    RecombineCall<float> call = {a, b, a, b, 1, count, table, 0};
+    RecombineCall<float> call = {a, b, a, b, 1, count, table, 0, 0.5f * factor};
     fftKernels<float>().recombine[0][0](call);
-    const S back = {1 / kBeforeRecombination<float>};
     if (half % 2 == 0) {
-        put(dst, half, get(dst, half) * back[0]);
-        put(dst, half + 1, -get(dst, half + 1) * back[0]);
+        put(dst, half, get(dst, half) * factor);
+        put(dst, half + 1, -get(dst, half + 1) * factor);
     }
-    storePoint(dst, 0, {(first.re + first.im) * back, S{}});
-    storePoint(dst, half, {(first.re - first.im) * back, S{}});
+    storePoint(dst, 0, {(first.re + first.im) * factor, S{}});
+    storePoint(dst, half, {(first.re - first.im) * factor, S{}});
 }
 
 // Work memory of one call, the caller's or our own.
@@ -336,10 +335,9 @@ qvrStatus SLOT(ownqvrsDFTFwd_RToCCS_32f)(const float* pSrc, float* pDst, const q
         if (spec.len <= kStraightMost) {
             SLOT(ownqvrsDFTStraight_R)(pSrc, pDst, spec.len, out.factor);
         } else if (spec.odd == 0) {
-            if (const qvrStatus status =
-                    complexForm(spec, pSrc, pDst, work, {kBeforeRecombination<float> * out.factor, out.sign}))
+            if (const qvrStatus status = complexForm(spec, pSrc, pDst, work, {1.0f, out.sign}))
                 return status;
-            recombineAny(pDst, spec.points, spec.pRecombInv);
+            recombineAny(pDst, spec.points, spec.pRecombInv, out.factor);
         } else if (spec.isFactored != 0) {
             mixedRadixReal(spec, pSrc, pDst, work, out);
         } else if (spec.pDirectTable != nullptr) {

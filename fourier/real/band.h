@@ -25,7 +25,7 @@ template<bool Swap, class T> void runColumns(const ColumnsCall<T>& call)
         }
 }
 
-template<bool Swap, class T> void runTop(const TopCall<T>& call)
+template<Finish F, class T> void runTop(const TopCall<T>& call)
 {
     using V = Full<T>;
     constexpr int W = kLanes<T>;
@@ -41,7 +41,7 @@ template<bool Swap, class T> void runTop(const TopCall<T>& call)
         dft8(x);
 #pragma clang loop unroll(full)
         for (int c = 0; c < 8; c++)
-            finish<Swap ? Finish::swappedPairs : Finish::pairs>(call.dst + 2 * (c * call.columns + j), x[c], factor);
+            finish<F>(call.dst + 2 * (c * call.columns + j), x[c], factor);
     }
 }
 

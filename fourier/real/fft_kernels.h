@@ -38,22 +38,25 @@ template<class T> constexpr FftKernels<T> makeKernels()
     k.deal = dealRows<T>;
     k.reverse = reverseInPlaceByTiles<T>;
     constexpr bool four = inSteps(2, formProducts), eight = inSteps(3, formProducts);
-    const auto stages = [&]<Finish F>(auto& of) {
+    const auto stages = [&]<Finish F>() {
+        auto& of = k.stage[static_cast<int>(F)];
         of[formProducts][0] = runStage<4, four, F, T>;
         of[formProducts][1] = runStage<8, eight, F, T>;
         of[formSteps][0] = runStage<4, true, F, T>;
         of[formSteps][1] = runStage<8, true, F, T>;
     };
-    stages.template operator()<Finish::groups>(k.stage);
-    stages.template operator()<Finish::pairs>(k.last[0]);
-    stages.template operator()<Finish::swappedPairs>(k.last[1]);
+    stages.template operator()<Finish::groups>();
+    stages.template operator()<Finish::pairs>();
+    stages.template operator()<Finish::swapped>();
+    stages.template operator()<Finish::scaled>();
     k.fillSweep = fillSweep<T>;
     if constexpr (kLanes<T> <= 4 && !kAvx) {
         k.fillTopTable = fillTopTable<T>;
         k.columns[0] = runColumns<false, T>;
         k.columns[1] = runColumns<true, T>;
-        k.top[0] = runTop<false, T>;
-        k.top[1] = runTop<true, T>;
+        k.top[static_cast<int>(Finish::pairs)] = runTop<Finish::pairs, T>;
+        k.top[static_cast<int>(Finish::swapped)] = runTop<Finish::swapped, T>;
+        k.top[static_cast<int>(Finish::scaled)] = runTop<Finish::scaled, T>;
     }
     return k;
 }

@@ -189,14 +189,6 @@ template<bool Inverse, class T> inline void sweep(T* data, int from, int to, con
 
 // ---- Whole transforms -----------------------------------------------------------------------------------------------
 
-template<class T> inline void scalePoints(T* data, Index points, T factor)
-{
-    using V = Full<T>;
-    const V f = splat<V>(factor);
-    for (Index i = 0; i < 2 * points; i += kLanes<T>)
-        store(data + i, load<V>(data + i) * f);
-}
-
 template<bool Inverse, class T> inline void kernelScaled(T* data, int m, const T* table, int tableOrder, T factor)
 {
     radix4Kernel<Inverse>(data, m, table, tableOrder);

@@ -21,7 +21,7 @@ template<class T> struct StageCall {
     Index rows, inRow, outRow;       // rows of columns, each with twiddles of its own
     Index blocks, inBlock, outBlock; // repetitions of all of it with the same twiddles
     const T* twiddles;
-    T factor; // of a last stage
+    T factor; // of a scaled last stage
 };
 
 // `count` indices from `from` on of the first pass: legs `leg` points apart, the first at src; 2^m points in all.
@@ -33,20 +33,16 @@ template<class T> struct FirstCall {
     Index from, count;
 };
 
-// Bins k .. k + count - 1 at a, their partners M - k - count + 1 .. M - k at b; forward, those of Z times
-// kBeforeRecombination. With k = 0, count is
-// whole vectors, and the partner of bin 0 is not in memory: `last`, Re X[N/2], comes in or goes out.
+// Bins k .. k + count - 1 at a, their partners M - k - count + 1 .. M - k at b. With k = 0, count is whole vectors, and
+// the partner of bin 0 is not in memory: `last`, Re X[N/2], comes in or goes out. Forward, all of Z is multiplied by
+// `factor`, a half times what scales.
 template<class T> struct RecombineCall {
     const T *aIn, *bIn;
     T *aOut, *bOut;
     Index k, count;
     const T* table;
-    T last;
+    T last, factor;
 };
-
-// What the forward recombination wants Z multiplied by. The first generation, where that would be one more pass over
-// all points, leaves it to the recombination.
-template<class T> constexpr T kBeforeRecombination = kFirstGeneration ? T(1) : T(0.5);
 
 // Four columns of eight: points c + 8 n of src, to the groups of column c at area.
 template<class T> struct ColumnsCall {
@@ -88,19 +84,23 @@ template<class T> constexpr InRegisters kInRegisters = {!kFma && kLanes<T> <= 4 
 // Forms of a stage: products first, or a chain of radix-2 steps.
 enum : int { formProducts, formSteps };
 
+// What a last stage leaves: groups to the next one, pairs, those of the inverse, which are swapped, and those times a
+// factor.
+enum class Finish { groups, pairs, swapped, scaled };
+constexpr int kFinishes = 4;
+
 template<class T> struct FftKernels {
     void (*first[2])(const FirstCall<T>&);                      // by swap
     void (*firstReversed[2])(T* data, Index points);            // by swap
-    void (*stage[2][2])(const StageCall<T>&);                   // by form, radix 4 and 8
-    void (*last[2][2][2])(const StageCall<T>&);                 // by swap, form, radix
+    void (*stage[kFinishes][2][2])(const StageCall<T>&);        // by finish, form, radix 4 and 8
     void (*recombine[2][2])(RecombineCall<T>&);                 // forward and inverse, table of one and of two levels
-    void (*straight[2])(int m, const T* src, T* dst, T factor); // by swap: 16, 32, 64 points
+    void (*straight[2])(int m, const T* src, T* dst, T factor); // by swap, which scales: 16, 32, 64 points
     void (*straightForward)(int m, const T* src, T* dst, T factor);         // to the packed spectrum
     void (*straightInverse)(int m, const T* src, T last, T* dst, T factor); // from bins and Re X[N/2]
     void (*deal)(const T* src, T* dst, int m, int f, Index from, Index count);
     void (*reverse)(T* data, int m, T* work);
-    void (*columns[2])(const ColumnsCall<T>&); // by swap; the threaded band
-    void (*top[2])(const TopCall<T>&);
+    void (*columns[2])(const ColumnsCall<T>&);          // by swap; the threaded band
+    void (*top[kFinishes])(const TopCall<T>&);          // by finish; none to groups
     void (*firstGeneration[2])(const FirstGenCall<T>&); // forward, inverse
     // The tables that they read (fill.h).
     void (*fillQuarter)(T* s, int order);

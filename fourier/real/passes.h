@@ -291,15 +291,14 @@ template<int R, bool Steps, class V> QVR_INLINE void butterfly(Cx<V>* x, const E
     }
 }
 
-// Groups to groups, or to pairs (swapped for the inverse) times a factor.
-enum class Finish { groups, pairs, swappedPairs };
-
 template<Finish F, class V> QVR_INLINE void finish(Elem<V>* p, Cx<V> z, V factor)
 {
     if constexpr (F == Finish::groups)
         storeGroup<false>(p, z);
+    else if constexpr (F == Finish::scaled)
+        storePairs(p, Cx<V>{z.im * factor, z.re * factor});
     else
-        storePairs(p, swapIf < F == Finish::swappedPairs > (Cx<V>{z.re * factor, z.im * factor}));
+        storePairs(p, swapIf < F == Finish::swapped > (z));
 }
 
 template<int R, bool Steps, Finish F, class T> void runStage(const StageCall<T>& args)

@@ -50,12 +50,11 @@ template<class T> inline qvrStatus forwardPacked(const T* pSrc, T* pDst, const S
     if (const qvrStatus status = checkTransform<T>(pSpec, pSrc, pDst))
         return status;
     const SpecType<T>& spec = *pSpec;
-    // The recombination wants Z halved.
     if (classOf<T>(spec.order) == FftClass::real) {
         realForwardOf<T>(spec.order, pSrc, pDst, spec.normFactor, spec.doFwdScale != 0);
         return qvrOk;
     }
-    const T factor = kBeforeRecombination<T> * (spec.doFwdScale != 0 ? spec.normFactor : T(1));
+    const T factor = spec.doFwdScale != 0 ? spec.normFactor : T(1);
     Work<T> work;
     if (const qvrStatus status = takeWork<T>(spec, pBuffer, work))
         return status;

@@ -1,7 +1,7 @@
 // Recombination: the spectrum Z of z[n] = x[2n] + i x[2n+1] to the spectrum X of x, and back.
 //
 // With j = M - k, a and b the values at k and j, and e = exp(-2 pi i k / N): X[k] = (a + conj b)/2 - i e (a - conj
-// b)/2, X[j] the same with roles exchanged. The last stage has halved Z, so no step leaves the size of the bins. The
+// b)/2, X[j] the same with roles exchanged. Z is halved before it is added, so no step leaves the size of the bins. The
 // inverse makes 2 Z[k] = a + conj b + i conj(e) (a - conj b) of the bins. Bin 0 is its own partner forward, and its
 // imaginary part comes to nothing; back, its partner is X[M], and neither has an imaginary part.
 //
@@ -24,17 +24,20 @@ constexpr Index kFine = Index{1} << kFineOrder;
 
 template<bool Inverse, class C> QVR_INLINE void recombinePair(C& a, C& b, C w)
 {
-    using V = decltype(a.re);
-    if constexpr (!Inverse && kBeforeRecombination<Elem<V>> == 1) {
-        const V half = splat<V>(Elem<V>(0.5));
-        a = {a.re * half, a.im * half};
-        b = {b.re * half, b.im * half};
-    }
     const auto p = a.re - b.re, q = a.im + b.im, s = a.re + b.re, d = a.im - b.im;
     const auto t = fma(p, w.im, Inverse ? -(q * w.re) : q * w.re);
     const auto u = fma(q, w.im, Inverse ? p * w.re : -(p * w.re));
     a = {s + t, d + u};
     b = {s - t, u - d};
+}
+
+template<bool Inverse, class C> QVR_INLINE void scaleForward(C& a, C& b, Elem<decltype(C::re)> factor)
+{
+    if constexpr (!Inverse) {
+        const auto f = splat<decltype(C::re)>(factor);
+        a = {a.re * f, a.im * f};
+        b = {b.re * f, b.im * f};
+    }
 }
 
 template<bool TwoLevel, class V> QVR_INLINE Cx<V> recombinationTwiddle(const Elem<V>* table, Index k)
@@ -62,6 +65,7 @@ template<bool Inverse, bool TwoLevel, class T> QVR_INLINE void recombineOne(cons
     const Index back = 2 * (call.count - i - 1);
     Cx<S> a = {load<S>(call.aIn + 2 * i), load<S>(call.aIn + 2 * i + 1)};
     Cx<S> b = {load<S>(call.bIn + back), load<S>(call.bIn + back + 1)};
+    scaleForward<Inverse>(a, b, call.factor);
     recombinePair<Inverse>(a, b, recombinationTwiddle<TwoLevel, S>(call.table, call.k + i));
     store(call.aOut + 2 * i, a.re);
     store(call.aOut + 2 * i + 1, a.im);
@@ -101,9 +105,10 @@ template<class T> struct RecombineGroups {
     static constexpr Index points = kLanes<T>;
     Pairs<V> a, b;
 
-    template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k)
+    template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k, T factor)
     {
         Cx<V> x = split(a.v0, a.v1), y = splitReversed(b);
+        scaleForward<Inverse>(x, y, factor);
         recombinePair<Inverse>(x, y, recombinationTwiddle<TwoLevel, V>(table, k));
         a = join(x);
         b = joinReversed(y);
@@ -194,7 +199,7 @@ template<class T> struct RecombinePairs {
     static constexpr Index points = kLanes<T> / 2;
     V a, b;
 
-    template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k)
+    template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k, T factor)
     {
         V w;
         if constexpr (TwoLevel) {
@@ -211,13 +216,18 @@ template<class T> struct RecombinePairs {
             __asm__("" : "+r"(same));
             again = load<V>(same);
         }
-        V one = splat<V>(T(1));
+        V f = splat<V>(Inverse ? T(1) : factor), y = reversedPairs(b), v;
+        if constexpr (Inverse) {
+            v = subAdd(a, y);
+        } else {
+            y = y * f;
+            v = multiplySubAdd(a, f, y);
+        }
         // One fused operation in place of a sum, a difference and their blend; inverse transforms of doubles were
         // measured to lose by it.
         if constexpr (!Inverse || sizeof(T) == 4)
-            one = asOne(one);
-        const V y = reversedPairs(b), re = evenDup(w), im = oddDup(again);
-        const V v = subAdd(a, y), s = multiplyAddSub(a, one, y), e = exchanged(v) * re;
+            f = asOne(f);
+        const V re = evenDup(w), im = oddDup(again), s = multiplyAddSub(a, f, y), e = exchanged(v) * re;
         const V t = Inverse ? multiplySubAdd(v, im, e) : multiplyAddSub(v, im, e);
         a = s + t;
         b = reversedPairs(multiplyAddSub(t, alternating<V>(T(-1), T(1)), s));
@@ -250,7 +260,7 @@ template<bool Inverse, bool TwoLevel, class T> void recombineRange(RecombineCall
             step.loadA(call.aIn);
             step.loadLastB(call.bIn + 2 * (call.count - P), get(call.aIn, 0), get(call.aIn, 1));
         }
-        step.template work<Inverse, TwoLevel>(call.table, 0);
+        step.template work<Inverse, TwoLevel>(call.table, 0, call.factor);
         step.storeA(call.aOut);
         step.storeLastB(back);
         args.last = step.lastOfB();
@@ -258,6 +268,7 @@ template<bool Inverse, bool TwoLevel, class T> void recombineRange(RecombineCall
     }
     for (; (call.count - i) % P != 0; i++)
         recombineOne<Inverse, TwoLevel>(call, i);
+#pragma clang loop unroll_count(2)
     for (; i < call.count; i += P) {
         const Index k = call.k + i, back = 2 * (call.count - i - P);
         // A vector across the end of the fine entries has two coarse ones.
@@ -268,7 +279,7 @@ template<bool Inverse, bool TwoLevel, class T> void recombineRange(RecombineCall
         }
         step.loadA(call.aIn + 2 * i);
         step.loadB(call.bIn + back);
-        step.template work<Inverse, TwoLevel>(call.table, k);
+        step.template work<Inverse, TwoLevel>(call.table, k, call.factor);
         step.storeA(call.aOut + 2 * i);
         step.storeB(call.bOut + back);
     }

@@ -20,8 +20,9 @@ template<class T> struct FftRun {
     const FftKernels<T>& kernels;
     const FftSpec<T>& spec;
     const FftPlan& plan;
-    bool swap; // the inverse
-    T factor;  // multiplies the results
+    bool swap;     // the inverse
+    Finish finish; // of the last kernel
+    T factor;      // multiplies the results
     T* work;
 
     // X or 2 Z of bins k .. k + count - 1 and of their partners. Re X[N/2] goes in and out with bin 0.
@@ -29,7 +30,7 @@ template<class T> struct FftRun {
     {
         // By contract: pFwdRecomb holds the folded twiddles, with which values would be subtracted before they are
         // halved.
-        RecombineCall<T> call = {aIn, bIn, aOut, bOut, k, count, spec.pInvRecomb, last};
+        RecombineCall<T> call = {aIn, bIn, aOut, bOut, k, count, spec.pInvRecomb, last, T(0.5) * factor};
         kernels.recombine[swap][spec.order >= kFftLimits<T>.twoLevel](call);
         return call.last;
     }
@@ -42,20 +43,14 @@ template<class T> struct FftRun {
 
 template<class T> inline FftRun<T> makeRun(const FftSpec<T>& spec, bool inverse, T factor, T* work)
 {
-    return {fftKernels<T>(), spec, kFftPlans<T>.of[spec.order], inverse, factor, work};
+    const Finish finish = !inverse ? Finish::pairs : factor == 1 ? Finish::swapped : Finish::scaled;
+    return {fftKernels<T>(), spec, kFftPlans<T>.of[spec.order], inverse, finish, factor, work};
 }
 
-// Results as groups, or as pairs times the factor.
-enum class Output { groups, pairs };
-
 template<class T>
-inline void runStage(const FftRun<T>& run, const FftSweep& sweep, int stage, Output output, const StageCall<T>& call)
+inline void runStage(const FftRun<T>& run, const FftSweep& sweep, int stage, Finish finish, const StageCall<T>& call)
 {
-    const int radix = sweep.radixOrder[stage] - 2;
-    if (output == Output::groups)
-        run.kernels.stage[sweep.form][radix](call);
-    else
-        run.kernels.last[run.swap][sweep.form][radix](call);
+    run.kernels.stage[static_cast<int>(finish)][sweep.form][sweep.radixOrder[stage] - 2](call);
 }
 
 constexpr Index kFirstBlockBytes = 8192;
@@ -70,7 +65,7 @@ constexpr int kFirstJoinedFrom = 13;
 
 // The columns k .. k + columns - 1 of one strip, rows 2^from points apart.
 template<class T>
-void runStrip(const FftRun<T>& run, int index, const T* in, T* out, Index k, Index columns, Output output, T* tile)
+void runStrip(const FftRun<T>& run, int index, const T* in, T* out, Index k, Index columns, Finish output, T* tile)
 {
     const FftSweep& sweep = run.plan.sweep[index];
     const Index length = Index{1} << sweep.from;
@@ -81,7 +76,7 @@ void runStrip(const FftRun<T>& run, int index, const T* in, T* out, Index k, Ind
         const bool first = i == 0, last = i + 1 == sweep.stages;
         const Index radix = Index{1} << sweep.radixOrder[i];
         const Index inRow = 2 * (first ? length : columns), outRow = 2 * (last ? length : columns);
-        runStage(run, sweep, i, last ? output : Output::groups,
+        runStage(run, sweep, i, last ? output : Finish::groups,
                  StageCall<T>{first ? in + 2 * k : tile, last ? out + 2 * k : tile, done * inRow, done * outRow,
                               columns, done, inRow, outRow, rows / (radix * done), radix * done * inRow,
                               radix * done * outRow, twiddles, run.factor});
@@ -92,7 +87,7 @@ void runStrip(const FftRun<T>& run, int index, const T* in, T* out, Index k, Ind
 
 // A sweep of several stages over 2^order points.
 template<class T>
-__attribute__((noinline)) void runStrips(const FftRun<T>& run, int index, const T* in, T* out, int order, Output output)
+__attribute__((noinline)) void runStrips(const FftRun<T>& run, int index, const T* in, T* out, int order, Finish output)
 {
     const FftSweep& sweep = run.plan.sweep[index];
     alignas(64) T stackTile[kTileBytes / sizeof(T)];
@@ -105,7 +100,7 @@ __attribute__((noinline)) void runStrips(const FftRun<T>& run, int index, const 
 }
 
 // One sweep over 2^order points.
-template<class T> inline void runSweep(const FftRun<T>& run, int index, const T* in, T* out, int order, Output output)
+template<class T> inline void runSweep(const FftRun<T>& run, int index, const T* in, T* out, int order, Finish output)
 {
     const FftSweep& sweep = run.plan.sweep[index];
     if (sweep.stages > 1)
@@ -163,24 +158,24 @@ template<class T> void runFirstBlocks(const FftRun<T>& run, const T* src, T last
 }
 
 // The sweeps of a level over one of its blocks.
-template<class T> inline void runLevelSweeps(const FftRun<T>& run, int index, T* area, T* out, Output output)
+template<class T> inline void runLevelSweeps(const FftRun<T>& run, int index, T* area, T* out, Finish output)
 {
     const FftLevel& level = run.plan.level[index];
     const int end = level.sweep + level.sweeps;
     for (int i = level.sweep; i < end; i++) {
         const bool last = i + 1 == end;
-        runSweep(run, i, area, last ? out : area, level.order, last ? output : Output::groups);
+        runSweep(run, i, area, last ? out : area, level.order, last ? output : Finish::groups);
     }
 }
 
 // Everything of a row after its first pass.
-template<class T> inline void runRow(const FftRun<T>& run, T* area, T* out, Output output)
+template<class T> inline void runRow(const FftRun<T>& run, T* area, T* out, Finish output)
 {
     const int row = run.plan.row;
     if (row > 0) {
         const Index points = Index{1} << run.plan.level[row].order, inner = Index{1} << run.plan.level[0].order;
         for (Index b = 0; b < points; b += inner)
-            runLevelSweeps(run, 0, area + 2 * b, area + 2 * b, Output::groups);
+            runLevelSweeps(run, 0, area + 2 * b, area + 2 * b, Finish::groups);
     }
     runLevelSweeps(run, row, area, out, output);
 }
@@ -196,12 +191,12 @@ template<class T> void runSplit(const FftRun<T>& run, int index, T* data, bool d
             run.kernels.first[run.swap](FirstCall<T>{data, legs, run.work, plan.level[index].order, 0, legs});
         else
             run.kernels.firstReversed[run.swap](data, points);
-        return runRow(run, dealt ? run.work : data, data, index + 1 == plan.levels ? Output::pairs : Output::groups);
+        return runRow(run, dealt ? run.work : data, data, index + 1 == plan.levels ? run.finish : Finish::groups);
     }
     const Index inner = Index{1} << plan.level[index - 1].order;
     for (Index b = 0; b < points; b += inner)
         runSplit(run, index - 1, data + 2 * b, dealt);
-    runLevelSweeps(run, index, data, data, index + 1 == plan.levels ? Output::pairs : Output::groups);
+    runLevelSweeps(run, index, data, data, index + 1 == plan.levels ? run.finish : Finish::groups);
 }
 
 // ---- Threaded band --------------------------------------------------------------------------------------------------
@@ -220,12 +215,13 @@ template<class T> struct BandCall {
             T* const four = area + 8 * g * columns();
             run.kernels.columns[run.swap](ColumnsCall<T>{src + 8 * g, four, run.plan.order});
             for (int c = 0; c < 4; c++)
-                runRow(run, four + 2 * c * columns(), four + 2 * c * columns(), Output::groups);
+                runRow(run, four + 2 * c * columns(), four + 2 * c * columns(), Finish::groups);
         }
     }
     void top(Index first, Index count) const
     {
-        run.kernels.top[run.swap](TopCall<T>{area, dst, columns(), first, count, run.spec.pSweepTwiddle, run.factor});
+        run.kernels.top[static_cast<int>(run.finish)](
+            TopCall<T>{area, dst, columns(), first, count, run.spec.pSweepTwiddle, run.factor});
     }
     void columnsShare(int t, int threads) const
     {
@@ -258,7 +254,7 @@ template<class T> inline void runBand(const FftRun<T>& run, const T* src, T* are
 
 // ---- Whole transforms -----------------------------------------------------------------------------------------------
 
-// Points in natural order to pairs.
+// Points in natural order to pairs, forward without the factor.
 template<class T> inline void runComplex(const FftRun<T>& run, const T* src, T* dst, T* area)
 {
     const FftSpec<T>& spec = run.spec;
@@ -269,7 +265,8 @@ template<class T> inline void runComplex(const FftRun<T>& run, const T* src, T* 
     } else if constexpr (kFirstGeneration) {
         const FirstGenTables<T> tables = {spec.pTwiddle, spec.pSweepTwiddle, spec.pLevelColumnTwiddle,
                                           spec.pLevelMidTwiddle};
-        run.kernels.firstGeneration[run.swap](FirstGenCall<T>{src, dst, m, spec.pBitRev, tables, run.work, run.factor});
+        run.kernels.firstGeneration[run.swap](
+            FirstGenCall<T>{src, dst, m, spec.pBitRev, tables, run.work, run.swap ? run.factor : T(1)});
     } else if (c == FftClass::split) {
         const FftLevel& row = run.plan.level[run.plan.row];
         const bool dealt = src != dst;
@@ -284,7 +281,7 @@ template<class T> inline void runComplex(const FftRun<T>& run, const T* src, T* 
                 return runBand(run, src, area, dst, spec.threadLimit.value);
         const Index legs = (Index{1} << m) >> kFirstOrder;
         run.kernels.first[run.swap](FirstCall<T>{src, legs, area, m, 0, legs});
-        runRow(run, area, dst, Output::pairs);
+        runRow(run, area, dst, run.finish);
     }
 }
 
@@ -297,19 +294,20 @@ template<class T> inline T* areaOf(const FftRun<T>& run, const T* src, T* dst)
 template<class T> inline void complexTransform(const FftRun<T>& run, const T* src, T* dst)
 {
     runComplex(run, src, dst, areaOf(run, src, dst));
+    if (!run.swap && run.factor != 1)
+        scalePoints(dst, Index{1} << (run.spec.order - 1), run.factor);
 }
 
 // To the packed spectrum.
 template<class T> inline void forwardTransform(const FftRun<T>& run, const T* src, T* dst)
 {
     if (run.spec.order - 1 <= kInRegisters<T>.forward)
-        return run.kernels.straightForward(run.spec.order - 1, src, dst, run.factor);
+        return run.kernels.straightForward(run.spec.order - 1, src, dst, T(0.5) * run.factor);
     const Index M = Index{1} << (run.spec.order - 1);
     runComplex(run, src, dst, areaOf(run, src, dst));
     put(dst, 1, run.recombine(dst, dst, 0, M / 2, T{}));
-    constexpr T back = 1 / kBeforeRecombination<T>;
-    put(dst, M, back * get(dst, M));
-    put(dst, M + 1, -back * get(dst, M + 1));
+    put(dst, M, run.factor * get(dst, M));
+    put(dst, M + 1, -run.factor * get(dst, M + 1));
 }
 
 // From bins 1 .. N/2 - 1 at src[2k], Re X[0] at src[0] and Re X[N/2].
@@ -324,7 +322,7 @@ template<class T> inline void inverseTransform(const FftRun<T>& run, const T* sr
     if constexpr (!kFirstGeneration)
         if (c == FftClass::flat && run.plan.order >= kFirstJoinedFrom) {
             runFirstBlocks(run, src, last, middle, area);
-            runRow(run, area, dst, Output::pairs);
+            runRow(run, area, dst, run.finish);
             return;
         }
     // Through whichever of work memory and destination the passes leave free.

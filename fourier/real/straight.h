@@ -80,8 +80,8 @@ template<class V, int A, int B, bool Swap> struct StraightComplex {
                                    for (int g = 0; g < A / W; g++)
 #pragma clang loop unroll(full)
                                        for (int d = 0; d < B; d++)
-                                           finish<Swap ? Finish::swappedPairs : Finish::pairs>(
-                                               dst + 2 * (g * W + A * d), z[g][d], splat<V>(factor));
+                                           finish<Swap ? Finish::scaled : Finish::pairs>(dst + 2 * (g * W + A * d),
+                                                                                         z[g][d], splat<V>(factor));
                                });
     }
 };
@@ -166,7 +166,7 @@ template<class V, int A, int B> struct StraightInverse {
                 for (int g = 0; g < A / W; g++)
 #pragma clang loop unroll(full)
                     for (int d = 0; d < B; d++)
-                        finish<Finish::swappedPairs>(dst + 2 * (g * W + A * d), z[g][d], splat<V>(factor));
+                        finish<Finish::scaled>(dst + 2 * (g * W + A * d), z[g][d], splat<V>(factor));
             });
     }
 };
