@@ -175,13 +175,13 @@ const bool find16 = addRow({"qvrsFind_16u", "worst case", "vector", kLogic,
 
 enum class Order { random, ascending, descending, few };
 
-// Many arrays in turn, since a branch predictor learns one of a few thousand elements by heart. The copy that brings
+// Many arrays in turn, since a branch predictor learns a few thousand elements by heart. The copy that brings
 // the next array is part of the time, for ours and the peer.
 template<class T, class F> void sorting(const Sink& sink, const char* name, F* exported, Order order)
 {
     for (const int n : {9, 20, 100, 1000, 65536})
         sink.add(std::to_string(n), [&](Case& c) {
-            const int copies = n > 1000 ? 4 : 256;
+            const int copies = n > 1000 ? 4 : 65536 / n;
             c.elements = n;
             c.work = {sizeof(T), sizeof(T), true};
             auto arrays = std::make_shared<std::vector<T>>(static_cast<size_t>(n) * copies);
