@@ -13,6 +13,9 @@
 
 namespace {
 
+// Lanes of the widest register that the level computes on: with AVX alone integers have half of one.
+template<class T> constexpr int kFoldLanes = kIsFloat<T> || !kAvx || kAvx2 ? kLanes<T> : kLanes<T> / 2;
+
 // step(accumulator, B lanes of each source) gives the new accumulator; join adds two of them.
 template<int B, class Acc, class Step, class Join, class... S>
 QVR_INLINE Acc sumBlocks(Index n, const Step& step, const Join& join, const S*... src)
@@ -65,15 +68,11 @@ template<int N, class T, class... Pick> QVR_INLINE void extremeShort(const T* sr
     }
 }
 
-// Each of best[0], best[1], ... becomes what its own pick leaves of it and the array, in one pass. The maximum of
-// floats has a latency of four cycles and two may start in each, so one pick has eight accumulators; two picks have
-// four each.
-template<class T, class... Pick> QVR_INLINE void extremes(const T* src, Index n, T* best, Pick... pick)
+// At least one vector, with K accumulators for each pick.
+template<int K, class T, class... Pick> QVR_INLINE void extremeLong(const T* src, Index n, T* best, Pick... pick)
 {
-    using V = Full<T>;
-    constexpr int N = kLanes<T>, K = 8 / static_cast<int>(sizeof...(Pick));
-    if (n < N)
-        return extremeShort<N>(src, n, best, pick...);
+    constexpr int N = kFoldLanes<T>;
+    using V = Vec<T, N>;
     V of[sizeof...(Pick)][K];
     for (int p = 0; p < static_cast<int>(sizeof...(Pick)); p++)
         for (int k = 0; k < K; k++)
@@ -103,17 +102,33 @@ template<class T, class... Pick> QVR_INLINE void extremes(const T* src, Index n,
     (finish(pick), ...);
 }
 
+// Each of best[0], best[1], ... becomes what its own pick leaves of it and the array, in one pass. The maximum of
+// floats has a latency of four cycles and two may start in each, so one pick has eight accumulators; two picks have
+// four each. What is shorter than these has two, whose join is shorter.
+template<class T, class... Pick> QVR_INLINE void extremes(const T* src, Index n, T* best, Pick... pick)
+{
+    constexpr int N = kFoldLanes<T>, K = 8 / static_cast<int>(sizeof...(Pick));
+    if (n < 2 * N)
+        extremeShort<2 * N>(src, n, best, pick...);
+    else if (n < K * N)
+        extremeLong<2>(src, n, best, pick...);
+    else
+        extremeLong<K>(src, n, best, pick...);
+}
+
 // There must be such an element.
 template<class T> QVR_INLINE Index firstEqual(const T* src, Index n, T value)
 {
-    using V = Full<T>;
-    constexpr int N = kLanes<T>;
+    constexpr int N = kFoldLanes<T>;
+    using V = Vec<T, N>;
     Index i = 0;
     for (; i + N <= n; i += N) {
         const auto equal = load<V>(src + i) == splat<V>(value);
         if (anyTrue(equal))
             return i + firstTrue(equal);
     }
+    if (n > N)
+        return n - N + firstTrue(load<V>(src + n - N) == splat<V>(value));
     for (; i < n - 1; i++)
         if (get(src, i) == value)
             break;

@@ -76,7 +76,7 @@ constexpr Index kSumBlock = 65536;
 
 QVR_INLINE int64_t sum16(const int16_t* src, Index n)
 {
-    constexpr int B = kLanes<int16_t>;
+    constexpr int B = kFoldLanes<int16_t>;
     using Acc = Vec<int32_t, B / 2>;
     int64_t total = 0;
     for (Index i = 0; i < n; i += kSumBlock) {
@@ -96,8 +96,8 @@ template<class V> struct WideSum {
 // low halves, which is what the sum modulo 2^32 leaves once the high halves are taken off.
 QVR_INLINE int64_t sum32(const int32_t* src, Index n)
 {
-    using V = Full<int32_t>;
-    constexpr int N = kLanes<int32_t>;
+    constexpr int N = kFoldLanes<int32_t>;
+    using V = Vec<int32_t, N>;
     constexpr Index blockLength = Index{65536} * N;
     int64_t total = 0;
     for (Index i = 0; i < n; i += blockLength) {
