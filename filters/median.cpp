@@ -173,28 +173,82 @@ void mergeSort(float* a, float* spare, Index n)
             a[k] = from[k];
 }
 
-// `ring` holds the input samples of the window in order of time.
+// The same for few elements: each goes to the place that the number of those before it tells, without a branch on
+// values.
+constexpr Index kRankUpTo = 32;
+
+void rankSort(float* a, Index n)
+{
+    float from[kRankUpTo];
+    for (Index k = 0; k < kRankUpTo; k++)
+        from[k] = k < n ? a[k] : __builtin_inff();
+    for (Index i = 0; i < n; i++) {
+        const Block x = splat<Block>(from[i]);
+        Mask<Block> before{};
+        for (Index k = 0; k < n; k += 8) {
+            const Block y = load<Block>(from + k);
+            before += (y < x) | ((y == x) & (iota<Mask<Block>>() + static_cast<int>(k) < static_cast<int>(i)));
+        }
+        a[-sumLanes(before)] = from[i];
+    }
+}
+
+// The first window sorted: `before` samples equal to the first one stand ahead of it, and behind the last one of the n
+// samples `after` equal ones. Among equals the first sample is the first, the last one the last.
+void sortFirstWindow(const float* x, Index n, Index before, Index after, float* sorted, float* spare)
+{
+    for (Index k = 0; k < n; k++)
+        sorted[k] = get(x, k);
+    const float first = sorted[0], last = sorted[n - 1];
+    if (n <= kRankUpTo)
+        rankSort(sorted, n);
+    else
+        mergeSort(sorted, spare, n);
+    Index to = n + before + after;
+    bool lastIsDue = after > 0;
+    for (Index k = n - 1; k >= 0; k--) {
+        const float value = sorted[k];
+        Index copies = 1;
+        if (lastIsDue && value == last) {
+            copies += after;
+            lastIsDue = false;
+        }
+        if (value == first && (k == 0 || sorted[k - 1] != first))
+            copies += before;
+        for (; copies > 0; copies--)
+            sorted[--to] = value;
+    }
+}
+
+// `ring` holds the input samples of the window in order of time; it has whole blocks.
 void medianGeneral(float* x, Index n, Index m, float* sorted, float* ring)
 {
-    const Index h = m / 2;
+    const Index h = m / 2, samples = n < h + 1 ? n : h + 1, after = h + 1 - samples;
+    const float first = get(x, 0), lastInput = get(x, n - 1);
     Window w = {sorted, m, 0, false};
-    const auto firstWindow = [=](Index k) { return get(x, k < h ? 0 : k - h < n ? k - h : n - 1); };
-    for (Index k = 0; k < m; k++) {
-        sorted[k] = firstWindow(k);
-        w.otherZeros += isOtherZero(sorted[k]);
-        w.disordered |= sorted[k] != sorted[k];
+    w.otherZeros = static_cast<int>(h * isOtherZero(first) + after * isOtherZero(lastInput));
+    for (Index k = 0; k < samples; k++) {
+        const float sample = get(x, k);
+        w.otherZeros += isOtherZero(sample);
+        w.disordered |= sample != sample;
     }
-    if (w.disordered)
+    if (!w.disordered)
+        sortFirstWindow(x, samples, h, after, sorted, ring);
+    for (Index k = 0; k < h; k += 8)
+        store(ring + k, splat<Block>(first));
+    for (Index k = 0; k < samples; k++)
+        ring[h + k] = get(x, k);
+    for (Index k = h + samples; k < m; k++)
+        ring[k] = lastInput;
+    if (w.disordered) {
+        for (Index k = 0; k < m; k++)
+            sorted[k] = ring[k];
         exchangeSort(sorted, m);
-    else
-        mergeSort(sorted, ring, m);
-    for (Index k = 0; k < m; k++)
-        ring[k] = firstWindow(k);
+    }
     for (Index k = 1; k <= 8; k++)
         sorted[-k] = -__builtin_inff();
     for (Index k = m; k < qvrAlignUp<Index>(m, 8) + 8; k++)
         sorted[k] = __builtin_inff();
-    const float lastInput = get(x, n - 1);
     Index position = 0;
     for (Index out = 1; out < n - 1; out++) {
         const float entering = out + h < n ? get(x, out + h) : lastInput;
