@@ -1,5 +1,6 @@
 // Sample-rate change by integer factors: zero stuffing and dropping of samples.
 #include "filters/functions.h"
+#include "frame/element.h"
 #include "vector/loops.h"
 #include "vector/shared.h"
 
@@ -27,12 +28,12 @@ template<class T> void keepEvery(const T* src, T* dst, Index count, Index f)
         for (; k + M <= count; k += M) {
             Q q{};
             for (int i = 0; i < M; i++)
-                q[i] = load<Vec<T, 1>>(src + (k + i) * f)[0];
+                q[i] = get(src, (k + i) * f);
             store(dst + k, q);
         }
     }
     for (; k < count; k++)
-        store(dst + k, load<Vec<T, 1>>(src + k * f));
+        put(dst, k, get(src, k * f));
 }
 
 template<class T>
@@ -47,6 +48,9 @@ qvrStatus checkSampling(const T* src, int srcLen, const T* dst, const int* dstLe
     return *phase < 0 || *phase >= factor ? qvrErrBadSamplePhase : qvrOk;
 }
 
+// Fewer samples go one by one, which takes no longer than the division that tells how many are kept.
+constexpr Index kDivideFrom = 32;
+
 template<class T> qvrStatus sampleDown(const T* src, int srcLen, T* dst, int* dstLen, int factor, int* phase)
 {
     if (const qvrStatus status = checkSampling(src, srcLen, dst, dstLen, factor, phase))
@@ -57,7 +61,15 @@ template<class T> qvrStatus sampleDown(const T* src, int srcLen, T* dst, int* ds
         *phase = static_cast<int>(p - n);
         return qvrOk;
     }
-    const Index count = (n + f - p - 1) / f;
+    if (n < kDivideFrom && f != 1) {
+        Index i = p, k = 0;
+        for (; i < n; i += f)
+            store(dst + k++, load<Vec<T, 1>>(src + i));
+        *dstLen = static_cast<int>(k);
+        *phase = static_cast<int>(i - n);
+        return qvrOk;
+    }
+    const Index count = static_cast<uint32_t>(n + f - p - 1) / static_cast<uint32_t>(f);
     if (f == 1)
         mapElements(dst, n, [](auto x) { return x; }, src);
     else
@@ -67,7 +79,7 @@ template<class T> qvrStatus sampleDown(const T* src, int srcLen, T* dst, int* ds
     return qvrOk;
 }
 
-// Samples 2 or 4 apart with zeros between, by interleaving with zero vectors.
+// Samples 2 apart with zeros between, by interleaving with zero vectors.
 void stuffTwo(const float* src, float* dst, Index n, Index p)
 {
     using V = Full<float>;
@@ -80,36 +92,31 @@ void stuffTwo(const float* src, float* dst, Index n, Index p)
         store(dst + 2 * i + N, p == 0 ? zipHi(x, zero) : zipHi(zero, x));
     }
     for (; i < n; i++) {
-        store(dst + 2 * i + p, load<Vec<float, 1>>(src + i));
-        store(dst + 2 * i + 1 - p, Vec<float, 1>{});
+        put(dst, 2 * i + p, get(src, i));
+        put(dst, 2 * i + 1 - p, 0.0f);
     }
 }
 
-// A group of f outputs: the sample among zeros. Runs of zeros are vectors whose overhang the next group rewrites, so
-// the last groups, which have none behind them, go element by element.
-void stuffMany(const float* src, float* dst, Index n, Index f, Index p)
+// A group of f outputs, the sample among zeros, by vectors of H <= f lanes.
+template<int H> QVR_INLINE void stuffGroup(float* dst, float sample, Index f, Index p)
 {
-    using V = Full<float>;
-    constexpr int N = kLanes<float>;
-    Index i = 0;
-    if (f < N) {
-        // One vector holds the group and reaches into the groups behind it.
-        for (; (n - i - 1) * f >= N; i++) {
-            store(dst + i * f, V{});
-            store(dst + i * f + p, load<Vec<float, 1>>(src + i));
-        }
-    } else {
-        for (; i < n; i++) {
-            float* group = dst + i * f;
-            for (Index k = 0; k + N <= f; k += N)
-                store(group + k, V{});
-            store(group + f - N, V{});
-            store(group + p, load<Vec<float, 1>>(src + i));
-        }
-    }
-    for (; i < n; i++)
-        for (Index k = 0; k < f; k++)
-            store(dst + i * f + k, k == p ? load<Vec<float, 1>>(src + i) : Vec<float, 1>{});
+    for (Index k = 0; k + H <= f; k += H)
+        store(dst + k, Vec<float, H>{});
+    if (f % H != 0)
+        store(dst + f - H, Vec<float, H>{});
+    put(dst, p, sample);
+}
+
+// Groups with L / 2 < f <= L by a vector each. It reaches into the next group, which the last one lacks.
+template<int L> void stuffVectors(const float* src, float* dst, Index n, Index f, Index p)
+{
+    using V = Vec<float, L>;
+    const Mask<V> at = iota<Mask<V>>() == static_cast<int>(p);
+    const Index whole = f < L ? n - 1 : n;
+    for (Index i = 0; i < whole; i++)
+        store(dst + i * f, at ? splat<V>(get(src, i)) : V{});
+    if (whole < n)
+        stuffGroup<L / 2>(dst + whole * f, get(src, whole), f, p);
 }
 
 } // namespace
@@ -128,8 +135,15 @@ qvrStatus SLOT(qvrsSampleUp_32f)(const qvr32f* src, int srcLen, qvr32f* dst, int
         return SLOT(qvrsCopy_32f)(src, dst, srcLen);
     if (factor == 2)
         stuffTwo(src, dst, srcLen, p);
+    else if (factor <= 4)
+        stuffVectors<4>(src, dst, srcLen, factor, p);
+    else if (factor <= 8)
+        stuffVectors<8>(src, dst, srcLen, factor, p);
+    else if (factor <= 16)
+        stuffVectors<16>(src, dst, srcLen, factor, p);
     else
-        stuffMany(src, dst, srcLen, factor, p);
+        for (Index i = 0; i < srcLen; i++)
+            stuffGroup<8>(dst + i * factor, get(src, i), factor, p);
     return qvrOk;
 }
 
