@@ -80,10 +80,10 @@ template<class V> QVR_INLINE V shortTangent(V x)
 {
     V num, den;
     if constexpr (kFma) {
-        // Processors of this level divide while they work on the next vector. A NaN gets through both.
-        const V one = splat<V>(kShortTangentOne);
-        shortTangentParts(min(one, max(-one, x)), num, den);
-        return num / den;
+        // Processors of this level divide while they work on the next vector. The sign goes round by bit operations,
+        // which any unit does; a NaN gets through the minimum.
+        shortTangentParts(min(splat<V>(kShortTangentOne), abs(x)), num, den);
+        return withSign(num / den, signOf(x));
     } else {
         shortTangentParts(x, num, den);
         const V estimate = reciprocalEstimate(den);
