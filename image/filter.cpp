@@ -5,210 +5,15 @@
 // the tap's number in its list, added in order; rows add up acc += float(double(line) * weight), taps ascending.
 //
 // Pixels outside the image are those of its edge: they are laid round the part of a row that is at hand.
-#include "frame/element.h"
 #include "frame/lookup.h"
 #include "image/kernels.h"
-#include "image/separable.h"
+#include "image/words.h"
 
 namespace {
 
-constexpr Index kRoom = QVR_RESIZE_ROOM, kPast = QVR_RESIZE_PAST;
-constexpr Index kMostTaps = 512; // of columns that are worked on phase by phase
-constexpr Index kTurned = 3072;  // doubles of source rows side by side
-constexpr Index kColumns = 64;   // of them at a time
+constexpr Index kTurned = 3072; // doubles of source rows side by side
+constexpr Index kColumns = 64;  // of them at a time
 constexpr Index kLongColumns = 8;
-
-template<class T> struct LineOf {
-    using type = float;
-};
-template<> struct LineOf<double> {
-    using type = double;
-};
-template<class T> using Line = typename LineOf<T>::type;
-
-template<class To, class From> QVR_INLINE Vec<To, lanes<From>> widened(From v)
-{
-    if constexpr (sizeof(Elem<From>) == 1)
-        return convert<To>(convert<int32_t>(v));
-    else
-        return convert<To>(v);
-}
-
-// block<N>(i) for i = 0 .. count - 1: R registers of A at a time, then one, then single elements.
-template<class A, int R = 8, class F> QVR_INLINE void eachBlock(Index count, const F& block)
-{
-    constexpr int L = kLanes<A>;
-    Index i = 0;
-    for (; i + R * L <= count; i += R * L)
-        block.template operator()<R * L>(i);
-    for (; i + L <= count; i += L)
-        block.template operator()<L>(i);
-    for (; i < count; i++)
-        block.template operator()<1>(i);
-}
-
-// ---- Sums of streams ------------------------------------------------------------------------------------------------
-
-// out[i] = sum of s[k][i] weight[k]. Products: each is rounded to a single, as the contract adds up rows.
-template<class A, int P, bool Products, class S, class W, class O>
-QVR_APART void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count)
-{
-    eachBlock<A, 8 / P>(count, [&]<int N>(Index i) {
-        using V = Vec<A, N>;
-        V part[P] = {};
-        const auto add = [&](Index k, V& sum) {
-            const auto x = load<Vec<S, N>>(s[k] + at + i);
-            if constexpr (Products)
-                sum += convert<A>(convert<double>(x) * splat<Vec<double, N>>(weight[k]));
-            else
-                sum = fma(widened<A>(x), splat<V>(static_cast<A>(weight[k])), sum);
-        };
-        Index k = 0;
-        for (; k + P <= n; k += P)
-            for (int p = 0; p < P; p++)
-                add(k + p, part[p]);
-        if (P == 2 && k < n)
-            add(k, part[0]);
-        if constexpr (P == 2)
-            part[0] += part[1];
-        if constexpr (sizeof(O) == 1)
-            store(out + i, packBytes(roundToByte(part[0])));
-        else
-            store(out + i, convert<O>(part[0]));
-    });
-}
-
-// ---- Pixels ---------------------------------------------------------------------------------------------------------
-
-// The row's pixels from .. from + n - 1 as S, those outside by the edges. inside(at, count, to) makes those inside.
-template<class S, class F> QVR_INLINE void layPixels(const qvrColumns* c, Index from, Index n, S* to, const F& inside)
-{
-    const Index nc = c->channels, low = clampIndex(from, c->length), high = clampIndex(from + n - 1, c->length) + 1;
-    const Index left = low > from ? (low - from < n ? low - from : n - 1) : 0;
-    const Index right = from + n - high > 0 ? (from + n - high < n ? from + n - high : n - 1) : 0;
-    inside(low * nc, (n - left - right) * nc, to + left * nc);
-    const auto repeat = [=](Index first, Index count, const S* pixel) {
-        const S edge[4] = {pixel[0], pixel[1 % nc], pixel[2 % nc], pixel[3 % nc]};
-        for (Index i = 0; i < count * nc; i++)
-            to[first * nc + i] = edge[i % 4];
-    };
-    repeat(0, left, to + left * nc);
-    repeat(n - right, right, to + (n - right - 1) * nc);
-}
-template<class T, class S> QVR_APART void fetch(const qvrColumns* c, const char* row, Index from, Index n, S* to)
-{
-    layPixels(c, from, n, to, [&](Index at, Index count, S* inside) {
-        const char* const first = row + at * static_cast<Index>(sizeof(T));
-        const T* const p = reinterpret_cast<const T*>(first);
-        if constexpr (sizeof(T) == sizeof(S))
-            __builtin_memcpy(inside, first, static_cast<size_t>(count) * sizeof(T)); // first may have any address
-        else
-            eachBlock<S>(count, [&]<int N>(Index i) { store(inside + i, widened<S>(load<Vec<T, N>>(p + i))); });
-    });
-}
-
-// Plane i of p: the pixels i, i + p, ... one behind the other, `length` elements after plane i - 1.
-template<class U> QVR_APART void sortPlanes(const U* s, Index pixels, Index p, U* planes, Index length)
-{
-    Index done = 0; // of each plane
-    if constexpr (sizeof(U) <= 8) {
-        using V = Full<U>;
-        constexpr int N = kLanes<U>;
-        const auto halves = [](V a, V b, V& even, V& odd) {
-            even = evens(a, b);
-            odd = odds(a, b);
-        };
-        for (; p == 2 && 2 * (done + N) <= pixels; done += N) {
-            V even, odd;
-            halves(load<V>(s + 2 * done), load<V>(s + 2 * done + N), even, odd);
-            store(planes + done, even);
-            store(planes + length + done, odd);
-        }
-        for (; p == 4 && 4 * (done + N) <= pixels; done += N) {
-            V even[2], odd[2], plane[4];
-            for (int i = 0; i < 2; i++)
-                halves(load<V>(s + 4 * done + 2 * i * N), load<V>(s + 4 * done + (2 * i + 1) * N), even[i], odd[i]);
-            halves(even[0], even[1], plane[0], plane[2]);
-            halves(odd[0], odd[1], plane[1], plane[3]);
-            for (int i = 0; i < 4; i++)
-                store(planes + i * length + done, plane[i]);
-        }
-    }
-    for (Index i = 0; i < p; i++)
-        for (Index m = done, at = i + done * p; at < pixels; m++, at += p)
-            planes[i * length + m] = s[at];
-}
-
-// to[m q + f] = from[f][m] for `n` elements in all, `pitch` elements between the phases.
-struct PhaseOrder {
-    uint8_t at[3][16][16]; // of 2, 3 and 4 phases: block of the result by phase
-};
-constexpr PhaseOrder makePhaseOrder()
-{
-    PhaseOrder order{};
-    for (int q = 2; q <= 4; q++)
-        for (int i = 0; i < 16 * q * q; i++) {
-            const int byte = i / (16 * q) * 16 + i % 16;
-            order.at[q - 2][i / 16][i % 16] = static_cast<uint8_t>(byte % q == i / 16 % q ? byte / q : 128);
-        }
-    return order;
-}
-constexpr PhaseOrder kPhaseOrder = makePhaseOrder();
-template<class U> QVR_APART void joinPhases(const U* from, Index pitch, Index q, Index n, U* to)
-{
-    Index m = 0;
-    if constexpr (kSsse3 && sizeof(U) == 1)
-        for (; q <= 4 && (m + 16) * q <= n; m += 16)
-            for (Index block = 0; block < q; block++) {
-                using B = Vec<uint8_t, 16>;
-                B bytes = {};
-                for (Index f = 0; f < q; f++)
-                    bytes |= shuffleBytes(load<B>(from + f * pitch + m), load<B>(kPhaseOrder.at[q - 2][block * q + f]));
-                store(to + m * q + 16 * block, bytes);
-            }
-    if constexpr (sizeof(U) == 4) {
-        using V = Full<float>;
-        constexpr int N = lanes<V>;
-        for (; q == 2 && (m + N) * q <= n; m += N) {
-            const V even = load<V>(from + m), odd = load<V>(from + pitch + m);
-            store(to + 2 * m, zipLo(even, odd));
-            store(to + 2 * m + N, zipHi(even, odd));
-        }
-    }
-    for (; q == 3 && (m + 1) * q <= n; m++)
-        for (int f = 0; f < 3; f++)
-            put(to, m * 3 + f, from[f * pitch + m]);
-    for (Index f = 0; f < q; f++)
-        for (Index i = m; i * q + f < n; i++)
-            put(to, i * q + f, from[f * pitch + i]);
-}
-struct Four {
-    float v[4];
-};
-
-// Sums for the columns of all phases from column `from` on, `width` in all. s holds pixels from `base` on, `pixels` of
-// them. Output m of phase f goes to sum + f * pitch + m * channels.
-void addPhases(const qvrColumns* c, Index from, Index width, const float* s, Index base, Index pixels, float* planes,
-               float* sum, Index pitch)
-{
-    const Index nc = c->channels, q = c->phases, p = c->pixels, length = pixels / p + 1;
-    const float* plane = s;
-    if (p > 1) {
-        if (nc == 1)
-            sortPlanes(s, pixels, p, planes, length);
-        else
-            sortPlanes(reinterpret_cast<const Four*>(s), pixels, p, reinterpret_cast<Four*>(planes), length);
-        plane = planes;
-    }
-    const float* taps[kMostTaps];
-    for (Index f = 0; f < q && f < width; f++) {
-        const Index at = c->first[from + f] - base;
-        for (Index k = 0; k < c->count[f]; k++)
-            taps[k] = plane + ((at + k) % p * length + (at + k) / p) * nc;
-        addStreams<float, 1, false>(taps, 0, static_cast<const float*>(c->weights) + f * c->stride, c->count[f],
-                                    sum + f * pitch, (width - f + q - 1) / q * nc);
-    }
-}
 
 // ---- Low pass: along a row ------------------------------------------------------------------------------------------
 
@@ -408,38 +213,6 @@ void addTaps(const qvrColumns* c, const char* const* rows, Index count, Index fr
 
 // ---- Output rows ----------------------------------------------------------------------------------------------------
 
-QVR_APART void roundBytes(const float* sum, Index n, uint8_t* dst)
-{
-    constexpr int N = 4 * kLanes<float>;
-    using V = Vec<float, N>;
-    Index i = 0;
-    for (; i + N <= n; i += N)
-        store(dst + i, packBytes(roundToByte(load<V>(sum + i))));
-    if (i < n)
-        storePartial(dst + i, packBytes(roundToByte(loadPartial<V>(sum + i, static_cast<int>(n - i)))),
-                     static_cast<int>(n - i));
-}
-
-// n columns of an output row from the sums of their phases, `pitch` elements apart.
-void finishPhases(const qvrColumns* c, const float* sum, Index pitch, Index n, uint8_t* dst)
-{
-    constexpr Index kStep = 64;
-    const Index nc = c->channels, q = c->phases;
-    if (q == 1)
-        return roundBytes(sum, n * nc, dst);
-    alignas(64) uint8_t values[8 * 4 * kStep];
-    for (Index m = 0; m * q < n; m += kStep) {
-        const Index rest = n - m * q, count = rest < kStep * q ? rest : kStep * q;
-        for (Index f = 0; f < q && f < count; f++)
-            roundBytes(sum + f * pitch + m * nc, (count - f + q - 1) / q * nc, values + f * kStep * nc);
-        if (nc == 1)
-            joinPhases(values, kStep, q, count, dst + m * q);
-        else
-            joinPhases(reinterpret_cast<const uint32_t*>(values), kStep, q, count,
-                       reinterpret_cast<uint32_t*>(dst) + m * q);
-    }
-}
-
 // The sums of a row's lines. Singles have one rounding less for each tap where products are fused.
 template<class T> void blendLowPass(const qvrColumns* c, const qvrRowTaps* rows, char* to)
 {
@@ -448,120 +221,6 @@ template<class T> void blendLowPass(const qvrColumns* c, const qvrRowTaps* rows,
     using A = decltype(L{} + typename FloatOf < fused || sizeof(T) == 8 ? 8 : 4 > ::type{});
     addStreams<A, 1, !fused && sizeof(T) != 8>(reinterpret_cast<const L* const*>(rows->line), 0, rows->weight,
                                                rows->count, reinterpret_cast<T*>(to), c->width * c->channels);
-}
-
-// ---- Low pass of bytes in singles -----------------------------------------------------------------------------------
-
-// Source rows as singles.
-void widenRows(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
-{
-    for (Index r = 0; r < count; r++)
-        fetch<uint8_t>(c, rows[r], c->lineFirst, c->linePixels, reinterpret_cast<float*>(lines[r]));
-}
-
-// The prescribed sum of one element.
-QVR_APART float prescribedSum(const qvrColumns* c, const qvrRowTaps* rows, Index x, Index channel)
-{
-    using P = Vec<double, 2>;
-    float pixels[kMostTaps + 8], acc = 0;
-    P weights[kMostTaps / 2 + 4];
-    const Index list = x % c->lists, n = c->count[list], first = c->first[x], nc = c->channels;
-    const float* const w = static_cast<const float*>(c->weights) + list * c->stride;
-    for (Index i = 0; i < n; i += 2) // zeros follow
-        weights[i / 2] = convert<double>(load<Vec<float, 2>>(w + i));
-    const bool inside = nc == 1 && first >= c->lineFirst && first + n < c->lineFirst + c->linePixels;
-    for (Index t = 0; t < rows->count; t++) {
-        const float* line = reinterpret_cast<const float*>(rows->line[t]) + (first - c->lineFirst) * nc;
-        if (!inside) {
-            line -= first * nc;
-            for (Index i = 0; i <= n; i++)
-                pixels[i] = line[clampIndex(first + i, c->length) * nc + channel];
-            line = pixels;
-        }
-        P part = {};
-        for (Index i = 0; i < n; i += 2)
-            part += convert<double>(load<Vec<float, 2>>(line + i)) * weights[i / 2];
-        acc += static_cast<float>(static_cast<double>(static_cast<float>(part[0] + part[1])) * rows->weight[t]);
-    }
-    return acc;
-}
-
-// Sums too near to a step between two bytes are formed anew as prescribed.
-QVR_APART void guardSums(const qvrColumns* c, const qvrRowTaps* rows, float* sum, Index from, Index n)
-{
-    const Index nc = c->channels;
-    using V = Full<float>;
-    constexpr int N = lanes<V>;
-    const V limit = splat<V>(0.5f - rows->guard);
-    const auto near = [&](Index i) {
-        const V v = load<V>(sum + i);
-        return abs(v - roundNearest(v)) > limit;
-    };
-    if (rows->guard == 0)
-        return;
-    for (Index k = n * nc; k % (2 * N) != 0; k++)
-        sum[k] = 0;
-    for (Index i = 0; i < n * nc; i += 2 * N) {
-        const auto first = near(i), second = near(i + N);
-        if (!anyTrue(first | second))
-            continue;
-        for (int half = 0; half < 2; half++)
-            for (uint32_t found = byteBits(half == 0 ? first : second); found != 0;) {
-                const int lane = __builtin_ctz(found) / 4;
-                const Index k = i + half * N + lane;
-                sum[k] = prescribedSum(c, rows, from + k / nc * c->phases, k % nc);
-                found &= ~(15u << 4 * lane);
-            }
-    }
-}
-
-// Along the sums of rows; behind a list there are zeros, as behind the pixels.
-void sumColumns(const qvrColumns* c, Index from, Index to, const float* s, Index base, float* sum)
-{
-    if (c->channels == 4)
-        return eachColumn<4, 2>(c, from, to, s, base, [&](Index x, auto four) { store(sum + 4 * (x - from), four); });
-    using V = Vec<float, 8>;
-    Index list = from % c->lists;
-    for (Index x = from; x < to; x += 4) {
-        Vec<float, 4> h[4] = {};
-        for (int i = 0; i < 4 && x + i < to; i++) {
-            V part = {};
-            const float* const w = static_cast<const float*>(c->weights) + list * c->stride;
-            for (Index k = 0; k < c->stride; k += 8)
-                part = fma(load<V>(s + (c->first[x + i] - base) + k), load<V>(w + k), part);
-            h[i] = lo(part) + hi(part);
-            list = list + 1 < c->lists ? list + 1 : 0;
-        }
-        const auto a = zipLo(h[0], h[1]) + zipHi(h[0], h[1]), b = zipLo(h[2], h[3]) + zipHi(h[2], h[3]);
-        store(sum + (x - from), shuffleBlocks<0, 1, 4, 5>(a, b) + shuffleBlocks<2, 3, 6, 7>(a, b));
-    }
-}
-
-void sumBytes(const qvrColumns* c, const qvrRowTaps* rows, char* dst)
-{
-    alignas(64) float s[kRoom + kPast], planes[kRoom + kPast], sum[kRoom + kPast];
-    const Index nc = c->channels, q = c->phases;
-    for (Index x = 0; x < c->width; x += c->chunk) {
-        const Index end = x + c->chunk < c->width ? x + c->chunk : c->width, base = c->first[x];
-        const Index pixels = c->first[end - 1] - base + c->most;
-        layPixels(c, base, pixels, s, [&](Index at, Index count, float* to) {
-            addStreams<float, 1, false>(reinterpret_cast<const float* const*>(rows->line), at - c->lineFirst * nc,
-                                        rows->single, rows->count, to, count);
-        });
-        const Index phase = qvrAlignUp((end - x + q - 1) / q * nc, Index{16});
-        if (c->planes) {
-            addPhases(c, x, end - x, s, base, pixels, planes, sum, phase);
-        } else {
-            for (Index k = 0; k < kPast; k++)
-                s[pixels * nc + k] = 0;
-            sumColumns(c, x, end, s, base, sum);
-        }
-        for (Index f = 0; f < q; f++) {
-            const Index n = (end - x - f + q - 1) / q;
-            guardSums(c, rows, sum + f * phase, x + f, n);
-        }
-        finishPhases(c, sum, phase, end - x, reinterpret_cast<uint8_t*>(dst) + x * nc);
-    }
 }
 
 // ---- Without antialiasing -------------------------------------------------------------------------------------------
@@ -689,22 +348,10 @@ template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t*
         block.template operator()<1>(x);
 }
 
-// Columns whose loads stay in the image; the others, at both ends, take copies of their pixels with the edges laid on.
-constexpr Index kEnd = 16;   // columns in whole vectors
 constexpr Index kReach = 16; // pixels that loads may take from the first tap of a group on, and taps
-void findInside(qvrColumns* c)
+void findTaps(qvrColumns* c)
 {
-    const auto inside = [=](Index x) {
-        const Index last = x + kEnd < c->width ? x + kEnd - 1 : c->width - 1;
-        return c->first[x] >= 0 && c->first[last] + kReach + c->most <= c->length;
-    };
-    c->from = 0;
-    while (c->from < c->width && !inside(c->from))
-        c->from += kEnd;
-    c->from = c->from < c->width ? c->from : c->width;
-    c->to = c->from;
-    while (c->to + kEnd <= c->width && inside(c->to))
-        c->to += kEnd;
+    findInside(c, kReach + c->most);
 }
 
 template<class T, int NC, int NT> void filterRow(const qvrColumns* c, const T* row, Line<T>* line)
@@ -715,23 +362,10 @@ template<class T, int NC, int NT> void filterRow(const qvrColumns* c, const T* r
         else
             filterColumns<NT>(c, s, from, to, line);
     };
-    const auto atEnd = [&](Index from, Index to) {
-        alignas(64) T pixels[kRoom + kPast];
-        for (Index x = from, end; x < to; x = end) {
-            const Index base = c->first[x];
-            for (end = x + 1; end < to && (c->first[end] + c->most - base) * NC <= kRoom;)
-                end++;
-            const Index n = c->first[end - 1] + c->most - base;
-            fetch<T>(c, reinterpret_cast<const char*>(row), base, n, pixels);
-            // Where pixel 0 would be.
-            part(reinterpret_cast<const T*>(reinterpret_cast<uintptr_t>(pixels) -
-                                            static_cast<uintptr_t>(base * NC) * sizeof(T)),
-                 x, end);
-        }
-    };
-    atEnd(0, c->from);
+    const auto outside = [&](const T* const* s, Index from, Index to) { part(*s, from, to); };
+    eachOutside<1>(c, &row, 0, c->from, outside);
     part(row, c->from, c->to);
-    atEnd(c->to, c->width);
+    eachOutside<1>(c, &row, c->to, c->width, outside);
     // A single column outside: no difference is formed.
     if constexpr (NT == 2) {
         for (Index x = 0; x < c->width && c->first[x] < 0; x++)
@@ -775,13 +409,13 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
 }
 
 constexpr qvrRowKernels kTaps[] = {
-    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, findInside, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr,
+    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, nullptr, findTaps, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr,
      nullptr, nullptr},
-    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, findInside, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr,
+    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, 1, nullptr, findTaps, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr,
      nullptr, nullptr},
-    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, 0, findInside, filterTaps<float, 1>, blendTaps<float>, nullptr, nullptr,
-     nullptr},
-    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, 1, 0, findInside, filterTaps<double, 1>, blendTaps<double>, nullptr,
+    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, nullptr, findTaps, filterTaps<float, 1>, blendTaps<float>, nullptr,
+     nullptr, nullptr},
+    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, 1, nullptr, findTaps, filterTaps<double, 1>, blendTaps<double>, nullptr,
      nullptr, nullptr},
 };
 template<class T, int NC>
@@ -791,11 +425,11 @@ constexpr qvrRowKernels kLowPassOf = {
     nullptr};
 constexpr qvrRowKernels kLowPass[] = {kLowPassOf<uint8_t, 1>, kLowPassOf<uint8_t, 4>, kLowPassOf<float, 1>,
                                       kLowPassOf<double, 1>};
-constexpr qvrRowKernels kSums[] = {
-    {1, 1, 4, qvrWeights_single, 0, kFma, 1, 1, 0, nullptr, widenRows, sumBytes, nullptr, nullptr,
-     &kLowPass[qvrPixel_8u_C1]},
-    {1, 4, 4, qvrWeights_single, 0, kFma, 1, 1, 0, nullptr, widenRows, sumBytes, nullptr, nullptr,
-     &kLowPass[qvrPixel_8u_C4]},
+constexpr qvrRowKernels kWords[] = {
+    {1, 1, 4, qvrWeights_double, 0, kFma, 1, kRowsOfWords, wordsBytes, makeWords<1>, filterWords<1>, blendWords,
+     nullptr, nullptr, &kLowPass[qvrPixel_8u_C1]},
+    {1, 4, 4, qvrWeights_double, 0, kFma, 1, kRowsOfWords, wordsBytes, makeWords<4>, filterWords<4>, blendWords,
+     nullptr, nullptr, &kLowPass[qvrPixel_8u_C4]},
 };
 
 } // namespace
@@ -803,6 +437,6 @@ constexpr qvrRowKernels kSums[] = {
 extern "C" void SLOT(ownResizeTaps)(const qvrResizeBand* band, int pixel)
 {
     qvrResizeSeparable(band, !band->lowPass            ? &kTaps[pixel]
-                             : pixel <= qvrPixel_8u_C4 ? &kSums[pixel]
+                             : pixel <= qvrPixel_8u_C4 ? &kWords[pixel]
                                                        : &kLowPass[pixel]);
 }

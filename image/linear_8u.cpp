@@ -213,10 +213,14 @@ template<int NC> int direct(const qvrColumns* c, const qvrRowTaps* rows, char* t
     return !rows->apart;
 }
 
+int64_t groupBytes(const qvrColumns* c)
+{
+    return (c->width + 15) / 8 * static_cast<int64_t>(sizeof(Group));
+}
+
 constexpr qvrRowKernels kLinear[] = {
-    {1, 1, 2, qvrWeights_words, 0, 0, 1, 1, sizeof(Group), makeGroups, filter<1>, blend<1>, direct<1>, nullptr,
-     nullptr},
-    {1, 4, 2, qvrWeights_words, 0, 0, 1, 1, 0, nullptr, filter<4>, blend<4>, direct<4>, nullptr, nullptr},
+    {1, 1, 2, qvrWeights_words, 0, 0, 1, 1, groupBytes, makeGroups, filter<1>, blend<1>, direct<1>, nullptr, nullptr},
+    {1, 4, 2, qvrWeights_words, 0, 0, 1, 1, nullptr, nullptr, filter<4>, blend<4>, direct<4>, nullptr, nullptr},
 };
 
 } // namespace

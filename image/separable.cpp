@@ -11,14 +11,11 @@ namespace {
 
 using Index = int64_t;
 
-constexpr Index kRun = 512;           // weights on the stack at a time
-constexpr Index kRows = 64;           // rows of one column at a time, where there are no lists
-constexpr Index kMostPhases = 8;      // more of them are not worth sorting
-constexpr Index kPhaseWidth = 64;     // columns from which on they are
-constexpr Index kMostLists = 256;     // of rows
-constexpr Index kTogether = 16;       // no kernel filters more rows at a time
-constexpr int kParts = 2 * 16;        // of all rows together
-constexpr Index kMostLines = 1 << 19; // bytes of source rows as singles, which are to stay in a cache
+constexpr Index kRun = 512;       // weights on the stack at a time
+constexpr Index kRows = 64;       // rows of one column at a time, where there are no lists
+constexpr Index kMostLists = 256; // of rows
+constexpr Index kTogether = 16;   // no kernel filters more rows at a time
+constexpr int kParts = 2 * 16;    // of all rows together
 
 Index clampIndex(Index i, Index length)
 {
@@ -147,10 +144,10 @@ bool areShort(const double* w, Index count)
     return all;
 }
 
-// The low pass of bytes, whose lines are source rows.
-bool sumsFirst(const qvrRowKernels* k)
+// The low pass of bytes, where zeros are left out and sums are guarded.
+bool ofBytes(const qvrRowKernels* k)
 {
-    return k->weights == qvrWeights_single;
+    return k->prescribed != nullptr;
 }
 
 // Where the arrays of a range of columns lie.
@@ -168,40 +165,21 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     c.length = j.x.length;
     c.channels = k->channels;
     c.most = j.x.most;
+    c.inv = j.x.inv;
     const bool periodic = j.x.period > 0 && j.x.period < width;
     c.lists = periodic ? j.x.period : width;
     c.pixels = periodic ? j.x.pixels : 0;
-    // Columns whose pixels, taps and all, fit into the room.
-    const auto chunkOf = [&](Index more) {
-        const Index room = QVR_RESIZE_ROOM / k->channels, rest = room - c.most - more - 2;
-        const double columns = static_cast<double>(rest) / (j.x.inv * (1 + 0x1p-20) + 0x1p-20);
-        const Index most = least(width, room / 2);
-        return columns < 1 ? 1 : columns < static_cast<double>(most) ? static_cast<Index>(columns) : most;
-    };
-    c.phases = 1;
-    c.planes = 0;
-    c.chunk = 0;
-    if (sumsFirst(k)) {
-        const Index chunk = periodic ? chunkOf(2 * c.pixels + 1) / c.lists * c.lists : 0;
-        c.planes = c.lists <= kMostPhases && chunk >= kPhaseWidth;
-        c.phases = c.planes ? c.lists : 1;
-        c.chunk = c.planes ? chunk : chunkOf(0);
-    }
     Index bytes = k->weights == qvrWeights_double || k->lineBytes == 8 ? 8 : 4;
     if (k->weights == qvrWeights_words || (k->weights == qvrWeights_plain && c.most == 2))
         c.stride = 1;
     else
-        c.stride = k->weights == qvrWeights_plain    ? c.most
-                   : k->weights == qvrWeights_single ? qvrAlignUp(c.most, Index{8})
-                                                     : c.most;
+        c.stride = c.most + ofBytes(k); // a zero behind the list
     c.first = space.take<int32_t>(width);
-    if (k->weights >= qvrWeights_double)
+    if (k->weights == qvrWeights_double)
         c.count = space.take<int32_t>(c.lists);
     c.weights = space.take<char>(c.lists * c.stride * bytes);
-    c.extra = space.take<char>((width + 15) / 8 * k->extraBytes);
-    const double span = static_cast<double>(width) * j.x.inv + static_cast<double>(c.most + 2);
-    c.linePixels = span < static_cast<double>(c.length) ? static_cast<Index>(span) : c.length;
-    r.lineBytes = qvrAlignUp((sumsFirst(k) ? c.linePixels : width) * k->channels * k->lineBytes, Index{64});
+    c.extra = space.take<char>(k->extraBytes != nullptr ? k->extraBytes(&c) : 0);
+    r.lineBytes = qvrAlignUp(width * k->channels * k->lineBytes, Index{64});
     r.lines = space.take<char>(j.held * r.lineBytes);
     if (j.y.most > kRun) {
         r.rows.line = space.take<const char*>(j.y.most);
@@ -245,6 +223,7 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
     if (!j.x.lowPass)
         return makePlaces(j, from, c);
     j.exact = true;
+    Index most = 0; // taps that are left
     for (Index x = 0; x < c.width; x++) {
         if (x >= c.lists) {
             c.first[x] = c.first[x - c.lists] + static_cast<int32_t>(c.pixels);
@@ -253,35 +232,34 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
         qvrTaps taps;
         qvrTapsOf(&j.x, from + x, &taps);
         double w[kRun], magnitude = 0;
-        float* const singles = static_cast<float*>(c.weights) + x * c.stride;
-        double* const doubles = static_cast<double*>(c.weights) + x * c.stride;
+        double* const list = static_cast<double*>(c.weights) + x * c.stride;
         for (Index t = 0; t < taps.count; t += kRun) {
             const Index n = least(taps.count - t, kRun);
             qvrWeightsOf(&j.x, &taps, t, n, w);
             for (Index i = 0; i < n; i++) {
                 magnitude += magnitudeOf(w[i]);
-                if (sumsFirst(j.k))
-                    singles[t + i] = static_cast<float>(w[i]);
-                else
-                    doubles[t + i] = j.k->wide ? w[i] : static_cast<double>(static_cast<float>(w[i]));
+                list[t + i] = j.k->wide ? w[i] : static_cast<double>(static_cast<float>(w[i]));
             }
             j.exact &= areShort(w, n);
         }
-        if (sumsFirst(j.k)) {
-            // Bytes times nothing are nothing.
-            for (; taps.count > 1 && singles[0] == 0; taps.first++, taps.count--)
-                for (Index t = 1; t < taps.count; t++)
-                    singles[t - 1] = singles[t];
-            while (taps.count > 1 && singles[taps.count - 1] == 0)
+        if (ofBytes(j.k)) {
+            // Bytes times nothing are nothing. One at the front, so that first taps ascend.
+            if (taps.count > 1 && list[0] == 0) {
+                taps.first++;
                 taps.count--;
-            for (Index t = taps.count; t < c.stride; t++)
-                singles[t] = 0;
+                for (Index t = 0; t < taps.count; t++)
+                    list[t] = list[t + 1];
+            }
+            while (taps.count > 1 && list[taps.count - 1] == 0)
+                taps.count--;
+            list[taps.count] = 0;
         }
         c.first[x] = static_cast<int32_t>(taps.first);
         c.count[x] = static_cast<int32_t>(taps.count);
         c.magnitude = magnitude > c.magnitude ? magnitude : c.magnitude;
+        most = taps.count > most ? taps.count : most;
     }
-    c.lineFirst = clampIndex(c.first[0], c.length - c.linePixels + 1);
+    c.most = most;
 }
 
 char* outputAt(const Job& j, Index n, Index x)
@@ -301,7 +279,7 @@ void guardRow(const Job& j, const qvrColumns& c, Index& first, Index& count, con
     double magnitude = 0;
     for (Index t = 0; t < count; t++)
         magnitude += magnitudeOf(w[t]);
-    const double roundings = static_cast<double>(2 * count + c.most + 8) * 0x1.1p-24;
+    const double roundings = (static_cast<double>(2 * count + 12) + static_cast<double>(c.most) / 64) * 0x1.1p-24;
     rows.guard =
         j.exact && areShort(w, count) ? 0 : static_cast<float>(roundings * magnitude * c.magnitude * 255 + 2e-7);
 }
@@ -329,11 +307,12 @@ void resizeColumns(Job& j, Index from, Index width)
     const qvrResizeBand* const b = j.band;
     const qvrRowKernels* const k = j.k;
     Space space = {startOf(b), 0};
-    const char* lines[kRun];
+    const char *lines[kRun], *source[kRun];
     double weights[kRun];
     float singles[kRun];
     Range r = {};
     r.rows.line = lines;
+    r.rows.source = source;
     r.rows.weight = weights;
     r.rows.single = singles;
     layOut(j, width, space, r);
@@ -348,13 +327,13 @@ void resizeColumns(Job& j, Index from, Index width)
     for (Index n = 0; n < rows; n++) {
         Index first, count;
         const double* w = nextRow(lists, b->y.first, n, rows, first, count, r.rows.weight);
-        if (sumsFirst(k))
+        if (ofBytes(k))
             guardRow(j, r.c, first, count, w, r.rows);
         const Index low = clampIndex(first, j.y.length), high = clampIndex(first + count - 1, j.y.length);
         r.rows.count = count;
         r.rows.apart = high - low == count - 1;
-        r.rows.source[0] = b->src + low * b->srcStep;
-        r.rows.source[1] = b->src + clampIndex(first + 1, j.y.length) * b->srcStep;
+        for (Index t = 0; t < least(count, kRun); t++)
+            r.rows.source[t] = b->src + clampIndex(first + t, j.y.length) * b->srcStep;
         for (Index t = 0; t < count; t++) {
             r.rows.weight[t] = w[t];
             r.rows.single[t] = static_cast<float>(w[t]);
@@ -368,14 +347,14 @@ void resizeColumns(Job& j, Index from, Index width)
             return r.lines + (at < 0 ? at + j.held : at < j.held ? at : at - j.held) * r.lineBytes;
         };
         for (done = done > low ? done : low; done <= high;) {
-            const char* source[kTogether];
+            const char* rowsOf[kTogether];
             char* to[kTogether];
             const Index many = least(least(end - done, j.held - (done - low)), k->together);
             for (Index i = 0; i < many; i++) {
-                source[i] = b->src + (done + i) * b->srcStep;
+                rowsOf[i] = b->src + (done + i) * b->srcStep;
                 to[i] = lineAt(done + i);
             }
-            k->filter(&r.c, source, to, many);
+            k->filter(&r.c, rowsOf, to, many);
             done += many;
             slot = slot + many < j.held ? slot + many : slot + many - j.held;
         }
@@ -479,8 +458,7 @@ void qvrResizeSeparable(const qvrResizeBand* b, const qvrRowKernels* kernels)
     j.k = kernels;
     qvrMakeFilter(&b->x, b->method, b->lowPass, !kernels->wide, &j.x);
     qvrMakeFilter(&b->y, b->method, b->lowPass, !kernels->wide, &j.y);
-    if (kernels->prescribed != nullptr &&
-        (j.x.most * kernels->channels > QVR_RESIZE_ROOM / 4 || j.x.most + j.y.most > kRun))
+    if (kernels->prescribed != nullptr && j.x.most + j.y.most > kRun)
         j.k = kernels->prescribed;
     j.held = least(j.y.most + j.k->together - 1, j.y.length);
     const Index width = b->x.count;
@@ -489,7 +467,7 @@ void qvrResizeSeparable(const qvrResizeBand* b, const qvrRowKernels* kernels)
         Space space = {nullptr, 0};
         Range r;
         layOut(j, columns, space, r);
-        return space.used <= room && (columns == 1 || !sumsFirst(j.k) || j.held * r.lineBytes <= kMostLines);
+        return space.used <= room;
     };
     Index most = fits(width) ? width : 0;
     for (Index low = 0, high = most == 0 ? width - 1 : 0; low < high; most = low) {

@@ -1,0 +1,134 @@
+// Rows as streams: their weighted sums, and the columns of a row that its ends concern.
+#ifndef QVR_IMAGE_STREAMS_H
+#define QVR_IMAGE_STREAMS_H
+
+#include "frame/element.h"
+#include "image/kernels.h"
+#include "image/separable.h"
+
+namespace {
+
+template<class T> struct LineOf {
+    using type = float;
+};
+template<> struct LineOf<double> {
+    using type = double;
+};
+template<class T> using Line = typename LineOf<T>::type;
+
+template<class To, class From> QVR_INLINE Vec<To, lanes<From>> widened(From v)
+{
+    if constexpr (sizeof(Elem<From>) == 1)
+        return convert<To>(convert<int32_t>(v));
+    else
+        return convert<To>(v);
+}
+
+// block<N>(i) for i = 0 .. count - 1: R registers of A at a time, then one, then single elements.
+template<class A, int R = 8, class F> QVR_INLINE void eachBlock(Index count, const F& block)
+{
+    constexpr int L = kLanes<A>;
+    Index i = 0;
+    for (; i + R * L <= count; i += R * L)
+        block.template operator()<R * L>(i);
+    for (; i + L <= count; i += L)
+        block.template operator()<L>(i);
+    for (; i < count; i++)
+        block.template operator()<1>(i);
+}
+
+// ---- Sums of streams ------------------------------------------------------------------------------------------------
+
+// out[i] = sum of s[k][i] weight[k]. Products: each is rounded to a single, as the contract adds up rows.
+template<class A, int P, bool Products, class S, class W, class O>
+QVR_APART void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count)
+{
+    eachBlock<A, 8 / P>(count, [&]<int N>(Index i) {
+        using V = Vec<A, N>;
+        V part[P] = {};
+        const auto add = [&](Index k, V& sum) {
+            const auto x = load<Vec<S, N>>(s[k] + at + i);
+            if constexpr (Products)
+                sum += convert<A>(convert<double>(x) * splat<Vec<double, N>>(weight[k]));
+            else
+                sum = fma(widened<A>(x), splat<V>(static_cast<A>(weight[k])), sum);
+        };
+        Index k = 0;
+        for (; k + P <= n; k += P)
+            for (int p = 0; p < P; p++)
+                add(k + p, part[p]);
+        if (P == 2 && k < n)
+            add(k, part[0]);
+        if constexpr (P == 2)
+            part[0] += part[1];
+        if constexpr (sizeof(O) == 1)
+            store(out + i, packBytes(roundToByte(part[0])));
+        else
+            store(out + i, convert<O>(part[0]));
+    });
+}
+
+// ---- Pixels ---------------------------------------------------------------------------------------------------------
+
+// The row's pixels from .. from + n - 1, those outside by the edges.
+template<class T> QVR_APART void fetch(const qvrColumns* c, const T* row, Index from, Index n, T* to)
+{
+    const Index nc = c->channels, low = clampIndex(from, c->length), high = clampIndex(from + n - 1, c->length) + 1;
+    const Index left = low > from ? (low - from < n ? low - from : n - 1) : 0;
+    const Index right = from + n - high > 0 ? (from + n - high < n ? from + n - high : n - 1) : 0;
+    __builtin_memcpy(to + left * nc, reinterpret_cast<const char*>(row) + low * nc * static_cast<Index>(sizeof(T)),
+                     static_cast<size_t>((n - left - right) * nc) * sizeof(T));
+    const auto repeat = [=](Index first, Index count, const T* pixel) {
+        T edge[4];
+        for (Index k = 0; k < 4; k++)
+            edge[k] = get(pixel, k % nc);
+        for (Index i = 0; i < count * nc; i++)
+            to[first * nc + i] = edge[i % 4];
+    };
+    repeat(0, left, to + left * nc);
+    repeat(n - right, right, to + (n - right - 1) * nc);
+}
+
+// Columns whose loads, `reach` pixels from the first tap of one on, stay in the image.
+constexpr Index kEnd = 8; // they come in so many
+void findInside(qvrColumns* c, Index reach)
+{
+    const auto inside = [=](Index x) { return c->first[x] >= 0 && c->first[x + kEnd - 1] + reach <= c->length; };
+    c->from = 0;
+    while (c->from + kEnd <= c->width && !inside(c->from))
+        c->from += kEnd;
+    c->to = c->from;
+    while (c->to + kEnd <= c->width && inside(c->to))
+        c->to += kEnd;
+    if (c->from == c->to)
+        c->from = c->to = 0;
+}
+// part(s, first, end) for the columns from .. to - 1 in pieces: s[r] is where pixel 0 would be of a copy of row r, with
+// the edges laid on.
+template<int R, class T, class Part>
+QVR_INLINE void eachOutside(const qvrColumns* c, const T* const* row, Index from, Index to, const Part& part)
+{
+    constexpr Index room = 8192 / sizeof(T), past = 64;
+    alignas(64) T pixels[R][room + past];
+    for (Index x = from, end; x < to; x = end) {
+        const Index base = c->first[x];
+        const auto fits = [=](Index last) { return (c->first[last] + c->most - base) * c->channels <= room; };
+        end = to;
+        if (!fits(to - 1)) {
+            for (end = x + 1; end < to && fits(end);)
+                end++;
+            end -= end - x >= kEnd ? (end - x) % kEnd : 0;
+        }
+        const T* s[R];
+        for (int r = 0; r < R; r++) {
+            fetch(c, row[r], base, c->first[end - 1] + c->most - base, pixels[r]);
+            s[r] = reinterpret_cast<const T*>(reinterpret_cast<uintptr_t>(pixels[r]) -
+                                              static_cast<uintptr_t>(base * c->channels) * sizeof(T));
+        }
+        part(s, x, end);
+    }
+}
+
+} // namespace
+
+#endif
