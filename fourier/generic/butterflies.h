@@ -3,6 +3,7 @@
 #ifndef QVR_FOURIER_BUTTERFLIES_H
 #define QVR_FOURIER_BUTTERFLIES_H
 
+#include "fourier/generic/dft.h"
 #include "fourier/real/passes.h"
 
 namespace {
@@ -129,6 +130,26 @@ template<class V> inline void oddDft(Cx<V>* x, int radix, const float* roots)
         x[radix - k] = plusI(c, d);
     }
     x[0] = sum;
+}
+
+// R is 0 for a radix that is known at run time only.
+template<int R, class Body> QVR_INLINE void eachOf(int from, int radix, const Body& body)
+{
+    if constexpr (R > 0) {
+#pragma clang loop unroll(full)
+        for (int j = from; j < R; j++)
+            body(j);
+    } else {
+        for (int j = from; j < radix; j++)
+            body(j);
+    }
+}
+template<int R, class C> QVR_INLINE void transformOf(C* x, const DftStage& stage)
+{
+    if constexpr (R > 0)
+        smallDft<R>(x);
+    else
+        oddDft(x, stage.radix, stage.roots);
 }
 
 } // namespace

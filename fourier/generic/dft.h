@@ -102,7 +102,26 @@ QVR_HIDDEN void SLOT(ownqvrsDFTLast)(const qvrsDFTSpec* spec, const DftStage* st
                                      const float* im, float* dst, float factor, uint32_t sign);
 }
 
+// All of them, for the slots that run them.
+struct DftKernels {
+    decltype(&SLOT(ownqvrsDFTStraight_C)) straight;
+    decltype(&SLOT(ownqvrsDFTStraight_R)) straightReal;
+    decltype(&SLOT(ownqvrsDFTFirst_C)) first;
+    decltype(&SLOT(ownqvrsDFTFirst_R)) firstReal;
+    decltype(&SLOT(ownqvrsDFTStage)) stage;
+    decltype(&SLOT(ownqvrsDFTLast)) last;
+};
+extern "C" {
+extern const QVR_HIDDEN DftKernels SLOT(ownqvrsDFTKernels), mx_ownqvrsDFTKernels;
+}
+
 namespace {
+
+// Slots up to y8 hold nothing that mx's kernels could gain from.
+constexpr const DftKernels& dftKernels()
+{
+    return kSlot <= qvrSlot_y8 ? mx_ownqvrsDFTKernels : SLOT(ownqvrsDFTKernels);
+}
 
 // Whether a stage of this radix has a kernel of its own, in the first place and later.
 constexpr bool firstKernel(int radix)

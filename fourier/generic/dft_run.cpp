@@ -76,7 +76,7 @@ Index middleStages(const qvrsDFTSpec& spec, Planes& planes, int leave)
     Index left = spec.points / spec.stages[0].radix, row = spec.pitch;
     for (int i = 1; i < spec.stageCount - leave; i++) {
         const DftStage& stage = spec.stages[i];
-        SLOT(ownqvrsDFTStage)(&stage, left, row, planes.re, planes.im, planes.otherRe, planes.otherIm);
+        dftKernels().stage(&stage, left, row, planes.re, planes.im, planes.otherRe, planes.otherIm);
         planes.swap();
         left /= stage.radix;
         row *= stage.radix;
@@ -87,10 +87,9 @@ Index middleStages(const qvrsDFTSpec& spec, Planes& planes, int leave)
 void mixedRadix(const qvrsDFTSpec& spec, const float* src, float* dst, float* work, Out out)
 {
     Planes planes(spec, work);
-    SLOT(ownqvrsDFTFirst_C)(&spec, src, out.sign, planes.re, planes.im);
+    dftKernels().first(&spec, src, out.sign, planes.re, planes.im);
     const Index row = middleStages(spec, planes, 1);
-    SLOT(ownqvrsDFTLast)(&spec, &spec.stages[spec.stageCount - 1], row, planes.re, planes.im, dst, out.factor,
-                         out.sign);
+    dftKernels().last(&spec, &spec.stages[spec.stageCount - 1], row, planes.re, planes.im, dst, out.factor, out.sign);
 }
 
 // Bins first .. first + count - 1 from the values at (re, im).
@@ -123,7 +122,7 @@ QVR_INLINE void storeMirrored(float* dst, Index last, Index count, const float* 
 void mixedRadixReal(const qvrsDFTSpec& spec, const float* src, float* dst, float* work, Out out)
 {
     Planes planes(spec, work);
-    SLOT(ownqvrsDFTFirst_R)(&spec, src, planes.re, planes.im);
+    dftKernels().firstReal(&spec, src, planes.re, planes.im);
     middleStages(spec, planes, 0);
     const Index n = spec.points, R = spec.stages[0].radix, columns = spec.columns, middle = (n - 1) / 2;
     for (Index t = 0; t < n / R; t++) {
@@ -246,7 +245,7 @@ qvrStatus chirpFormReal(const qvrsDFTSpec& spec, const float* src, float* dst, f
 qvrStatus complexForm(const qvrsDFTSpec& spec, const float* src, float* dst, float* work, Out out)
 {
     if (spec.points <= kStraightMost)
-        SLOT(ownqvrsDFTStraight_C)(src, dst, spec.points, out.factor, out.sign);
+        dftKernels().straight(src, dst, spec.points, out.factor, out.sign);
     else if (spec.isFactored != 0)
         mixedRadix(spec, src, dst, work, out);
     else if (spec.pDirectTable != nullptr)
@@ -333,7 +332,7 @@ qvrStatus SLOT(ownqvrsDFTFwd_RToCCS_32f)(const float* pSrc, float* pDst, const q
         if (spec.isPow2 != 0)
             return SLOT(qvrsFFTFwd_RToCCS_32f)(pSrc, pDst, spec.pPow2Spec, reinterpret_cast<uint8_t*>(work));
         if (spec.len <= kStraightMost) {
-            SLOT(ownqvrsDFTStraight_R)(pSrc, pDst, spec.len, out.factor);
+            dftKernels().straightReal(pSrc, pDst, spec.len, out.factor);
         } else if (spec.odd == 0) {
             if (const qvrStatus status = complexForm(spec, pSrc, pDst, work, {1.0f, out.sign}))
                 return status;

@@ -2,7 +2,6 @@
 // p + j left/R give row R p + k, times exp(-2 pi i p k / left). Rows that have been made into one stand side by side,
 // so that after the last stage the values stand in order.
 #include "fourier/generic/butterflies.h"
-#include "fourier/generic/dft.h"
 
 namespace {
 
@@ -13,26 +12,6 @@ constexpr int W = kLanes<float>;
 struct Planes {
     const float *re, *im;
 };
-
-// R is 0 for a radix that is known at run time only.
-template<int R, class Body> QVR_INLINE void eachOf(int from, int radix, const Body& body)
-{
-    if constexpr (R > 0) {
-#pragma clang loop unroll(full)
-        for (int j = from; j < R; j++)
-            body(j);
-    } else {
-        for (int j = from; j < radix; j++)
-            body(j);
-    }
-}
-template<int R> QVR_INLINE void transformOf(C* x, const DftStage& stage)
-{
-    if constexpr (R > 0)
-        smallDft<R>(x);
-    else
-        oddDft(x, stage.radix, stage.roots);
-}
 
 template<int R> void middle(const DftStage& stage, Index left, Index row, Planes in, float* outRe, float* outIm)
 {
@@ -59,18 +38,12 @@ template<int R> void middle(const DftStage& stage, Index left, Index row, Planes
 }
 
 // Pairs in order, the first n of them.
-QVR_INLINE void storePairsOf(float* p, C z, Index n)
+__attribute__((noinline)) void storeFirstPairs(float* p, C z, Index n)
 {
     const F low = zipLo(z.re, z.im), high = zipHi(z.re, z.im);
-    if (n >= W) {
-        store(p, low);
-        store(p + W, high);
-    } else if (2 * n > W) {
-        store(p, low);
+    storeFirst(p, low, static_cast<int>(2 * n < W ? 2 * n : W));
+    if (2 * n > W)
         storeFirst(p + W, high, static_cast<int>(2 * n - W));
-    } else {
-        storeFirst(p, low, static_cast<int>(2 * n));
-    }
 }
 
 // One stage on rows of `pitch` values of which `columns` count: result k of row r goes to place
@@ -90,10 +63,12 @@ template<int R> void last(const DftStage& stage, Index row, int columns, int pit
                 const C z = {x[k].re * factor.re, x[k].im * factor.im};
                 float* to = out + 2 * columns * rows * k;
                 // What a vector writes too much belongs to the next row, which comes later.
-                if (valid >= W || r + 1 < rows)
-                    storePairsOf(to, z, W);
-                else
-                    storePairsOf(to, z, valid);
+                if (valid >= W || r + 1 < rows) {
+                    store(to, zipLo(z.re, z.im));
+                    store(to + W, zipHi(z.re, z.im));
+                } else {
+                    storeFirstPairs(to, z, valid);
+                }
             });
         }
 }
@@ -139,3 +114,7 @@ extern "C" void SLOT(ownqvrsDFTLast)(const qvrsDFTSpec* spec, const DftStage* st
     }
     last<0>(*stage, row, spec->columns, spec->pitch, {re, im}, dst, scale);
 }
+
+extern "C" const DftKernels SLOT(ownqvrsDFTKernels) = {SLOT(ownqvrsDFTStraight_C), SLOT(ownqvrsDFTStraight_R),
+                                                       SLOT(ownqvrsDFTFirst_C),    SLOT(ownqvrsDFTFirst_R),
+                                                       SLOT(ownqvrsDFTStage),      SLOT(ownqvrsDFTLast)};

@@ -120,6 +120,9 @@ def undefined_symbol_off_the_list():
     for slot in ("u8", "n8", "y8"):
         kernels = "extern const int m7_ownqvrsFFTKernels_32f; int %s_f(void) { return m7_ownqvrsFFTKernels_32f; }" % slot
         expect(slot_symbols(kernels, slot=slot), None)
+    kernels = "extern const int mx_ownqvrsDFTKernels; int m7_f(void) { return mx_ownqvrsDFTKernels; }"
+    expect(slot_symbols(kernels, slot="m7"), None)
+    expect(slot_symbols(kernels.replace("m7_f", "e9_f"), slot="e9"), "not on the list")
     expect(slot_symbols("extern const int m7_ownqvrsFFTKernels_32f; int e9_f(void) { return m7_ownqvrsFFTKernels_32f; }", slot="e9"), "not on the list")
     expect(slot_symbols("extern int qvrUnknown; int mx_f(void) { return qvrUnknown; }"), "qvrUnknown is undefined")
 

@@ -20,8 +20,9 @@ LIBM = {
     "windows.cpp.o": {"cos", "sincos"},
     "iir_design.cpp.o": {"cos", "cosh", "expm1", "log", "pow", "sin", "sincos", "sinh", "tan"},
 }
-# The transforms of these slots run the kernels of m7, whose level theirs contains.
-SHARED_KERNELS = dict.fromkeys(("u8", "n8", "y8"), ("m7_ownqvrsFFTKernels_",))
+# The transforms of these slots run kernels of m7 and of mx, whose levels theirs contain.
+SHARED_KERNELS = {"m7": ("mx_ownqvrsDFTKernels",),
+                  **dict.fromkeys(("u8", "n8", "y8"), ("m7_ownqvrsFFTKernels_", "mx_ownqvrsDFTKernels"))}
 OPENMP = re.compile(r"__kmpc_\w+|omp_get_(?:num_threads|thread_num)")
 
 
