@@ -18,11 +18,12 @@ template<class V> struct Parted {
 };
 template<class V> QVR_INLINE Parted<V> part(V x)
 {
-    const Bits<V> word = bits(x), rounded = word + 0x8000;
+    // The exponent's field less its bias, e as the high bits of a signed number.
+    const Bits<V> word = bits(x), rounded = word + (0x8000 - 0x3F800000);
     Parted<V> p;
     p.index = (rounded >> 16) & 127;
-    p.m = bitcast<V>(word - ((rounded & kInfinityBits) - 0x3F800000));
-    p.e = convert<float>(bitcast<Mask<V>>(rounded >> 23) - 127);
+    p.m = bitcast<V>(word - (rounded & 0xFF800000));
+    p.e = convert<float>(bitcast<Mask<V>>(rounded) >> 23);
     return p;
 }
 
