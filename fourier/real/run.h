@@ -61,7 +61,7 @@ constexpr int kStackTileOrder = 6;
 static_assert(kStripBytes << kStackTileOrder == kTileBytes);
 
 // Order from which an inverse recombines on its way into the first pass.
-constexpr int kFirstJoinedFrom = 13;
+template<class T> constexpr int kFirstJoinedFrom = sizeof(T) == 4 ? 13 : 12; // orders of 64 KB
 
 // The columns k .. k + columns - 1 of one strip, rows 2^from points apart.
 template<class T>
@@ -320,7 +320,7 @@ template<class T> inline void inverseTransform(const FftRun<T>& run, const T* sr
     const Vec<T, 2> middle = {2 * get(src, M), -2 * get(src, M + 1)};
     T* const area = areaOf(run, src, dst);
     if constexpr (!kFirstGeneration)
-        if (c == FftClass::flat && run.plan.order >= kFirstJoinedFrom) {
+        if (c == FftClass::flat && run.plan.order >= kFirstJoinedFrom<T>) {
             runFirstBlocks(run, src, last, middle, area);
             runRow(run, area, dst, run.finish);
             return;
