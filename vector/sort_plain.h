@@ -267,53 +267,74 @@ template<class T> QVR_INLINE T medianOf(T x, T y, T z)
 
 constexpr Index kNinthsFrom = 128; // elements from which the pivot is a median of three medians
 
-// steps(a, n) sorts what no pivot parts well.
+// Many vectors; the first one decides for most arrays.
+template<class T> QVR_INLINE bool allEqual(const T* a, Index n, T value)
+{
+    using V = Full<T>;
+    const V other = splat<V>(value);
+    for (Index i = 0; i + lanes<V> <= n; i += lanes<V>)
+        if (anyTrue(load<V>(a + i) != other))
+            return false;
+    return !anyTrue(load<V>(a + n - lanes<V>) != other);
+}
+
+// steps(a, n) sorts what no pivot parts well. A pivot equal to a bound from below parts off its equals at once, so few
+// distinct values take little more than a pass for each.
 template<class T, class Steps> void sortPlain(T* a, Index len, const Steps& steps)
 {
     struct {
         T* from;
         Index n;
         int patience; // bad splits left before the steps take over
+        T least;      // nothing is below this
     } stack[32];      // only the smaller part goes on at once, so the depth stays within log2(length) + 1
     int depth = 0, patience = 2 * (64 - __builtin_clzll(static_cast<unsigned long long>(len)));
+    T least = static_cast<T>(-__builtin_inf());
     for (Index n = len;;) {
-        const bool small = n <= kMostVectors * kLanes<T>;
-        if (small || patience == 0) {
-            if (small)
-                sortSmall(a, n);
-            else
-                steps(a, n);
+        const auto three = [&](Index at, Index apart) {
+            return medianOf(get(a, at - apart), get(a, at), get(a, at + apart));
+        };
+        T pivot{};
+        bool sorted = true;
+        if (n <= kMostVectors * kLanes<T>) {
+            sortSmall(a, n);
+        } else if (patience == 0) {
+            steps(a, n);
+        } else {
+            const Index middle = n / 2, apart = n / 8;
+            pivot = n < kNinthsFrom
+                        ? three(middle, middle - 1)
+                        : medianOf(three(apart + 1, apart), three(middle, apart), three(n - apart - 2, apart));
+            sorted = allEqual(a, n, pivot);
+        }
+        if (sorted) {
             if (depth == 0)
                 return;
             depth--;
             a = stack[depth].from;
             n = stack[depth].n;
             patience = stack[depth].patience;
+            least = stack[depth].least;
             continue;
         }
-        const auto three = [&](Index at, Index apart) {
-            return medianOf(get(a, at - apart), get(a, at), get(a, at + apart));
-        };
-        const Index middle = n / 2, apart = n / 8;
-        const T pivot = n < kNinthsFrom
-                            ? three(middle, middle - 1)
-                            : medianOf(three(apart + 1, apart), three(middle, apart), three(n - apart - 2, apart));
-        Index front = gather<false>(a, n, pivot);
+        Index front = pivot == least ? 0 : gather<false>(a, n, pivot);
         if (front == 0) {
             // The pivot is the least: what equals it is in place.
             front = gather<true>(a, n, pivot);
             a += front;
             n -= front;
+            least = pivot;
             continue;
         }
         const Index back = n - front;
         patience -= front < n / 8 || back < n / 8;
         if (front > back) {
-            stack[depth++] = {a, front, patience};
+            stack[depth++] = {a, front, patience, least};
             a += front;
             n = back;
+            least = pivot;
         } else {
-            stack[depth++] = {a + front, back, patience};
+            stack[depth++] = {a + front, back, patience, pivot};
             n = front;
         }
     }

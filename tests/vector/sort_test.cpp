@@ -97,17 +97,20 @@ template<class T> std::vector<std::vector<T>> orders(size_t n, uint32_t seed)
     all.push_back(all[1]);
     std::reverse(all[2].begin(), all[2].end());
     std::mt19937 engine(seed);
-    std::vector<T> few(n), zeros(n), pipe(n), denormals(n), infinite(n);
+    const T infinity = std::numeric_limits<T>::infinity(), ends[] = {-infinity, 5, infinity};
+    std::vector<T> few(n), zeros(n), pipe(n), denormals(n), infinite(n), endless(n);
     for (size_t i = 0; i < n; i++) {
         few[i] = static_cast<T>(engine() % 4) - 1;
         zeros[i] = engine() % 3 == 0 ? static_cast<T>(engine() % 3) - 1 : engine() % 2 ? T(0.0) : T(-0.0);
         pipe[i] = static_cast<T>(i < n / 2 ? i : n - i);
         denormals[i] = std::numeric_limits<T>::denorm_min() * static_cast<T>(static_cast<int>(engine() % 9) - 4);
-        infinite[i] = engine() % 5 == 0 ? std::numeric_limits<T>::infinity() : static_cast<T>(engine() % 100);
+        infinite[i] = engine() % 5 == 0 ? infinity : static_cast<T>(engine() % 100);
         if (engine() % 7 == 0)
             infinite[i] = -infinite[i];
+        endless[i] = ends[engine() % 3];
     }
-    all.insert(all.end(), {few, zeros, pipe, denormals, infinite, std::vector<T>(n, T(3)), std::vector<T>(n, T(-0.0))});
+    all.insert(all.end(),
+               {few, zeros, pipe, denormals, infinite, endless, std::vector<T>(n, T(3)), std::vector<T>(n, T(-0.0))});
     return all;
 }
 
