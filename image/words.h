@@ -201,18 +201,18 @@ QVR_APART float prescribedSum(const qvrColumns* c, const qvrRowTaps* rows, uint3
     using P = Vec<double, 2>;
     const uint32_t nc = static_cast<uint32_t>(c->channels), x = i / nc, list = x % static_cast<uint32_t>(c->lists);
     const Index n = c->count[list], first = c->first[x];
-    const bool inside = nc == 1 && first >= 0 && first + n < c->length;
+    const bool inside = first >= 0 && first + n < c->length;
     const double* const w = static_cast<const double*>(c->weights) + list * c->stride;
     float acc = 0;
     for (Index k = 0; k < rows->count; k++) {
-        const uint8_t* s = reinterpret_cast<const uint8_t*>(rows->source[k]) + first;
+        const uint8_t* s = reinterpret_cast<const uint8_t*>(rows->source[k]) + first * nc + i % nc;
         uint8_t pixels[kMostTaps + 8];
         for (Index t = 0; t <= n && !inside; t++)
-            pixels[t] = s[clampIndex(first + t, c->length) * nc + i % nc - first];
+            pixels[t] = s[(clampIndex(first + t, c->length) - first) * nc];
         s = inside ? s : pixels;
         P part = {};
-        for (Index t = 0; t < n; t += 2) // a zero follows
-            part += widened<double>(load<Vec<uint8_t, 2>>(s + t)) * load<P>(w + t);
+        for (Index t = 0, at = 0, next = inside ? nc : 1; t < n; t += 2, at += 2 * next) // a zero follows
+            part += P{static_cast<double>(s[at]), static_cast<double>(s[at + next])} * load<P>(w + t);
         acc += static_cast<float>(static_cast<double>(static_cast<float>(part[0] + part[1])) * rows->weight[k]);
     }
     return acc;
