@@ -22,13 +22,16 @@ constexpr Index kRowsIn16 = 257;
 // Outputs of a strip, long enough to read whole pages of a row: their columns take 35 KiB of the stack.
 template<class A> constexpr Index kStrip = 2560 / sizeof(A);
 // Outputs of no more pixels are added up side by side; loads of four pixels may reach past the line.
-constexpr Index kTaps = 8, kPast = 8;
+constexpr Index kTaps = 8, kPast = 12;
+// Pixels of floats that are added one after another: the ends and a group of eight.
+constexpr Index kFew = 10;
 
 // Columns of a strip, relative to the line's first pixel.
 template<class A> struct Strip {
     Index from, to;   // outputs
     Index base, span; // pixels of the line
-    Index taps;       // of the longest output, in fours; 0: more than kTaps
+    Index most, taps; // of the longest output; in fours, 0: more than kTaps
+    bool few;         // all outputs are of 2 to kFew pixels
     int32_t start[kStrip<A>], count[kStrip<A>];
     double head[kStrip<A>], tail[kStrip<A>];
     A weight[kTaps][kStrip<A>];
@@ -70,13 +73,30 @@ template<class V> struct Pairwise {
     QVR_INLINE void add(V v)
     {
         group += v;
-        if (++members < 8)
-            return;
+        if (++members == 8)
+            join();
+    }
+    QVR_INLINE void join()
+    {
         for (uint32_t n = groups++; n & 1; n >>= 1)
             group = level[--top] + group;
         level[top++] = group;
         group = V{};
         members = 0;
+    }
+    // at(0) + ... + at(n - 1), from the start.
+    template<class At> QVR_INLINE V sum(Index n, const At& at)
+    {
+        start();
+        for (Index k = 0; k < n; k += 8) {
+            V v = {}; // a member would stay in memory
+            for (Index i = k; i < n && i < k + 8; i++)
+                v += at(i);
+            group = v;
+            if (n - k >= 8)
+                join();
+        }
+        return total();
     }
     QVR_INLINE V total()
     {
@@ -120,17 +140,14 @@ template<class T, class V> QVR_INLINE void sumFloats(const Super<double>& s, con
     };
     const Index count = s.rows.count;
     V sum = row(0) * s.rows.head;
-    if (count > 2 && count <= 9) {
+    if (count > 2 && count <= kFew) {
         V between = row(1);
         for (Index k = 2; k < count - 1; k++)
             between += row(k);
         sum += between;
-    } else if (count > 9) {
+    } else if (count > kFew) {
         Pairwise<V> between;
-        between.start();
-        for (Index k = 1; k < count - 1; k++)
-            between.add(row(k));
-        sum += between.total();
+        sum += between.sum(count - 2, [&](Index k) { return row(k + 1); });
     }
     if (count > 1)
         sum += row(count - 1) * s.rows.tail;
@@ -202,6 +219,28 @@ QVR_APART void longOutput(const Super<A>& s, const qvrCover& c, Index room, cons
     putOutput(s, dst, sum);
 }
 
+// Neighbouring outputs of floats, of 2 to kFew pixels, each as if it were alone.
+template<int N> QVR_INLINE Vec<double, N> sumFew(const Super<double>& s, const Strip<double>& strip, Index x)
+{
+    using V = Vec<double, N>;
+    const V last = convert<double>(load<Vec<int32_t, N>>(strip.count + x) - 1);
+    const auto pixels = [&](Index k, V& first, V& second) {
+        pairColumns([&](int i) { return s.line + strip.start[x + i] + k; }, first, second);
+    };
+    const auto kept = [](auto mask, V v) { return bitcast<V>(bits(v) & bitcast<Bits<V>>(mask)); };
+    V first, second, between = {};
+    pixels(0, first, second);
+    V sum = first * load<V>(strip.head + x), end = kept(last == 1, second);
+    for (Index k = 1; k < strip.most - 1; k += 2) {
+        between += kept(last > static_cast<double>(k), second);
+        pixels(k + 1, first, second);
+        between += kept(last > static_cast<double>(k + 1), first);
+        end = bitcast<V>(bits(end) | bits(kept(last == static_cast<double>(k + 1), first)) |
+                         bits(kept(last == static_cast<double>(k + 2), second)));
+    }
+    return addProduct(end, load<V>(strip.tail + x), sum + between * s.unitX);
+}
+
 // Neighbouring outputs of one channel.
 template<int N, class A> QVR_INLINE Vec<A, N> sumTaps(const Super<A>& s, const Strip<A>& strip, Index x)
 {
@@ -240,11 +279,16 @@ template<class T, int NC, class A> QVR_APART void stripOutputs(const Super<A>& s
                 putOutput(s, dst + x, sumTaps<1>(s, strip, x));
         }
     }
+    if constexpr (sizeof(T) != 1) {
+        constexpr int N = kLanes<double>;
+        for (; strip.few && x + N <= outputs; x += N)
+            putOutput(s, dst + x, sumFew<N>(s, strip, x));
+    }
     for (; x < outputs; x++) {
         using P = Vec<A, NC>;
         const A* const p = s.line + Index{strip.start[x]} * NC;
         const Index last = strip.count[x] - 1;
-        if (sizeof(T) != 1 && last > 8) {
+        if (sizeof(T) != 1 && strip.count[x] > kFew) {
             const qvrCover c = {0, strip.count[x], strip.head[x], strip.tail[x]};
             longOutput<T, NC>(s, c, c.count, p, dst + x * NC);
             continue;
@@ -366,7 +410,8 @@ template<class A> QVR_APART void makeStrip(const Super<A>& s, Index from, bool n
 {
     const qvrResizeBand* const b = s.band;
     strip.from = strip.to = from;
-    Index most = 0;
+    Index least = 2;
+    strip.most = 0;
     for (; strip.to < b->x.count && strip.to - from < kStrip<A>; strip.to++) {
         qvrCover c;
         qvrCoverOf(&s.x, s.whole, b->x.first + strip.to, &c);
@@ -380,9 +425,11 @@ template<class A> QVR_APART void makeStrip(const Super<A>& s, Index from, bool n
         strip.count[x] = static_cast<int32_t>(c.count);
         strip.head[x] = c.head;
         strip.tail[x] = c.tail;
-        most = c.count > most ? c.count : most;
+        strip.most = c.count > strip.most ? c.count : strip.most;
+        least = c.count < least ? c.count : least;
     }
-    strip.taps = neighbours && s.x.inv <= kTaps - 1 ? qvrAlignUp(most, Index{4}) : 0;
+    strip.few = least == 2 && strip.most <= kFew;
+    strip.taps = neighbours && s.x.inv <= kTaps - 1 ? qvrAlignUp(strip.most, Index{4}) : 0;
     for (Index x = 0; x < strip.to - from; x++)
         for (Index k = 0; k < strip.taps; k++) {
             const Index last = strip.count[x] - 1;
