@@ -122,8 +122,12 @@ QVR_APART void averageRows(const uint16_t* const* line, const uint16_t* cover, I
         Sums sum = rounding + load<Sums>(first + i) * c0 + load<Sums>(second + i) * c1;
         for (Index k = 2; k < rows; k++)
             sum += load<Sums>(line[k] + i) * splat<Sums>(cover[k]);
-        if (parts > 1)
-            sum = convert<uint16_t>((convert<uint32_t>(sum) * convert<uint32_t>(splat<Sums>(m))) >> 16);
+        if (m > 0) {
+            // The form in which compilers see the upper half of a product.
+            using Wide = Vec<uint32_t, kGroup>;
+            const auto product = __builtin_convertvector(sum, Wide) * __builtin_convertvector(splat<Sums>(m), Wide);
+            sum = __builtin_convertvector(product >> 16, Sums);
+        }
         return sum >> splat<Sums>(static_cast<uint16_t>(s));
     };
     const auto block = [&](Index i) { return packWords(half(i), half(i + kGroup)); };
@@ -142,11 +146,14 @@ template<int NC> bool averageRatios(const qvrResizeBand* b, const qvrSuperAxis* 
         return false;
     const Index parts = x->p * y->p, largest = 255 * parts + parts / 2;
     int s = 0;
-    while ((Index{2} << s) < parts)
+    while ((Index{2} << s) <= parts)
         s++;
-    const Index m = ((Index{1} << (16 + s)) + parts - 1) / parts;
-    if (parts > 1 && (m > 65535 || largest * (m * parts - (Index{1} << (16 + s))) >= Index{1} << (16 + s)))
-        return false;
+    Index m = 0; // a power of two takes the shift alone
+    if (parts != Index{1} << s) {
+        m = ((Index{1} << (16 + s)) + parts - 1) / parts;
+        if (m > 65535 || largest * (m * parts - (Index{1} << (16 + s))) >= Index{1} << (16 + s))
+            return false;
+    }
     if constexpr (kSsse3 && NC > 0) {
         RatioStrip strip;
         for (Index from = 0; from < b->x.count; from = strip.to) {
