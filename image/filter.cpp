@@ -230,11 +230,19 @@ template<int NT, class V> QVR_INLINE void tapsAt(const Elem<V>* s, const int32_t
 {
     constexpr bool fours = sizeof(Elem<V>) == 4 && lanes<V> > 1;
     if constexpr (kAvx2 && lanes<V> == 8) {
-        // Enlarging: all of one tap come out of one load.
-        if (at[7] - at[0] < 8) {
-            const auto from = load<Vec<int32_t, 8>>(at) - at[0];
+        const Index reach = at[7] - at[0];
+        const auto from = load<Vec<int32_t, 8>>(at) - at[0];
+        // Enlarging: all of one tap come out of one load, of two down to a half.
+        if (reach < 8) {
             for (int k = 0; k < NT; k++)
                 t[k] = choose8(load<V>(s + at[0] + k), from);
+            return;
+        }
+        if (NT == 2 && reach < 16) {
+            for (int k = 0; k < NT; k++) {
+                const V near = choose8(load<V>(s + at[0] + k), from), far = choose8(load<V>(s + at[0] + k + 8), from);
+                t[k] = from > 7 ? far : near;
+            }
             return;
         }
     }
