@@ -34,7 +34,8 @@ constexpr double kFar = 0x1p52;
 
 double bounded(double v, double low, double high)
 {
-    return !(v > low) ? low : v < high ? v : high;
+    const double above = v > low ? v : low;
+    return above < high ? above : high;
 }
 int64_t floorOf(double v)
 {
@@ -224,10 +225,11 @@ template<class N> void coverOf(N from, N to, N unit, int64_t length, N least, qv
 
 extern "C" {
 
-int32_t qvrNearestIndex(const qvrResizeAxis* axis, int64_t d)
+void qvrNearestOf(const qvrResizeAxis* axis, int64_t d, int64_t count, int32_t* pixels)
 {
-    const double at = (static_cast<double>(d) + 0.5) * axis->inv + (axis->off - kNearestBack);
-    return static_cast<int32_t>(bounded(at, 0, axis->length - 1));
+    const double inv = axis->inv, off = axis->off - kNearestBack, last = axis->length - 1;
+    for (int64_t k = 0; k < count; k++)
+        pixels[k] = static_cast<int32_t>(bounded((static_cast<double>(d + k) + 0.5) * inv + off, 0, last));
 }
 
 const qvrResizeMethod* qvrMethodOf(int32_t selector)

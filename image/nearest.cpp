@@ -109,13 +109,14 @@ template<> struct PixelBits<8> {
 };
 template<int Bytes> using PixelOf = typename PixelBits<Bytes>::type;
 
+constexpr Index kRows = 64; // of the source that are looked up together
+
 template<class T> void nearest(const qvrResizeBand* b)
 {
     const Index width = b->x.count, bytes = width * static_cast<Index>(sizeof(T));
     Carver carver = bufferOf(b);
     int32_t* const column = carver.take<int32_t>(width, 16);
-    for (Index x = 0; x < width; x++)
-        column[x] = qvrNearestIndex(&b->x, b->x.first + x);
+    qvrNearestOf(&b->x, b->x.first, width, column);
     bool groups = false, near = false, evens = sizeof(T) == 1;
     const Index first = column[0];
     for (Index x = 0; evens && x < width; x++)
@@ -123,8 +124,11 @@ template<class T> void nearest(const qvrResizeBand* b)
     if constexpr (kSsse3 && sizeof(T) == 1)
         groups = !evens && makeGroups(column, width, b->x.length, near);
     Index shown = -1;
+    int32_t rows[kRows];
     for (Index n = 0; n < b->y.count; n++) {
-        const Index y = qvrNearestIndex(&b->y, b->y.first + n);
+        if (n % kRows == 0)
+            qvrNearestOf(&b->y, b->y.first + n, n + kRows < b->y.count ? kRows : b->y.count - n, rows);
+        const Index y = rows[n % kRows];
         char* const to = outputRow(b, n, sizeof(T));
         const char* const row = sourceRow(b, y);
         if (y == shown)

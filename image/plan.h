@@ -81,8 +81,8 @@ QVR_HIDDEN int32_t qvrResizeThreads(int32_t threadBytes);
 // The pixels round the produced block that the source covers in part.
 QVR_HIDDEN void qvrResizeEdges(const qvrResizePlan* plan, char* dst, int64_t dstStep, int pixel);
 
-// The source pixel under the centre of destination pixel d, clamped into the image.
-QVR_HIDDEN int32_t qvrNearestIndex(const qvrResizeAxis* axis, int64_t d);
+// The source pixels under the centres of `count` destination pixels from d on, clamped into the image.
+QVR_HIDDEN void qvrNearestOf(const qvrResizeAxis* axis, int64_t d, int64_t count, int32_t* pixels);
 
 // A separable method on an axis. Without low pass each position has 2 radius taps. With it the weights are kernel(|j -
 // centre| * scale) * scale for the taps j within `reach` of the centre, divided by their sum; where inv = pixels /
