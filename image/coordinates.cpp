@@ -200,9 +200,10 @@ template<class N> void coverOf(N from, N to, N unit, int64_t length, N least, qv
     c->count = 1;
     c->head = static_cast<double>(to - from);
     c->first = to <= 0 ? 0 : length - 1;
-    if (to <= 0 || from >= end)
-        return;
+    // One comparison: two would be one of vectors, whose other halves may be anything and raise invalid.
     const N low = from < 0 ? 0 : from, high = to < end ? to : end;
+    if (high <= low)
+        return;
     c->first = wholePart(low, unit);
     int64_t last = wholePart(high, unit);
     N head = static_cast<N>(c->first + 1) * unit - low, tail = high - static_cast<N>(last) * unit;
