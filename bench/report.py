@@ -199,8 +199,8 @@ TASKS = [
     ("300,000 convolved with 3000", "qvrsConv_32f", "", "300000 by 3000", "fourier"),
     ("Hann window on 4096", "qvrsWinHann_32f_I", "", "4096", "fourier"),
     ("FIR, 64 taps, 4096 samples", "qvrsFIR_32f", "", "64 taps, 4096", "filters"),
-    ("FIR, 1000 taps, 65,536 samples", "qvrsFIR_32f", "", "1000 taps", "filters"),
-    ("recursive, order 4, 4096 samples", "qvrsIIR_64f", "", "order 4, 4096", "filters"),
+    ("FIR, 1024 taps, 65,536 samples", "qvrsFIR_32f", "", "1024 taps, 65536", "filters"),
+    ("recursive, order 4, 1024 samples", "qvrsIIR_64f", "", "order 4, 1024", "filters"),
     ("median of 31, 4096 samples", "qvrsFilterMedian_32f_I", "", "mask 31, 4096", "filters"),
     ("picture to half, area mean", "qvriResizeSqrPixel_8u_C1R", "", "super 640x480 to 320x240", "image"),
     ("picture to a fifth, Lanczos", "qvriResizeSqrPixel_8u_C1R", "", "Lanczos antialiased 4000x3000 to 800x600", "image"),
@@ -211,9 +211,13 @@ TASKS = [
 def find_task(task, families):
     words, name, variant, case, family = task
     run = families.get(family)
+    if not run:
+        return None
     found = [r for r in run["results"] if r["name"] == name and r["case"].startswith(case)
-             and (not variant or r["variant"] == variant) and r["best"]] if run else []
-    return found[0] if found else None
+             and (not variant or r["variant"] == variant) and r["best"]]
+    if not found:
+        raise SystemExit(f"no row for the task '{words}': {name} {variant} {case}")
+    return found[0]
 
 
 def time_text(ns):

@@ -123,8 +123,14 @@ public:
         }
         const size_t pattern = static_cast<size_t>(range(0, 64));
         const std::vector<uint8_t> seed = provider_.ConsumeBytes<uint8_t>(pattern);
-        for (size_t i = 0; i < static_cast<size_t>(size); i++)
-            p[i] = static_cast<char>(seed.empty() ? i * 131 : seed[i % seed.size()] + i / 97);
+        // The seed again and again, one more at every 97th byte.
+        const size_t length = seed.empty() ? 1 : seed.size(), slope = seed.empty() ? 131 : 0;
+        size_t place = 0, added = 0;
+        for (size_t from = 0; from < static_cast<size_t>(size); from += 97, added++)
+            for (size_t i = from; i < static_cast<size_t>(size) && i < from + 97; i++) {
+                p[i] = static_cast<char>(slope != 0 ? i * slope : seed[place] + added);
+                place = place + 1 == length ? 0 : place + 1;
+            }
         return p;
     }
 

@@ -175,7 +175,10 @@ template<> struct Shape<qvriCopy_16u_C1MR> {
         int srcStep, dstStep, maskStep;
         const qvr16u* src = imageRows<qvr16u>(in, c.width, c.height, in.range(0, 2), srcStep);
         qvr16u* dst = imageRows<qvr16u>(in, c.width, c.height, in.range(0, 2), dstStep);
-        const qvr8u* mask = imageRows<qvr8u>(in, c.width, c.height, in.range(0, 2), maskStep);
+        qvr8u* mask = imageRows<qvr8u>(in, c.width, c.height, in.range(0, 2), maskStep);
+        if (in.oneIn(4))
+            for (int y = 0; y < c.height; y++)
+                memset(mask + int64_t{y} * maskStep, 0, static_cast<size_t>(c.width));
         demand(f(src, srcStep, dst, dstStep, c.size(), mask, maskStep) == qvrOk);
     }
 };

@@ -5,10 +5,10 @@
 #include <cerrno>
 #include <csetjmp>
 #include <csignal>
-#include <random>
 #include <set>
 #include <string>
 
+#include "calls/random_bytes.h"
 #include "calls/shapes.h"
 #include "frame/allocator.h"
 #include "support/arena.h"
@@ -93,9 +93,8 @@ uint16_t x87Control()
 std::vector<uint8_t> randomBytes(uint32_t seed)
 {
     std::vector<uint8_t> bytes(6000);
-    std::mt19937 engine(seed);
-    for (uint8_t& b : bytes)
-        b = static_cast<uint8_t>(engine());
+    uint64_t random = seed;
+    calls::fillRandom(bytes.data(), bytes.size(), random);
     return bytes;
 }
 

@@ -7,11 +7,11 @@
 #include <deque>
 #include <fstream>
 #include <map>
-#include <random>
 #include <set>
 #include <sstream>
 #include <string>
 
+#include "calls/random_bytes.h"
 #include "calls/shapes.h"
 #include "support/slots.h"
 
@@ -97,7 +97,7 @@ TEST(Levels, AreAsTheReferenceSays)
     ASSERT_FALSE(rules.empty());
     std::set<const Rule*> differing;
     const int32_t chosen = qvrCpuIndex;
-    std::mt19937 engine(7);
+    uint64_t random = 7;
     std::vector<uint8_t> bytes(3000);
     for (const Export& e : kExports) {
         const auto rule = std::find_if(rules.begin(), rules.end(), [&](const Rule& r) {
@@ -107,7 +107,7 @@ TEST(Levels, AreAsTheReferenceSays)
         ASSERT_NE(rule, rules.end()) << e.name;
         bool reported = false;
         for (int k = 0; k < 300 && !reported; k++) {
-            std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<uint8_t>(engine()); });
+            calls::fillRandom(bytes.data(), bytes.size(), random);
             const calls::Data data = k % 2 ? calls::Data::ordinary : calls::Data::hostile;
             std::map<std::string, std::string> slotsOf;
             for (int slot = 0; slot < slots::kCount; slot++) {

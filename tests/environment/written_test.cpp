@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <deque>
 #include <map>
-#include <random>
 #include <set>
 #include <string>
 
+#include "calls/random_bytes.h"
 #include "calls/shapes.h"
 #include "support/slots.h"
 
@@ -92,7 +92,7 @@ TEST(Statuses, ListOfNothingWrittenIsComplete)
         {"qvriResize_8u_C4R", refused},          {"qvriResize_32f_C1R", refused},
     };
     const int32_t chosen = qvrCpuIndex;
-    std::mt19937 engine(1);
+    uint64_t random = 1;
     std::vector<uint8_t> bytes(3000);
     for (int slot = 0; slot < slots::kCount; slot++) {
         if (!slots::canRun(slot))
@@ -104,7 +104,7 @@ TEST(Statuses, ListOfNothingWrittenIsComplete)
                 continue;
             current = e.name;
             for (int k = 0; k < 300; k++) {
-                std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<uint8_t>(engine()); });
+                calls::fillRandom(bytes.data(), bytes.size(), random);
                 blocks.clear();
                 calls::Input in(bytes.data(), bytes.size(), k % 3 ? calls::Data::anything : calls::Data::hostile,
                                 [](size_t n, size_t offset) {

@@ -2,9 +2,9 @@
 // nothing undefined may happen, and a call with a null pointer or a length below 1 must return an error.
 //
 // A unit of the fuzzer is cut into equal slices, one a call: what the fuzzer spends on a unit exceeds most calls.
-#include <algorithm>
 #include <random>
 
+#include "calls/random_bytes.h"
 #include "calls/shapes.h"
 #include "support/slot_list.h"
 
@@ -72,6 +72,7 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t max
     std::mt19937 engine(seed);
     if (2 * size >= maxSize && engine() % 4)
         return LLVMFuzzerMutate(data, size, maxSize);
-    std::generate_n(data, maxSize, [&] { return static_cast<uint8_t>(engine()); });
+    uint64_t random = seed;
+    calls::fillRandom(data, maxSize, random);
     return maxSize;
 }

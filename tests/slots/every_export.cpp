@@ -2,8 +2,8 @@
 // one slot's level and nothing more, an instruction above it ends the program. What the calls return is judged
 // elsewhere, on all slots at the processor's own speed.
 #include <cstdio>
-#include <random>
 
+#include "calls/random_bytes.h"
 #include "calls/shapes.h"
 #include "support/slot_list.h"
 
@@ -13,11 +13,10 @@ constexpr int kCalls = 60; // of each export
 
 template<class Name, class F> void callAll(F f)
 {
-    std::mt19937 engine(1);
+    uint64_t random = 1;
     std::vector<uint8_t> data(2000);
     for (int i = 0; i < kCalls; i++) {
-        for (uint8_t& byte : data)
-            byte = static_cast<uint8_t>(engine());
+        calls::fillRandom(data.data(), data.size(), random);
         calls::Input in(data.data(), data.size(), i % 3 ? calls::Data::ordinary : calls::Data::anything);
         calls::Shape<Name>::call(f, in);
     }
