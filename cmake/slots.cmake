@@ -35,7 +35,8 @@ set(QVR_OPTIMISE $<$<NOT:$<CONFIG:Debug>>:-O3>)
 set(QVR_WATCHED_SLOTS mx u8 l9)
 set(QVR_WATCHED $<$<BOOL:${QVR_FUZZ}>:-fsanitize=fuzzer-no-link>)
 
-# Slots that a sanitizer's build does not look into and whose tests it skips: all come from one source.
+# Slots that a sanitizer's build does not look into and whose tests it skips: all come from one source. They are compiled
+# to be linked only.
 set(QVR_LEFT_OUT "" CACHE STRING "Slots that are built without the sanitizer")
 
 function(qvr_make_slot_targets)
@@ -46,7 +47,7 @@ function(qvr_make_slot_targets)
             QVR_SLOT_SHARED_PREFIX=${QVR_SHARED_${slot}})
         target_link_libraries(slot_${slot} PRIVATE declarations)
         if(slot IN_LIST QVR_LEFT_OUT)
-            target_compile_options(slot_${slot} PRIVATE -fno-sanitize=all -g0)
+            target_compile_options(slot_${slot} PRIVATE -fno-sanitize=all -g0 -O0)
         elseif(slot IN_LIST QVR_WATCHED_SLOTS)
             target_compile_options(slot_${slot} PRIVATE ${QVR_WATCHED})
         endif()

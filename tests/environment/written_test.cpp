@@ -103,7 +103,7 @@ TEST(Statuses, ListOfNothingWrittenIsComplete)
             if (name.ends_with("_I") || name.ends_with("ISfs") || name.ends_with("IRSfs"))
                 continue;
             current = e.name;
-            for (int k = 0; k < 300; k++) {
+            for (int k = 0; k < 200; k++) {
                 calls::fillRandom(bytes.data(), bytes.size(), random);
                 blocks.clear();
                 calls::Input in(bytes.data(), bytes.size(), k % 3 ? calls::Data::anything : calls::Data::hostile,

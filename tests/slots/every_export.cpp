@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kCalls = 60; // of each export
+constexpr int kCalls = 30; // of each export
 
 template<class Name, class F> void callAll(F f)
 {
