@@ -422,7 +422,7 @@ def main():
     for path in sorted(glob.glob(os.path.join(folder, "*.json"))):
         with open(path) as f:
             data = json.load(f)
-        if data["own"] in data["slots"]:
+        if data.get("own") in data.get("slots", {}): # the other files are no families
             families[data["family"]] = data["slots"][data["own"]]
             settle_shares(families[data["family"]])
             family_page(data, docs)
