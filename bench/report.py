@@ -21,6 +21,8 @@ import matplotlib
 matplotlib.use("svg")
 import matplotlib.pyplot as plt  # noqa: E402
 
+plt.rcParams["svg.hashsalt"] = "morvenqvr"  # the same drawing has the same names
+
 LEVELS = ["L1", "L2", "memory"]
 
 
