@@ -26,7 +26,11 @@ constexpr int kPanels = 1024; // for a unit of the kernel
 // Periods of positions that are looked for: inv = p / q to rounding.
 constexpr int kMostPeriod = 256;
 constexpr double kPeriodic = 0x1p-50;
-constexpr double kNear = 0x1p40; // of places; periods are exact below
+constexpr double kNear = 0x1p40;   // of places; periods of covers are exact below
+constexpr double kRepeat = 0x1p18; // of places; below, periods of the low pass are looked for
+constexpr double kExact = 1024;    // places of multiples of its inverse are exact
+// So much a weight moves with its place, itself and by the sum of all, and so much it is rounded.
+constexpr double kSlope = 12, kRoundings = 0x1p-48;
 
 constexpr double kMostInv = 1e300;
 
@@ -252,6 +256,7 @@ void qvrMakeFilter(const qvrResizeAxis* axis, const qvrResizeMethod* method, int
           2 * method->radius,
           0,
           0,
+          0,
           method,
           lowPass,
           single};
@@ -264,7 +269,7 @@ void qvrMakeFilter(const qvrResizeAxis* axis, const qvrResizeMethod* method, int
     const int64_t all = f->length + 2 * (kFold + 1);
     const double taps = 2 * f->reach + 1;
     f->most = taps < static_cast<double>(all) ? static_cast<int64_t>(taps) : all;
-    if (!(f->inv < axis->length && absOf(f->off) < kNear))
+    if (!(f->inv < axis->length && axis->length < kRepeat && absOf(f->off) < kRepeat))
         return;
     // The products of the halves with a number of nine bits are exact.
     const double high = static_cast<double>(static_cast<float>(f->inv)), low = f->inv - high;
@@ -275,6 +280,10 @@ void qvrMakeFilter(const qvrResizeAxis* axis, const qvrResizeMethod* method, int
         if (absOf(rest) <= (single ? p * kPeriodic : 0) && whole > 0) {
             f->period = q;
             f->pixels = whole;
+            const double places = static_cast<double>(f->length) + f->reach + 2 * absOf(f->off);
+            const auto isShort = [](double v) { return v * kExact == static_cast<double>(floorOf(v * kExact)); };
+            if (!isShort(f->inv) || !isShort(f->off))
+                f->doubt = kSlope * places * (absOf(rest) / p + 0x1p-52) + kRoundings;
         }
     }
 }

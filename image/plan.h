@@ -92,6 +92,7 @@ typedef struct {
     int64_t length;
     int64_t most; // no position has more taps
     int64_t period, pixels;
+    double doubt; // how far the weights of lists that repeat may be from those of a place itself
     const qvrResizeMethod* method;
     int32_t lowPass, single; // single: fractions are singles; else only lists that are equal to the last bit repeat
 } qvrFilter;

@@ -49,8 +49,8 @@ char* startOf(const qvrResizeBand* b)
 struct Job {
     const qvrResizeBand* band;
     const qvrRowKernels* k;
-    qvrFilter x, y;
-    Index held; // lines
+    qvrFilter x, y, ownX, ownY; // the latter without periods
+    Index held;                 // lines
     bool exact; // bytes: sums of singles with the columns' weights are exact, if those of rows are short, too
 };
 
@@ -178,6 +178,11 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     if (k->weights == qvrWeights_double)
         c.count = space.take<int32_t>(c.lists);
     c.weights = space.take<char>(c.lists * c.stride * bytes);
+    if (ofBytes(k) && j.x.doubt > 0) {
+        c.ownFirst = space.take<int32_t>(width);
+        c.ownCount = space.take<int32_t>(width);
+        c.own = space.take<double>(width * c.stride);
+    }
     c.extra = space.take<char>(k->extraBytes != nullptr ? k->extraBytes(&c) : 0);
     r.lineBytes = qvrAlignUp(width * k->channels * k->lineBytes, Index{64});
     r.lines = space.take<char>(j.held * r.lineBytes);
@@ -217,49 +222,62 @@ void makePlaces(const Job& j, Index from, qvrColumns& c)
     }
 }
 
+// The low pass at position d. Bytes times nothing are nothing: zeros at the ends are left out, one at the front, so
+// that first taps ascend, and one stands behind the list.
+qvrTaps makeList(const qvrFilter* f, Index d, bool wide, bool bytes, double* list, int32_t& steady)
+{
+    qvrTaps taps;
+    qvrTapsOf(f, d, &taps);
+    for (Index t = 0; t < taps.count; t += kRun)
+        qvrWeightsOf(f, &taps, t, least(taps.count - t, kRun), list + t);
+    for (Index t = 0; t < taps.count && !wide; t++) {
+        steady &= magnitudeOf(list[t]) <= f->doubt ||
+                  static_cast<float>(list[t] - f->doubt) == static_cast<float>(list[t] + f->doubt);
+        list[t] = static_cast<double>(static_cast<float>(list[t]));
+    }
+    if (!bytes)
+        return taps;
+    if (taps.count > 1 && list[0] == 0) {
+        taps.first++;
+        taps.count--;
+        for (Index t = 0; t < taps.count; t++)
+            list[t] = list[t + 1];
+    }
+    while (taps.count > 1 && list[taps.count - 1] == 0)
+        taps.count--;
+    list[taps.count] = 0;
+    return taps;
+}
+
 void makeColumns(Job& j, Index from, qvrColumns& c)
 {
     c.magnitude = 0;
     if (!j.x.lowPass)
         return makePlaces(j, from, c);
     j.exact = true;
+    c.steady = 1;
     Index most = 0; // taps that are left
     for (Index x = 0; x < c.width; x++) {
         if (x >= c.lists) {
             c.first[x] = c.first[x - c.lists] + static_cast<int32_t>(c.pixels);
             continue;
         }
-        qvrTaps taps;
-        qvrTapsOf(&j.x, from + x, &taps);
-        double w[kRun], magnitude = 0;
         double* const list = static_cast<double*>(c.weights) + x * c.stride;
-        for (Index t = 0; t < taps.count; t += kRun) {
-            const Index n = least(taps.count - t, kRun);
-            qvrWeightsOf(&j.x, &taps, t, n, w);
-            for (Index i = 0; i < n; i++) {
-                magnitude += magnitudeOf(w[i]);
-                list[t + i] = j.k->wide ? w[i] : static_cast<double>(static_cast<float>(w[i]));
-            }
-            j.exact &= areShort(w, n);
-        }
-        if (ofBytes(j.k)) {
-            // Bytes times nothing are nothing. One at the front, so that first taps ascend.
-            if (taps.count > 1 && list[0] == 0) {
-                taps.first++;
-                taps.count--;
-                for (Index t = 0; t < taps.count; t++)
-                    list[t] = list[t + 1];
-            }
-            while (taps.count > 1 && list[taps.count - 1] == 0)
-                taps.count--;
-            list[taps.count] = 0;
-        }
+        const qvrTaps taps = makeList(&j.x, from + x, j.k->wide, ofBytes(j.k), list, c.steady);
+        double magnitude = 0;
+        for (Index t = 0; t < taps.count; t++)
+            magnitude += magnitudeOf(list[t]);
+        j.exact &= areShort(list, taps.count);
         c.first[x] = static_cast<int32_t>(taps.first);
         c.count[x] = static_cast<int32_t>(taps.count);
         c.magnitude = magnitude > c.magnitude ? magnitude : c.magnitude;
         most = taps.count > most ? taps.count : most;
     }
     c.most = most;
+    c.filter = &j.ownX;
+    c.at = from;
+    for (Index x = 0; c.own != nullptr && x < c.width; x++)
+        c.ownCount[x] = 0;
 }
 
 char* outputAt(const Job& j, Index n, Index x)
@@ -315,6 +333,10 @@ void resizeColumns(Job& j, Index from, Index width)
     r.rows.source = source;
     r.rows.weight = weights;
     r.rows.single = singles;
+    qvrOwnRow own;
+    own.filter = &j.ownY;
+    own.differs = j.x.doubt > 0 || j.y.doubt > 0;
+    r.rows.own = &own;
     layOut(j, width, space, r);
     makeColumns(j, b->x.first + from, r.c);
     if (k->prepare != nullptr)
@@ -327,8 +349,13 @@ void resizeColumns(Job& j, Index from, Index width)
     for (Index n = 0; n < rows; n++) {
         Index first, count;
         const double* w = nextRow(lists, b->y.first, n, rows, first, count, r.rows.weight);
-        if (ofBytes(k))
+        if (ofBytes(k)) {
             guardRow(j, r.c, first, count, w, r.rows);
+            own.at = b->y.first + n;
+            own.first = first;
+            own.count = count;
+            own.made = 0;
+        }
         const Index low = clampIndex(first, j.y.length), high = clampIndex(first + count - 1, j.y.length);
         r.rows.count = count;
         r.rows.apart = high - low == count - 1;
@@ -451,6 +478,27 @@ void resizeWithoutLists(const Job& j)
 
 extern "C" {
 
+void qvrMakeOwnList(const qvrColumns* c, int64_t x)
+{
+    int32_t steady;
+    const qvrTaps taps = makeList(c->filter, c->at + x, false, true, c->own + x * c->stride, steady);
+    c->ownFirst[x] = static_cast<int32_t>(taps.first);
+    c->ownCount[x] = static_cast<int32_t>(taps.count);
+}
+
+void qvrMakeOwnRow(qvrOwnRow* row)
+{
+    qvrTaps taps;
+    double w[kRun];
+    qvrTapsOf(row->filter, row->at, &taps);
+    qvrWeightsOf(row->filter, &taps, 0, taps.count, w);
+    for (Index k = 0; k < row->count; k++) {
+        const Index t = row->first + k - taps.first;
+        row->weight[k] = t >= 0 && t < taps.count ? w[t] : 0;
+    }
+    row->made = 1;
+}
+
 void qvrResizeSeparable(const qvrResizeBand* b, const qvrRowKernels* kernels)
 {
     Job j;
@@ -460,6 +508,18 @@ void qvrResizeSeparable(const qvrResizeBand* b, const qvrRowKernels* kernels)
     qvrMakeFilter(&b->y, b->method, b->lowPass, !kernels->wide, &j.y);
     if (kernels->prescribed != nullptr && j.x.most + j.y.most > kRun)
         j.k = kernels->prescribed;
+    const auto withoutPeriods = [](qvrFilter f) {
+        if (f.doubt > 0)
+            f.period = 0;
+        f.doubt = 0;
+        return f;
+    };
+    j.ownX = withoutPeriods(j.x);
+    j.ownY = withoutPeriods(j.y);
+    if (kernels->elementBytes == 1 && !ofBytes(j.k)) {
+        j.x = j.ownX;
+        j.y = j.ownY;
+    }
     j.held = least(j.y.most + j.k->together - 1, j.y.length);
     const Index width = b->x.count;
     const Index room = b->buffer + b->bufferBytes - startOf(b);
@@ -478,8 +538,11 @@ void qvrResizeSeparable(const qvrResizeBand* b, const qvrRowKernels* kernels)
             high = middle - 1;
     }
     if (most == 0) {
-        if (j.k->prescribed != nullptr)
+        if (ofBytes(j.k)) {
             j.k = j.k->prescribed;
+            j.x = j.ownX;
+            j.y = j.ownY;
+        }
         return resizeWithoutLists(j);
     }
     for (Index x = 0; x < width; x += most)

@@ -20,7 +20,22 @@ typedef struct {
     void* extra;            // and more
     void* weights;          // plain, one channel: by tap, then by column; else list by list
     double magnitude;       // the largest sum of magnitudes of a list
+    // Bytes: the lists of the columns' own places, which differ in the last bits from those that repeat; made by
+    // qvrMakeOwnList when they are asked for. A count of 0: not yet.
+    int32_t *ownFirst, *ownCount;
+    double* own;             // null: there is no difference
+    int32_t steady;          // singles are the same, but for weights that are nothing in one of them
+    const qvrFilter* filter; // of places themselves
+    int64_t at;              // the place of column 0
 } qvrColumns;
+
+// The weights of an output row's own place, made when they are asked for.
+typedef struct {
+    const qvrFilter* filter;
+    int64_t at, first, count; // the place; of the row's taps
+    int32_t made, differs;    // already; from those that repeat, on one of the axes
+    double weight[512];
+} qvrOwnRow;
 
 typedef struct {
     int64_t count;
@@ -30,6 +45,7 @@ typedef struct {
     float* single;
     int32_t apart; // the taps are different rows
     float guard;   // how far a sum of singles may be from the prescribed one
+    qvrOwnRow* own;
 } qvrRowTaps;
 
 // Weights of columns: a fraction or all taps in the type of the lines, pairs of 14 bits, the low pass.
@@ -55,6 +71,8 @@ typedef struct qvrRowKernels {
 #ifdef __cplusplus
 extern "C" {
 #endif
+QVR_HIDDEN void qvrMakeOwnList(const qvrColumns* columns, int64_t x);
+QVR_HIDDEN void qvrMakeOwnRow(qvrOwnRow* row);
 QVR_HIDDEN void qvrResizeSeparable(const qvrResizeBand* band, const qvrRowKernels* kernels);
 #ifdef __cplusplus
 }

@@ -195,14 +195,19 @@ template<int NC> void filterWords(const qvrColumns* c, const char* const* rows, 
         all.template operator()<false, false>();
 }
 
-// The prescribed sum of element i of an output row.
-QVR_APART float prescribedSum(const qvrColumns* c, const qvrRowTaps* rows, uint32_t i)
+// The prescribed sum of element i of an output row, with weights of its own place or with those that repeat.
+float sumAsPrescribed(const qvrColumns* c, const qvrRowTaps* rows, uint32_t i, bool ownPlace)
 {
     using P = Vec<double, 2>;
-    const uint32_t nc = static_cast<uint32_t>(c->channels), x = i / nc, list = x % static_cast<uint32_t>(c->lists);
-    const Index n = c->count[list], first = c->first[x];
+    const uint32_t nc = static_cast<uint32_t>(c->channels), x = i / nc;
+    const bool own = c->own != nullptr && (ownPlace || !c->steady);
+    if (own && c->ownCount[x] == 0)
+        qvrMakeOwnList(c, x);
+    const uint32_t list = own ? x : x % static_cast<uint32_t>(c->lists);
+    const Index n = (own ? c->ownCount : c->count)[list], first = own ? c->ownFirst[x] : c->first[x];
     const bool inside = first >= 0 && first + n < c->length;
-    const double* const w = static_cast<const double*>(c->weights) + list * c->stride;
+    const double* const w = (own ? c->own : static_cast<const double*>(c->weights)) + list * c->stride;
+    const double* const weight = ownPlace ? rows->own->weight : rows->weight;
     float acc = 0;
     for (Index k = 0; k < rows->count; k++) {
         const uint8_t* s = reinterpret_cast<const uint8_t*>(rows->source[k]) + first * nc + i % nc;
@@ -213,9 +218,23 @@ QVR_APART float prescribedSum(const qvrColumns* c, const qvrRowTaps* rows, uint3
         P part = {};
         for (Index t = 0, at = 0, next = inside ? nc : 1; t < n; t += 2, at += 2 * next) // a zero follows
             part += P{static_cast<double>(s[at]), static_cast<double>(s[at + next])} * load<P>(w + t);
-        acc += static_cast<float>(static_cast<double>(static_cast<float>(part[0] + part[1])) * rows->weight[k]);
+        acc += static_cast<float>(static_cast<double>(static_cast<float>(part[0] + part[1])) * weight[k]);
     }
     return acc;
+}
+QVR_APART float prescribedSum(const qvrColumns* c, const qvrRowTaps* rows, uint32_t i)
+{
+    qvrOwnRow* const own = rows->own;
+    if (!own->differs || !own->made || (c->own != nullptr && c->ownCount[i / c->channels] == 0)) {
+        // Lists that repeat give a sum that differs by roundings of lines, products and sums in the last place.
+        const float sum = sumAsPrescribed(c, rows, i, false);
+        const float step = sum - static_cast<float>(static_cast<int32_t>(sum)) - 0.5f;
+        if (!own->differs || __builtin_fabsf(step) > static_cast<float>(2 * rows->count + 2) * 0x1p-16f)
+            return sum;
+        if (!own->made)
+            qvrMakeOwnRow(own);
+    }
+    return sumAsPrescribed(c, rows, i, true);
 }
 
 // Of n sums of a row from element `from` on, those too near to a step between two bytes are formed anew.

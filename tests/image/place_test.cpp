@@ -111,6 +111,15 @@ TEST(ResizePlace, LeastWorkBuffers)
     check(Source<double, 1>{300, 200});
 }
 
+// Sums over a ramp are often halves.
+Source<uint8_t, 1> ramp()
+{
+    Source<uint8_t, 1> s = {421, 317};
+    for (size_t i = 0; i < s.values.size(); i++)
+        s.values[i] = uint8_t(i % 421 * 255 / 421 + i / 421 % 3);
+    return s;
+}
+
 // Bytes of these methods are the same on every slot.
 TEST(ResizePlace, SlotsAgreeOnBytes)
 {
@@ -135,11 +144,86 @@ TEST(ResizePlace, SlotsAgreeOnBytes)
     };
     check(Source<uint8_t, 1>{421, 317});
     check(Source<uint8_t, 4>{190, 123});
-    // A ramp, whose sums are often halves.
-    Source<uint8_t, 1> ramp = {421, 317};
-    for (size_t i = 0; i < ramp.values.size(); i++)
-        ramp.values[i] = uint8_t(i % 421 * 255 / 421 + i / 421 % 3);
-    check(ramp);
+    check(ramp());
+}
+
+// The weights of a low pass as prescribed, operation by operation in double: the last bit decides where sums are
+// halves.
+Taps prescribedTaps(const Axis& axis, int method, int64_t d)
+{
+    const auto at = [&](double t) {
+        const auto sinc = [](double v) { return std::sin(M_PI * v) / (M_PI * v); };
+        if (method == qvriInterLinear)
+            return t < 1 ? 1 - t : 0;
+        if (method == qvriInterLanczos)
+            return t == 0 ? 1 : t < 3 ? sinc(t) * sinc(t / 3) : 0;
+        // Catmull-Rom
+        return t < 1 ? (1.5 * t - 2.5) * t * t + 1 : t < 2 ? ((-0.5 * t + 2.5) * t - 4) * t + 2 : 0;
+    };
+    const double centre = (double(d) + 0.5) * axis.inv + axis.off, scale = axis.inv > 1 ? 1 / axis.inv : 1;
+    const double reach = radiusOf(method) * std::max(axis.inv, 1.0);
+    Taps taps;
+    double sum = 0;
+    for (auto pixel = int64_t(std::ceil(centre - reach)); pixel <= int64_t(centre + reach); pixel++) {
+        const double weight = at(std::abs(centre - double(pixel)) * scale) * scale;
+        taps.list.push_back({axis.inside(pixel), weight});
+        sum += weight;
+    }
+    for (Tap& tap : taps.list)
+        tap.weight /= sum;
+    return taps;
+}
+
+// The bytes of a low pass as prescribed, operation by operation: along a row products in double to two sums by the
+// number of the tap, rounded to a single; down the columns products rounded to singles, added in order.
+template<int NC> std::vector<uint8_t> prescribedBytes(const Source<uint8_t, NC>& s, const Job& j)
+{
+    const Axes axes = axesOf(j, false);
+    const size_t dw = size_t(j.dstRoi.width) * NC;
+    std::vector<float> lines(dw * size_t(s.h));
+    for (int x = 0; x < j.dstRoi.width; x++) {
+        const Taps taps = prescribedTaps(axes.x, j.method(), x);
+        for (int y = 0; y < s.h; y++)
+            for (int c = 0; c < NC; c++) {
+                double sum[2] = {};
+                for (size_t t = 0; t < taps.list.size(); t++)
+                    sum[t % 2] +=
+                        s.values[size_t(s.elementAt(taps.list[t].index, y) + c)] * double(float(taps.list[t].weight));
+                lines[size_t(y) * dw + size_t(x * NC + c)] = float(sum[0] + sum[1]);
+            }
+    }
+    std::vector<uint8_t> bytes(dw * size_t(j.dstRoi.height));
+    for (int y = 0; y < j.dstRoi.height; y++) {
+        std::vector<float> sum(dw);
+        for (const Tap& tap : prescribedTaps(axes.y, j.method(), y).list)
+            for (size_t i = 0; i < dw; i++)
+                sum[i] += float(double(lines[size_t(tap.index) * dw + i]) * tap.weight);
+        for (size_t i = 0; i < dw; i++)
+            bytes[size_t(y) * dw + i] = uint8_t(std::clamp(int(std::trunc(double(sum[i]) + 0.5000001)), 0, 255));
+    }
+    return bytes;
+}
+
+TEST(ResizePlace, LowPassBytesAreThePrescribed)
+{
+    const auto check = [&]<int NC>(const Source<uint8_t, NC>& s) {
+        for (int method : {qvriInterLinear, qvriInterCubicCatmullRom, qvriInterLanczos})
+            for (double f : {0.5, 0.75, 0.625, 0.37, 0.2, 1.3}) {
+                const Job j = wholeImage(s.w, s.h, f, f, method | int(qvriAntialias));
+                const std::vector<uint8_t> want = prescribedBytes(s, j);
+                slots::each(tableOf<uint8_t, NC>(), [&](auto resize, int) {
+                    std::vector<uint8_t> got(want.size());
+                    resizeInto(resize, s, j.srcRoi, got, j.dstRoi.width, j.dstRoi, f, f, 0, 0, j.interpolation);
+                    int wrong = 0;
+                    for (size_t i = 0; i < want.size(); i++)
+                        wrong += got[i] != want[i];
+                    EXPECT_EQ(wrong, 0) << NC << " channels, method " << method << " factor " << f;
+                });
+            }
+    };
+    check(Source<uint8_t, 1>{421, 317});
+    check(Source<uint8_t, 4>{190, 123});
+    check(ramp());
 }
 
 // ---- Means against whole numbers -----------------------------------------------------------------------------------
