@@ -315,6 +315,8 @@ def summary_lines(families):
     for family, run in families.items():
         for wide in (False, True):
             ratios = [x for x in (against(r, wide) for r in run["results"]) if x]
+            if not ratios:
+                continue
             rows.append([family, "any peer" if wide else "peers held to the level", str(len(ratios)),
                          f"{geometric_mean(ratios):.2f}", str(sum(x > 1.05 for x in ratios))])
     return table(["family", "against", "cases", "geometric mean of ratios", "slower by more than 5 %"], rows)
