@@ -18,6 +18,13 @@ target_include_directories(morvenqvr PUBLIC
 target_link_options(morvenqvr PRIVATE
     -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map
     -Wl,-z,relro,-z,now,-z,noexecstack,-z,shstk -Wl,--as-needed -Wl,-O2)
+# Kernels that come out the same for two slots are one body in the library. Functions whose address is taken stay apart.
+# Not every linker can.
+include(CheckLinkerFlag)
+check_linker_flag(CXX -Wl,--icf=safe QVR_LINKER_FOLDS)
+if(QVR_LINKER_FOLDS)
+    target_link_options(morvenqvr PRIVATE -Wl,--icf=safe)
+endif()
 if(NOT QVR_SANITIZE)
     target_link_options(morvenqvr PRIVATE -nostdlib++ -Wl,-z,defs)
 endif()
