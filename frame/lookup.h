@@ -81,13 +81,14 @@ template<class V, class Row> QVR_INLINE void fourColumns(const Row& row, V* colu
         else
             return load<Q>(row(i));
     };
+    // Even and odd columns apart: this shuffle has two ports where those that zip have one.
     const V a = rows(0), b = rows(1), c = rows(2), d = rows(3);
-    const V ab = shuffleBlocks<0, 4, 1, 5>(a, b), cd = shuffleBlocks<0, 4, 1, 5>(c, d);
-    const V ab2 = shuffleBlocks<2, 6, 3, 7>(a, b), cd2 = shuffleBlocks<2, 6, 3, 7>(c, d);
-    column[0] = shuffleBlocks<0, 1, 4, 5>(ab, cd);
-    column[1] = shuffleBlocks<2, 3, 6, 7>(ab, cd);
-    column[2] = shuffleBlocks<0, 1, 4, 5>(ab2, cd2);
-    column[3] = shuffleBlocks<2, 3, 6, 7>(ab2, cd2);
+    const V ab = shuffleBlocks<0, 2, 4, 6>(a, b), cd = shuffleBlocks<0, 2, 4, 6>(c, d);
+    const V ab2 = shuffleBlocks<1, 3, 5, 7>(a, b), cd2 = shuffleBlocks<1, 3, 5, 7>(c, d);
+    column[0] = shuffleBlocks<0, 2, 4, 6>(ab, cd);
+    column[1] = shuffleBlocks<0, 2, 4, 6>(ab2, cd2);
+    column[2] = shuffleBlocks<1, 3, 5, 7>(ab, cd);
+    column[3] = shuffleBlocks<1, 3, 5, 7>(ab2, cd2);
 }
 
 // The elements base[index[lane]] of rows that are Stride elements apart: one column, or two neighbouring ones.

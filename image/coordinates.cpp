@@ -292,12 +292,13 @@ void qvrPlacesOf(const qvrFilter* f, int64_t d, int64_t count, int32_t* first, d
 {
     const double inv = f->inv, off = f->off - 0.5, last = static_cast<double>(f->length) - 0.5;
     const int32_t before = static_cast<int32_t>(f->most / 2) - 1;
-    for (int64_t k = 0; k < count; k++) {
+    const double from = static_cast<double>(d) + 0.5;
+    for (int32_t k = 0; k < static_cast<int32_t>(count); k++) {
         // The centre of a produced pixel lies within the image; what rounding makes of it, too.
-        const double pos = bounded((static_cast<double>(d + k) + 0.5) * inv + off, -1, last);
-        const int32_t i = static_cast<int32_t>(pos + 1) - 1;
-        const int32_t floor = static_cast<double>(i) > pos ? i - 1 : i;
-        fraction[k] = pos - static_cast<double>(floor);
+        const double pos = bounded((from + k) * inv + off, -1, last);
+        const int32_t i = static_cast<int32_t>(pos);
+        const int32_t floor = i > pos ? i - 1 : i;
+        fraction[k] = pos - floor;
         first[k] = floor - before;
     }
     for (int64_t k = 0; k < count && f->single; k++)

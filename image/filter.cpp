@@ -52,19 +52,21 @@ QVR_INLINE void eachColumn(const qvrColumns* c, Index from, Index to, const A* s
 template<class T> constexpr int kParts = sizeof(T) == 8 ? 8 : 2;
 template<class T, int NC> constexpr int kTogether = sizeof(T) == 8 ? 4 : 16 / NC;
 
-template<class V> QVR_INLINE void turnFour(V (&v)[4])
+// Elements of W rows sorted: lane r of v[k] is row(r)[k].
+template<class V, class Row> QVR_INLINE void turn(const Row& row, V* v)
 {
-    const V acl = zipLo(v[0], v[2]), ach = zipHi(v[0], v[2]), bdl = zipLo(v[1], v[3]), bdh = zipHi(v[1], v[3]);
-    v[0] = zipLo(acl, bdl);
-    v[1] = zipHi(acl, bdl);
-    v[2] = zipLo(ach, bdh);
-    v[3] = zipHi(ach, bdh);
+    if constexpr (sizeof(Elem<V>) == 4)
+        fourColumns(row, v);
+    else
+        pairColumns(row, v[0], v[1]);
 }
-// Pixels from .. from + n - 1 of R rows side by side; for lack of rows the last is taken again.
+// Pixels from .. from + n - 1 of R rows side by side; for lack of rows the last is taken again. Up to kBlock - 1 more
+// are written.
+constexpr Index kBlock = 4;
 template<class T, int NC, int R>
 QVR_APART void turnRows(const qvrColumns* c, const char* const* rows, Index count, Index from, Index n, double* to)
 {
-    constexpr Index L = R * NC, B = sizeof(T) == 1 && NC == 1 ? 16 : 4;
+    constexpr Index L = R * NC;
     const T* row[R];
     for (int r = 0; r < R; r++)
         row[r] = reinterpret_cast<const T*>(rows[r < count ? r : count - 1]);
@@ -76,30 +78,29 @@ QVR_APART void turnRows(const qvrColumns* c, const char* const* rows, Index coun
     Index i = 0;
     for (; i < n && from + i < 0; i++)
         one(i);
-    for (; i + B <= n && from + i + B <= c->length; i += B)
-        for (int r = 0; r < R; r += NC == 1 ? 4 : 1) {
-            double* const out = to + i * L + r * NC;
-            if constexpr (NC == 1) {
-                using V = Vec<T, B>;
-                V v[4];
-                for (int k = 0; k < 4; k++)
-                    v[k] = load<V>(row[r + k] + from + i);
-                turnFour(v);
-                if constexpr (B == 4) {
-                    for (int k = 0; k < 4; k++)
-                        store(out + k * L, convert<double>(v[k]));
-                } else {
-                    alignas(64) T pixels[4 * B];
-                    for (int k = 0; k < 4; k++)
-                        store(pixels + k * B, v[k]);
-                    for (int k = 0; k < B; k++)
-                        store(out + k * L, widened<double>(load<Vec<T, 4>>(pixels + 4 * k)));
-                }
-            } else {
-                for (int k = 0; k < B; k++)
-                    store(out + k * L, widened<double>(load<Vec<T, NC>>(row[r] + (from + i + k) * NC)));
+    if constexpr (NC == 1 && sizeof(T) > 1) {
+        constexpr int W = kLanes<double> < 4 && sizeof(T) == 8 ? 2 : 4, B = 16 / sizeof(T);
+        const Index wanted = qvrAlignUp(n - i, kBlock), inside = c->length - from - i;
+        const Index pixels = wanted <= inside ? wanted : inside > 0 ? inside / kBlock * kBlock : 0;
+#pragma nounroll
+        for (int r = 0; r < R; r += W) {
+            const T* at[W];
+            for (int j = 0; j < W; j++)
+                at[j] = row[r + j] + from + i;
+            double* out = to + i * L + r;
+            for (Index k = 0; k < pixels; k += B, out += B * L) {
+                Vec<T, W> v[B];
+                turn([&](int j) { return at[j] + k; }, v);
+                for (int j = 0; j < B; j++)
+                    store(out + j * L, convert<double>(v[j]));
             }
         }
+        i += pixels;
+    } else if constexpr (NC == 4) {
+        for (; i < n && from + i < c->length; i++)
+            for (int r = 0; r < R; r++)
+                store(to + i * L + r * NC, widened<double>(load<Vec<T, NC>>(row[r] + (from + i) * NC)));
+    }
     for (; i < n; i++)
         one(i);
 }
@@ -109,15 +110,15 @@ template<int NC, int R, class L> void turnBack(const L* sums, Index n, char* con
     for (Index i = 0; i < n && NC > 1; i++)
         for (Index r = 0; r < count; r++)
             store(reinterpret_cast<L*>(lines[r]) + (at + i) * NC, load<Vec<L, NC>>(sums + (R * i + r) * NC));
-    for (Index i = 0; i < n && NC == 1; i += 4)
-        for (int r = 0; r < R && r < count; r += 4) {
-            Vec<L, 4> v[4];
-            for (int k = 0; k < 4; k++)
-                v[k] = load<Vec<L, 4>>(sums + R * (i + k) + r);
-            turnFour(v);
-            for (int k = 0; k < 4 && r + k < count; k++) {
+    using V = Full<L>;
+    constexpr int W = lanes<V>, B = 16 / sizeof(L);
+    for (int r = 0; r < count && NC == 1; r += B)
+        for (Index i = 0; i < n; i += W) {
+            V v[B];
+            turn([&](int k) { return sums + R * (i + k) + r; }, v);
+            for (int k = 0; k < B && r + k < count; k++) {
                 L* const to = reinterpret_cast<L*>(lines[r + k]) + at + i;
-                if (n - i >= 4)
+                if (n - i >= W)
                     store(to, v[k]);
                 else
                     storePartial(to, v[k], static_cast<int>(n - i));
@@ -149,8 +150,8 @@ void filterGroup(const qvrColumns* c, const char* const* rows, char* const* line
     constexpr int P = kParts<T>;
     constexpr Index L = R * NC, room = kTurned / L;
     using V = Vec<double, L>;
-    alignas(64) double s[kTurned];
-    alignas(64) O sums[(kColumns + 4) * L];
+    alignas(64) double s[kTurned + kBlock * L];
+    alignas(64) O sums[(kColumns + kLanes<O>)*L];
     const Index most = c->most <= room ? kColumns : kLongColumns;
     for (Index x = 0, end; x < c->width; x = end) {
         const Index base = c->first[x];
@@ -183,8 +184,6 @@ void filterGroup(const qvrColumns* c, const char* const* rows, char* const* line
                 store(sums + L * i, convert<O>(sum));
             }
         }
-        for (Index k = L * (end - x); k % (4 * L) != 0; k++)
-            sums[k] = 0;
         turnBack<NC, R>(sums, end - x, lines, count, x);
     }
 }
@@ -203,7 +202,7 @@ void addTaps(const qvrColumns* c, const char* const* rows, Index count, Index fr
              double* parts)
 {
     constexpr Index R = kTogether<T, NC>, L = R * NC, room = kTurned / L;
-    alignas(64) double s[kTurned];
+    alignas(64) double s[kTurned + kBlock * L];
     for (Index k = 0; k < n; k += room) {
         const Index rest = n - k < room ? n - k : room;
         turnRows<T, NC, R>(c, rows, count, from + k, rest, s);
@@ -219,45 +218,35 @@ template<class T> void blendLowPass(const qvrColumns* c, const qvrRowTaps* rows,
     using L = Line<T>;
     constexpr bool fused = kFma && sizeof(T) == 4;
     using A = decltype(L{} + typename FloatOf < fused || sizeof(T) == 8 ? 8 : 4 > ::type{});
-    addStreams<A, 1, !fused && sizeof(T) != 8>(reinterpret_cast<const L* const*>(rows->line), 0, rows->weight,
-                                               rows->count, reinterpret_cast<T*>(to), c->width * c->channels);
+    addRows<A, !fused && sizeof(T) != 8, T>(c, rows, to);
 }
 
 // ---- Without antialiasing -------------------------------------------------------------------------------------------
 
-// The taps of the columns at[0], at[1], ..., sorted by tap.
-template<int NT, class V> QVR_INLINE void tapsAt(const Elem<V>* s, const int32_t* at, V* t)
+// The taps of the columns at[0], at[1], ..., sorted by tap; nothing is read behind s[length - 1].
+template<int NT, class V> QVR_INLINE void tapsAt(const Elem<V>* s, const int32_t* at, Index length, V* t)
 {
     constexpr bool fours = sizeof(Elem<V>) == 4 && lanes<V> > 1;
-    if constexpr (kAvx2 && lanes<V> == 8) {
-        const Index reach = at[7] - at[0];
-        const auto from = load<Vec<int32_t, 8>>(at) - at[0];
-        // Enlarging: all of one tap come out of one load, of two down to a half.
-        if (reach < 8) {
+    if constexpr (kAvx2 && lanes<V> == 8)
+        // Enlarging: all of one tap come out of one load.
+        if (at[7] - at[0] < 8 && at[0] + NT + 7 <= length) {
+            const auto from = load<Vec<int32_t, 8>>(at) - at[0];
             for (int k = 0; k < NT; k++)
                 t[k] = choose8(load<V>(s + at[0] + k), from);
             return;
         }
-        if (NT == 2 && reach < 16) {
-            for (int k = 0; k < NT; k++) {
-                const V near = choose8(load<V>(s + at[0] + k), from), far = choose8(load<V>(s + at[0] + k + 8), from);
-                t[k] = from > 7 ? far : near;
-            }
-            return;
-        }
-    }
     if constexpr (fours && NT > 2)
         fourColumns([=](int i) { return s + at[i]; }, t);
     for (int k = fours && NT > 2 ? 4 : 0; k < NT; k += 2)
         pairColumns([=](int i) { return s + at[i] + k; }, t[k], t[k + 1]);
 }
 // Bytes: from one load where the columns are near, else from four bytes at each place.
-template<int NT, class V> QVR_INLINE void tapsAt(const uint8_t* s, const int32_t* at, V* t)
+template<int NT, class V> QVR_INLINE void tapsAt(const uint8_t* s, const int32_t* at, Index length, V* t)
 {
     constexpr int N = lanes<V>;
     using I = Vec<int32_t, N>;
     if constexpr (kSsse3 && N > 1) {
-        if (at[N - 1] - at[0] < 16) {
+        if (at[N - 1] - at[0] < 16 && at[0] + NT + 15 <= length) {
             // Each 32-bit lane picks its byte and three zeros.
             const auto from = bitcast<Vec<uint8_t, 4 * N>>((load<I>(at) - at[0]) | static_cast<int32_t>(0x80808000));
             for (int k = 0; k < NT; k++) {
@@ -280,30 +269,34 @@ template<int NT, class V> QVR_INLINE void tapsAt(const uint8_t* s, const int32_t
 }
 
 // One channel: neighbouring columns are the lanes.
-template<int NT, class T>
-QVR_APART void filterColumns(const qvrColumns* c, const T* s, Index from, Index to, Line<T>* line)
+template<int NT, class T> QVR_APART void filterColumns(const qvrColumns* c, const T* s, Line<T>* line)
 {
     using A = Line<T>;
     const A* const w = static_cast<const A*>(c->weights);
-    const auto block = [&]<class V>(V, Index x) {
+    const int32_t* const first = c->first;
+    const Index from = c->from, to = c->to, length = c->length, width = c->width;
+    const auto block = [=]<class V>(V, Index x) {
         V t[NT], sum;
-        tapsAt<NT>(s, c->first + x, t);
+        tapsAt<NT>(s, first + x, length, t);
         if constexpr (NT == 2) {
             sum = fma(t[1] - t[0], load<V>(w + x), t[0]);
         } else {
             sum = load<V>(w + x) * t[0];
             for (int k = 1; k < NT; k++)
-                sum = fma(load<V>(w + k * c->width + x), t[k], sum);
+                sum = fma(load<V>(w + k * width + x), t[k], sum);
         }
         store(line + x, sum);
     };
-    Index x = from;
-    for (; x + kLanes<A> <= to; x += kLanes<A>)
-        block(Full<A>{}, x);
-    if (x < to && to - from >= kLanes<A>)
-        return block(Full<A>{}, to - kLanes<A>);
-    for (; x < to; x++)
+    constexpr Index L = kLanes<A>;
+    for (Index x = from; x < to && to - from < L; x++)
         block(Vec<A, 1>{}, x);
+    if (to - from < L)
+        return;
+    // On whole registers of the tables, but for the first and the last.
+    block(Full<A>{}, from);
+    for (Index x = qvrAlignUp(from + 1, L); x + L <= to; x += L)
+        block(Full<A>{}, x);
+    block(Full<A>{}, to - L);
 }
 
 // Byte k of 32-bit lanes is a channel: pixel K of each 16 bytes as floats.
@@ -321,7 +314,7 @@ template<int K, int N> QVR_INLINE Vec<float, N> pixelOf(Vec<uint8_t, 4 * N> v)
 }
 
 // Four channels: one pixel in four lanes, two in eight.
-template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t* s, Index from, Index to, float* line)
+template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t* s, float* line)
 {
     const float* const w = static_cast<const float*>(c->weights);
     const auto block = [&]<int P>(Index x) {
@@ -349,38 +342,55 @@ template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t*
         store(line + 4 * x, sum);
     };
     constexpr int P = kLanes<float> / 4;
-    Index x = from;
-    for (; x + P <= to; x += P)
+    Index x = c->from;
+    for (; x + P <= c->to; x += P)
         block.template operator()<P>(x);
-    for (; x < to; x++)
+    for (; x < c->to; x++)
         block.template operator()<1>(x);
 }
 
-constexpr Index kReach = 16; // pixels that loads may take from the first tap of a group on, and taps
+// Columns all of whose taps are in the image.
 void findTaps(qvrColumns* c)
 {
-    findInside(c, kReach + c->most);
+    for (c->from = 0; c->from < c->width && c->first[c->from] < 0;)
+        c->from++;
+    for (c->to = c->width; c->to > c->from && c->first[c->to - 1] + c->most > c->length;)
+        c->to--;
+}
+// A column whose taps are not.
+template<class T, int NC, int NT> void filterOutside(const qvrColumns* c, const T* s, Index x, Line<T>* line)
+{
+    using V = Vec<Line<T>, 1>;
+    const Index perTap = NC == 1 ? c->width : 1, perColumn = NC == 1 ? 1 : NT;
+    for (Index i = 0; i < NC; i++) {
+        const auto tap = [&](Index k) {
+            return V{static_cast<Line<T>>(get(s, clampIndex(c->first[x] + k, c->length) * NC + i))};
+        };
+        const auto weight = [&](Index k) {
+            return load<V>(static_cast<const Line<T>*>(c->weights) + x * perColumn + k * perTap);
+        };
+        V sum = tap(0);
+        // A single column of two taps: no difference is formed.
+        if (NT == 2 && c->first[x] >= 0 && c->first[x] < c->length - 1)
+            sum = fma(tap(1) - sum, weight(0), sum);
+        if (NT > 2)
+            sum = sum * weight(0);
+        for (Index k = 1; k < NT && NT > 2; k++)
+            sum = fma(weight(k), tap(k), sum);
+        store(line + x * NC + i, sum);
+    }
 }
 
 template<class T, int NC, int NT> void filterRow(const qvrColumns* c, const T* row, Line<T>* line)
 {
-    const auto part = [&](const T* s, Index from, Index to) {
-        if constexpr (NC == 4)
-            filterPixels<NT>(c, s, from, to, line);
-        else
-            filterColumns<NT>(c, s, from, to, line);
-    };
-    const auto outside = [&](const T* const* s, Index from, Index to) { part(*s, from, to); };
-    eachOutside<1>(c, &row, 0, c->from, outside);
-    part(row, c->from, c->to);
-    eachOutside<1>(c, &row, c->to, c->width, outside);
-    // A single column outside: no difference is formed.
-    if constexpr (NT == 2) {
-        for (Index x = 0; x < c->width && c->first[x] < 0; x++)
-            line[x] = get(row, 0);
-        for (Index x = c->width; x > 0 && c->first[x - 1] >= c->length - 1; x--)
-            line[x - 1] = get(row, c->length - 1);
-    }
+    for (Index x = 0; x < c->from; x++)
+        filterOutside<T, NC, NT>(c, row, x, line);
+    if constexpr (NC == 4)
+        filterPixels<NT>(c, row, line);
+    else
+        filterColumns<NT>(c, row, line);
+    for (Index x = c->to; x < c->width; x++)
+        filterOutside<T, NC, NT>(c, row, x, line);
 }
 template<class T, int NC> void filterTaps(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
 {
@@ -403,7 +413,7 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
     const A* const* const line = reinterpret_cast<const A* const*>(rows->line);
     T* const dst = reinterpret_cast<T*>(to);
     if constexpr (sizeof(T) == 1) {
-        addStreams<float, 1, false>(line, 0, rows->single, rows->count, dst, n);
+        addStreams<float, false>(line, 0, rows->single, rows->count, dst, n);
     } else if (rows->count == 2) {
         const auto f = static_cast<A>(rows->weight[1]);
         eachBlock<A>(n, [&]<int N>(Index i) {
@@ -412,7 +422,7 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
             store(dst + i, rows->apart ? fma(lower - upper, splat<V>(f), upper) : upper);
         });
     } else {
-        addStreams<A, 1, false>(line, 0, rows->weight, rows->count, dst, n);
+        addRows<A, false, T>(c, rows, to);
     }
 }
 

@@ -51,6 +51,7 @@ struct Job {
     const qvrRowKernels* k;
     qvrFilter x, y, ownX, ownY; // the latter without periods
     Index held;                 // lines
+    bool pairs;                 // of output rows are formed together
     bool exact; // bytes: sums of singles with the columns' weights are exact, if those of rows are short, too
 };
 
@@ -66,8 +67,8 @@ struct Places {
 void startPlaces(const qvrFilter* f, Places& p)
 {
     p.f = f;
-    for (double& fraction : p.known)
-        fraction = -1;
+    for (Index k = 0; k < p.kCount && f->most > 2; k++)
+        p.known[k] = -1;
 }
 // Number n of `count` places from d on; ascending n.
 Index placeOf(Places& p, Index d, Index n, Index count)
@@ -332,6 +333,7 @@ void resizeColumns(Job& j, Index from, Index width)
     r.rows.line = lines;
     r.rows.source = source;
     r.rows.weight = weights;
+    r.rows.nextWeight = weights + kRun / 2;
     r.rows.single = singles;
     qvrOwnRow own;
     own.filter = &j.ownY;
@@ -345,10 +347,8 @@ void resizeColumns(Job& j, Index from, Index width)
     RowLists lists;
     startRows(&j.y, lists);
     const Index rows = b->y.count;
-    Index done = 0, slot = 0; // rows below are filtered, as far as they are needed; line of row `done`
-    for (Index n = 0; n < rows; n++) {
-        Index first, count;
-        const double* w = nextRow(lists, b->y.first, n, rows, first, count, r.rows.weight);
+    const auto nextWeights = [&](Index n, Index& first, Index& count, double* to) {
+        const double* w = nextRow(lists, b->y.first, n, rows, first, count, to);
         if (ofBytes(k)) {
             guardRow(j, r.c, first, count, w, r.rows);
             own.at = b->y.first + n;
@@ -356,18 +356,38 @@ void resizeColumns(Job& j, Index from, Index width)
             own.count = count;
             own.made = 0;
         }
-        const Index low = clampIndex(first, j.y.length), high = clampIndex(first + count - 1, j.y.length);
+        for (Index t = 0; t < count; t++)
+            to[t] = w[t];
+    };
+    Index done = 0, slot = 0; // rows below are filtered, as far as they are needed; line of row `done`
+    for (Index n = 0; n < rows; n++) {
+        Index first, count;
+        nextWeights(n, first, count, r.rows.weight);
+        const Index low = clampIndex(first, j.y.length);
+        Index high = clampIndex(first + count - 1, j.y.length), all = count;
         r.rows.count = count;
         r.rows.apart = high - low == count - 1;
-        for (Index t = 0; t < least(count, kRun); t++)
-            r.rows.source[t] = b->src + clampIndex(first + t, j.y.length) * b->srcStep;
-        for (Index t = 0; t < count; t++) {
-            r.rows.weight[t] = w[t];
-            r.rows.single[t] = static_cast<float>(w[t]);
+        if (k->elementBytes == 1) {
+            for (Index t = 0; t < least(count, kRun); t++)
+                r.rows.source[t] = b->src + clampIndex(first + t, j.y.length) * b->srcStep;
+            for (Index t = 0; t < count; t++)
+                r.rows.single[t] = static_cast<float>(r.rows.weight[t]);
         }
         char* const dst = outputAt(j, n, from);
         if (k->direct != nullptr && k->direct(&r.c, &r.rows, dst))
             continue;
+        r.rows.next = nullptr;
+        if (j.pairs && n + 1 < rows) {
+            Index second;
+            nextWeights(n + 1, second, r.rows.nextCount, r.rows.nextWeight);
+            r.rows.lag = second - first;
+            const Index both = r.rows.lag + r.rows.nextCount, last = clampIndex(first + both - 1, j.y.length);
+            if (r.rows.lag <= count && both >= count && last - low < j.held) {
+                r.rows.next = outputAt(j, ++n, from);
+                all = both;
+                high = last;
+            }
+        }
         // Line `slot` is that of row `done`.
         const auto lineAt = [&](Index y) {
             const Index at = slot + y - done;
@@ -385,7 +405,7 @@ void resizeColumns(Job& j, Index from, Index width)
             done += many;
             slot = slot + many < j.held ? slot + many : slot + many - j.held;
         }
-        for (Index t = 0; t < count; t++)
+        for (Index t = 0; t < all; t++)
             r.rows.line[t] = lineAt(clampIndex(first + t, j.y.length));
         k->blend(&r.c, &r.rows, dst);
     }
@@ -520,7 +540,6 @@ void qvrResizeSeparable(const qvrResizeBand* b, const qvrRowKernels* kernels)
         j.x = j.ownX;
         j.y = j.ownY;
     }
-    j.held = least(j.y.most + j.k->together - 1, j.y.length);
     const Index width = b->x.count;
     const Index room = b->buffer + b->bufferBytes - startOf(b);
     const auto fits = [&](Index columns) {
@@ -529,6 +548,14 @@ void qvrResizeSeparable(const qvrResizeBand* b, const qvrRowKernels* kernels)
         layOut(j, columns, space, r);
         return space.used <= room;
     };
+    const auto hold = [&](bool pairs) {
+        j.pairs = pairs;
+        j.held = least(j.y.most + (pairs ? static_cast<Index>(j.y.inv) + 1 : 0) + j.k->together - 1, j.y.length);
+    };
+    // Linear rows are nothing but loads and stores.
+    hold(kernels->elementBytes > 1 && j.y.most > 2 && j.y.most <= kRun / 4 && j.y.inv <= static_cast<double>(j.y.most));
+    if (j.pairs && !fits(width))
+        hold(false);
     Index most = fits(width) ? width : 0;
     for (Index low = 0, high = most == 0 ? width - 1 : 0; low < high; most = low) {
         const Index middle = low + (high - low + 1) / 2;

@@ -39,13 +39,17 @@ typedef struct {
 
 typedef struct {
     int64_t count;
-    const char** line;   // the lines of the taps, or their source rows
+    const char** line;   // the lines of the taps
     const char** source; // of up to 512
     double* weight;
     float* single;
     int32_t apart; // the taps are different rows
     float guard;   // how far a sum of singles may be from the prescribed one
     qvrOwnRow* own;
+    // Floats: the next output row, if it is formed with this one; its taps begin at line `lag`.
+    char* next;
+    int64_t lag, nextCount;
+    double* nextWeight;
 } qvrRowTaps;
 
 // Weights of columns: a fraction or all taps in the type of the lines, pairs of 14 bits, the low pass.

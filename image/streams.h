@@ -39,33 +39,57 @@ template<class A, int R = 8, class F> QVR_INLINE void eachBlock(Index count, con
 
 // ---- Sums of streams ------------------------------------------------------------------------------------------------
 
-// out[i] = sum of s[k][i] weight[k]. Products: each is rounded to a single, as the contract adds up rows.
-template<class A, int P, bool Products, class S, class W, class O>
-QVR_APART void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count)
+// One output row or two that share lines: out[r][i] = sum of s[k][i] weight[r][k - from[r]], k = from[r] .. end[r] - 1;
+// both ascend. Products: each is rounded to a single, as the contract adds up rows.
+template<class A, bool Products, int R, class S, class W, class O>
+QVR_APART void addStreams(const S* const* s, Index at, const Index (&from)[R], const Index (&end)[R],
+                          const W* const (&weight)[R], O* const (&out)[R], Index count)
 {
-    eachBlock<A, 8 / P>(count, [&]<int N>(Index i) {
+    eachBlock<A, 8 / R>(count, [&]<int N>(Index i) {
         using V = Vec<A, N>;
-        V part[P] = {};
-        const auto add = [&](Index k, V& sum) {
+        V sum[R] = {};
+        const auto add = [&](Index k, bool first, bool last) {
             const auto x = load<Vec<S, N>>(s[k] + at + i);
-            if constexpr (Products)
-                sum += convert<A>(convert<double>(x) * splat<Vec<double, N>>(weight[k]));
-            else
-                sum = fma(widened<A>(x), splat<V>(static_cast<A>(weight[k])), sum);
+            for (int r = 0; r < R; r++) {
+                if (r == 0 ? !first : !last)
+                    continue;
+                const W w = weight[r][k - from[r]];
+                if constexpr (Products)
+                    sum[r] += convert<A>(convert<double>(x) * splat<Vec<double, N>>(w));
+                else
+                    sum[r] = fma(widened<A>(x), splat<V>(static_cast<A>(w)), sum[r]);
+            }
         };
-        Index k = 0;
-        for (; k + P <= n; k += P)
-            for (int p = 0; p < P; p++)
-                add(k + p, part[p]);
-        if (P == 2 && k < n)
-            add(k, part[0]);
-        if constexpr (P == 2)
-            part[0] += part[1];
-        if constexpr (sizeof(O) == 1)
-            store(out + i, packBytes(roundToByte(part[0])));
-        else
-            store(out + i, convert<O>(part[0]));
+        Index k = from[0];
+        for (const Index alone = R == 2 ? from[R - 1] : end[0]; k < alone; k++)
+            add(k, true, false);
+        for (; R == 2 && k < end[0]; k++)
+            add(k, true, true);
+        for (; R == 2 && k < end[R - 1]; k++)
+            add(k, false, true);
+        for (int r = 0; r < R; r++)
+            if constexpr (sizeof(O) == 1)
+                store(out[r] + i, packBytes(roundToByte(sum[r])));
+            else
+                store(out[r] + i, convert<O>(sum[r]));
     });
+}
+template<class A, bool Products, class S, class W, class O>
+QVR_INLINE void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count)
+{
+    addStreams<A, Products, 1>(s, at, {0}, {n}, {weight}, {out}, count);
+}
+// An output row, and the next one if it is formed with it.
+template<class A, bool Products, class O> void addRows(const qvrColumns* c, const qvrRowTaps* rows, char* to)
+{
+    const Line<O>* const* const line = reinterpret_cast<const Line<O>* const*>(rows->line);
+    O* const out = reinterpret_cast<O*>(to);
+    const Index n = c->width * c->channels;
+    if (rows->next == nullptr)
+        addStreams<A, Products>(line, 0, rows->weight, rows->count, out, n);
+    else
+        addStreams<A, Products, 2>(line, 0, {0, rows->lag}, {rows->count, rows->lag + rows->nextCount},
+                                   {rows->weight, rows->nextWeight}, {out, reinterpret_cast<O*>(rows->next)}, n);
 }
 
 // ---- Pixels ---------------------------------------------------------------------------------------------------------

@@ -281,11 +281,11 @@ void blendWords(const qvrColumns* c, const qvrRowTaps* rows, char* to)
     const float* const* const line = reinterpret_cast<const float* const*>(rows->line);
     const Index n = c->width * c->channels;
     if (rows->guard == 0)
-        return addStreams<float, 1, false>(line, 0, rows->single, rows->count, dst, n);
+        return addStreams<float, false>(line, 0, rows->single, rows->count, dst, n);
     alignas(64) float sum[kSums + 64];
     for (Index i = 0; i < n; i += kSums) {
         const Index count = n - i < kSums ? n - i : kSums;
-        addStreams<float, 1, false>(line, i, rows->single, rows->count, sum, count);
+        addStreams<float, false>(line, i, rows->single, rows->count, sum, count);
         guardSums(c, rows, sum, i, count);
         roundBytes(sum, count, dst + i);
     }
