@@ -21,6 +21,7 @@
 
 #include "elementary/coefficients.h"
 #include "elementary/tables.h"
+#include "frame/ahead.h"
 #include "frame/mxcsr.h"
 #include "frame/simd.h"
 #include "frame/status.h"
@@ -269,12 +270,13 @@ template<class K, class... S> QVR_INLINE void blocks(const K& k, Call& call, Ind
             partBlock<8>(k, call, 0, static_cast<int>(i), src...);
         }
     }
-    for (; i + B <= n; i += B) {
-        if (__builtin_expect(anyTrue(careByRegisters(k, load<V>(src + i)...)), 0))
-            specialBlock(k, call, i, i + B, src...);
+    const auto block = [&](Index at) QVR_ALWAYS {
+        if (__builtin_expect(anyTrue(careByRegisters(k, load<V>(src + at)...)), 0))
+            specialBlock(k, call, at, at + B, src...);
         else
-            store(dst + i, evalByRegisters(k, load<V>(src + i)...));
-    }
+            store(dst + at, evalByRegisters(k, load<V>(src + at)...));
+    };
+    eachBlock<B>(i, n, block, dst, src...);
     const int rest = static_cast<int>(n - i);
     if (rest > B / 2)
         partBlock<B>(k, call, i, rest, src...);

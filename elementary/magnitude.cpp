@@ -1,5 +1,6 @@
 // Magnitudes of complex numbers.
 #include "elementary/functions.h"
+#include "frame/ahead.h"
 #include "frame/region.h"
 #include "frame/simd.h"
 #include "frame/status.h"
@@ -46,11 +47,12 @@ __attribute__((noinline)) void magnitudes(const float* src, float* dst, Index n)
         i = i < n ? i : n;
         exactRoots(src, dst, static_cast<int>(i));
     }
-    for (; i + 8 <= n; i += 8) {
+    const auto block = [&](Index at) QVR_ALWAYS {
         V re, im;
-        loadComplex(src + 2 * i, re, im);
-        store(dst + i, estimatedRoot(re * re + im * im));
-    }
+        loadComplex(src + 2 * at, re, im);
+        store(dst + at, estimatedRoot(re * re + im * im));
+    };
+    eachBlock<8>(i, n, block, dst, reinterpret_cast<const qvr32fc*>(src));
     if (i < n)
         exactRoots(src + 2 * i, dst + i, static_cast<int>(n - i));
 }
@@ -70,11 +72,12 @@ __attribute__((noinline)) void magnitudes64(const double* src, double* dst, Inde
     using V = Full<double>;
     constexpr int N = kLanes<double>;
     Index i = 0;
-    for (; i + N <= n; i += N) {
+    const auto block = [&](Index at) QVR_ALWAYS {
         V re, im;
-        loadComplex(src + 2 * i, re, im);
-        store(dst + i, sqrt(re * re + im * im));
-    }
+        loadComplex(src + 2 * at, re, im);
+        store(dst + at, sqrt(re * re + im * im));
+    };
+    eachBlock<N>(i, n, block, dst, reinterpret_cast<const qvr64fc*>(src));
     for (; i < n; i++) {
         using One = Vec<double, 1>;
         const One re = load<One>(src + 2 * i), im = load<One>(src + 2 * i + 1);
@@ -157,11 +160,12 @@ template<class Op> __attribute__((noinline)) void magnitudes16(const qvr16sc* sr
         return packSaturate(op(bitcast<Words>(addProductPairs(z, z))));
     };
     Index i = 0;
-    for (; i + 16 <= n; i += 16) {
-        const auto a = block(load<Words>(src + i)), b = block(load<Words>(src + i + 8));
-        store(dst + i, a);
-        store(dst + i + 8, b);
-    }
+    const auto twoBlocks = [&](Index at) QVR_ALWAYS {
+        const auto a = block(load<Words>(src + at)), b = block(load<Words>(src + at + 8));
+        store(dst + at, a);
+        store(dst + at + 8, b);
+    };
+    eachBlock<16>(i, n, twoBlocks, dst, src);
     for (; i < n; i += 8) {
         const int count = n - i < 8 ? static_cast<int>(n - i) : 8;
         storeFirst(dst + i, block(loadFirst<Words>(src + i, count)), count);

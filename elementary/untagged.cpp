@@ -6,21 +6,23 @@
 #include "elementary/arctangent.h"
 #include "elementary/exponential.h"
 #include "elementary/functions.h"
+#include "frame/ahead.h"
 #include "scalarmath/scalar.h"
 
 namespace {
 
 // dst = op(src), a register at a time.
-template<class Op> QVR_INLINE void eachBlock(const float* src, float* dst, Index n, Op&& op)
+template<class Op> QVR_INLINE void mapBlocks(const float* src, float* dst, Index n, Op&& op)
 {
     using V = Full<float>;
     constexpr int N = kLanes<float>;
     Index i = 0;
-    for (; i + 2 * N <= n; i += 2 * N) {
-        const V a = op(load<V>(src + i)), b = op(load<V>(src + i + N));
-        store(dst + i, a);
-        store(dst + i + N, b);
-    }
+    const auto block = [&](Index at) QVR_ALWAYS {
+        const V a = op(load<V>(src + at)), b = op(load<V>(src + at + N));
+        store(dst + at, a);
+        store(dst + at + N, b);
+    };
+    eachBlock<2 * N>(i, n, block, dst, src);
     for (; i < n; i += N) {
         const int count = n - i < N ? static_cast<int>(n - i) : N;
         storeFirst(dst + i, op(loadFirst<V>(src + i, count)), count);
@@ -63,7 +65,7 @@ template<bool kNearest, class V> QVR_INLINE V plainExponential(V x)
 
 template<bool kNearest> __attribute__((noinline)) void exponentials(const float* src, float* dst, Index n)
 {
-    eachBlock(src, dst, n, [](auto x) {
+    mapBlocks(src, dst, n, [](auto x) {
         if (__builtin_expect(anyTrue(isAbove(abs(x), kFastLimit)), 0))
             return byLanes(x, [](float e) {
                 return __builtin_fabsf(e) <= kFastLimit ? plainExponential<kNearest>(Vec<float, 1>{e})[0]
@@ -108,7 +110,7 @@ template<bool kNearest, class V> QVR_INLINE V plainArcTangent(V x)
 
 template<bool kNearest> QVR_INLINE void arcTangents(const float* src, float* dst, Index n)
 {
-    eachBlock(src, dst, n, [](auto x) { return plainArcTangent<kNearest>(x); });
+    mapBlocks(src, dst, n, [](auto x) { return plainArcTangent<kNearest>(x); });
 }
 
 // ---- Logarithm ------------------------------------------------------------------------------------------------------
@@ -159,8 +161,8 @@ template<bool kNearest> __attribute__((noinline)) int logarithms(const float* sr
     int note = noNote;
     constexpr int B = kLanes<float>;
     Index i = 0;
-    for (; i + B <= n; i += B)
-        logarithmBlock<kNearest, B>(src + i, dst + i, B, note);
+    const auto block = [&](Index at) QVR_ALWAYS { logarithmBlock<kNearest, B>(src + at, dst + at, B, note); };
+    eachBlock<B>(i, n, block, dst, src);
     if (i < n)
         logarithmBlock<kNearest, B>(src + i, dst + i, static_cast<int>(n - i), note);
     return note;
@@ -195,8 +197,8 @@ template<bool kNearest> __attribute__((noinline)) void phases(const float* src, 
 {
     constexpr int B = kLanes<float>;
     Index i = 0;
-    for (; i + B <= n; i += B)
-        phaseBlock<kNearest, B>(src + 2 * i, dst + i, B);
+    const auto block = [&](Index at) QVR_ALWAYS { phaseBlock<kNearest, B>(src + 2 * at, dst + at, B); };
+    eachBlock<B>(i, n, block, dst, reinterpret_cast<const qvr32fc*>(src));
     if (i < n)
         phaseBlock<kNearest, B>(src + 2 * i, dst + i, static_cast<int>(n - i));
 }
