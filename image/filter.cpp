@@ -12,7 +12,7 @@
 namespace {
 
 constexpr Index kTurned = 3072; // doubles of source rows side by side
-constexpr Index kColumns = 64;  // of them at a time
+constexpr Index kColumns = 24;  // of them at a time
 constexpr Index kLongColumns = 8;
 
 // ---- Low pass: along a row ------------------------------------------------------------------------------------------
@@ -150,29 +150,40 @@ void filterGroup(const qvrColumns* c, const char* const* rows, char* const* line
     constexpr int P = kParts<T>;
     constexpr Index L = R * NC, room = kTurned / L;
     using V = Vec<double, L>;
-    alignas(64) double s[kTurned + kBlock * L];
+    alignas(64) double s[kTurned + 2 * kBlock * L];
     alignas(64) O sums[(kColumns + kLanes<O>)*L];
-    const Index most = c->most <= room ? kColumns : kLongColumns;
-    for (Index x = 0, end; x < c->width; x = end) {
-        const Index base = c->first[x];
-        for (end = x + 1; end < c->width && end - x < most; end++)
-            if (c->most <= room && c->first[end] + c->most - base > room)
-                break;
-        const Index pixels = c->first[end - 1] + c->most - base;
-        if (c->most <= room) {
-            turnRows<T, NC, R>(c, rows, count, base, pixels, s);
+    const bool fits = c->most <= room;
+    for (Index x = 0, end, base = 0, have = 0; x < c->width; x = end) {
+        const Index first = c->first[x];
+        end = x + (fits ? kColumns : kLongColumns);
+        end = end < c->width ? end : c->width;
+        while (fits && c->first[end - 1] + c->most - first > room)
+            end--;
+        const Index need = c->first[end - 1] + c->most;
+        if (fits) {
+            // Pixels that are at hand move to the front now and then.
+            if (x == 0 || need - base > room / 2) {
+                if (x > 0 && have > first)
+                    __builtin_memmove(s, s + (first - base) * L, static_cast<size_t>((have - first) * L) * sizeof *s);
+                else
+                    have = first;
+                base = first;
+            }
+            const Index n = need > have ? qvrAlignUp(need - have, kBlock) : 0;
+            turnRows<T, NC, R>(c, rows, count, have, n, s + (have - base) * L);
+            have += n;
             eachColumn<L, P>(c, x, end, s, base, [&](Index i, V sum) { store(sums + L * (i - x), convert<O>(sum)); });
         } else {
             // Runs of pixels, of which every column takes its part.
             double parts[kLongColumns][P * L] = {};
-            for (Index at = base; at < base + pixels; at += room) {
-                const Index n = base + pixels - at < room ? base + pixels - at : room;
+            for (Index at = first; at < need; at += room) {
+                const Index n = need - at < room ? need - at : room;
                 turnRows<T, NC, R>(c, rows, count, at, n, s);
                 for (Index i = x; i < end; i++) {
-                    const Index list = i % c->lists, first = c->first[i], skip = at > first ? at - first : 0;
-                    const Index rest = at + n - first < c->count[list] ? at + n - first : c->count[list];
+                    const Index list = i % c->lists, from = c->first[i], skip = at > from ? at - from : 0;
+                    const Index rest = at + n - from < c->count[list] ? at + n - from : c->count[list];
                     if (skip < rest)
-                        addRun<L, P>(s + (first + skip - at) * L,
+                        addRun<L, P>(s + (from + skip - at) * L,
                                      static_cast<const double*>(c->weights) + list * c->stride + skip, rest - skip,
                                      skip, parts[i - x]);
                 }
