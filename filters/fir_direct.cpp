@@ -9,6 +9,7 @@
 //
 // mx has one sum of four lanes for each output, eight outputs at a time.
 #include "filters/fir.h"
+#include "frame/ahead.h"
 
 namespace {
 
@@ -90,8 +91,8 @@ template<class T> inline void outputs(const T* x, T* y, Index n, const T* t, Ind
     using V = Full<T>;
     constexpr int W = kLanes<T>;
     Index i = 0;
-    for (; i + kStep * W <= n; i += kStep * W)
-        step<kStep>(x + i, y + i, t, taps);
+    const auto whole = [&](Index at) QVR_ALWAYS { step<kStep>(x + at, y + at, t, taps); };
+    eachBlock<kStep * W>(i, n, whole, y, x);
     for (; i + kStep / 2 * W <= n; i += kStep / 2 * W)
         step<kStep / 2>(x + i, y + i, t, taps);
     for (; i + 2 * W <= n; i += 2 * W)

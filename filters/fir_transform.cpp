@@ -9,6 +9,7 @@
 #include "filters/fir_run.h"
 
 #include "fourier/real/spec.h"
+#include "frame/ahead.h"
 
 namespace {
 
@@ -116,9 +117,14 @@ template<class Form> struct TransformRun {
         if (const qvrStatus status = first())
             return status;
         keepNewest();
-        for (Index i = 0; i < n - B; i += B)
+        for (Index i = 0; i < n - B; i += B) {
+            if (isFar<Data>(n)) {
+                askFor(src + B + i, B * Index{sizeof(Data)}, B);
+                askFor(dst + B + i, 0, B);
+            }
             if (const qvrStatus status = later(i, 0))
                 return status;
+        }
         return qvrOk;
     }
 

@@ -10,11 +10,16 @@ namespace {
 constexpr Index kFarBytes = 1 << 19; // of an array, from here on
 constexpr Index kAheadBytes = 4096, kLineBytes = 64;
 
-// The lines of n elements, a page behind p. What lies there may be anything: a request does not fault.
-template<class T> QVR_INLINE void askAhead(const T* p, Index n)
+template<class T> QVR_INLINE bool isFar(Index n)
+{
+    return n >= kFarBytes / static_cast<Index>(sizeof(T));
+}
+
+// The lines of n elements, `bytes` behind p. What lies there may be anything: a request does not fault.
+template<class T> QVR_INLINE void askFor(const T* p, Index bytes, Index n)
 {
     for (Index k = 0; k < n * static_cast<Index>(sizeof(T)); k += kLineBytes)
-        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(p) + kAheadBytes + k));
+        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(p) + bytes + k));
 }
 
 // For lambdas that eachBlock() gets.
@@ -24,10 +29,10 @@ template<class T> QVR_INLINE void askAhead(const T* p, Index n)
 template<int B, class Step, class T, class... More>
 QVR_INLINE void eachBlock(Index& i, Index n, Step&& step, const T* array, const More*... more)
 {
-    if (n * static_cast<Index>(sizeof(T)) >= kFarBytes)
+    if (isFar<T>(n))
         for (; i + B <= n; i += B) {
-            askAhead(array + i, B);
-            (askAhead(more + i, B), ...);
+            askFor(array + i, kAheadBytes, B);
+            (askFor(more + i, kAheadBytes, B), ...);
             step(i);
         }
     for (; i + B <= n; i += B)

@@ -302,6 +302,31 @@ TYPED_TEST(FirRun, LongTaps)
     });
 }
 
+// Runs beyond the second cache, whose lines are asked for ahead.
+TYPED_TEST(FirRun, LongRuns)
+{
+    using Form = TypeParam;
+    using Data = typename Form::Data;
+    const int n = static_cast<int>((1 << 19) / sizeof(Data)) + 53;
+    for (int L : {17, 300}) {
+        const auto taps = exactValues<typename Form::Tap>(L, 5, 3);
+        const auto x = exactValues<Data>(n, 6, 7);
+        const auto want = Model<Form>(taps).run(x.data(), n);
+        eachSlot<Form>([&](int slot) {
+            SCOPED_TRACE(testing::Message() << L << " taps");
+            auto state = create<Form>(slot, taps);
+            std::vector<Data> y(n + 9, 77);
+            ASSERT_EQ(Form::run(slot, x.data(), y.data(), n, state.get()), qvrOk);
+            EXPECT_EQ(std::vector<Data>(y.end() - 9, y.end()), std::vector<Data>(9, 77));
+            y.resize(n);
+            if (L == 17)
+                expectExact<Form>(y, want, 0);
+            else
+                expectNear<Form>(y, want);
+        });
+    }
+}
+
 // A NaN or an infinity enters the outputs that its sample belongs to, in one vector of outputs at most beyond them, and
 // nothing stays behind when it has passed.
 TYPED_TEST(FirRun, NanAndInfinityPass)
