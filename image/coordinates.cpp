@@ -369,6 +369,13 @@ void qvrMakeSuper(const qvrResizeAxis* axis, qvrSuperAxis* s)
 
 void qvrCoverOf(const qvrSuperAxis* s, int whole, int64_t d, qvrCover* cover)
 {
+    // Whole pixels inside the image, as nearly always at whole ratios.
+    const int64_t first = d * s->p + s->at;
+    if (s->q == 1 && s->inv == static_cast<double>(s->p) && s->off == static_cast<double>(s->at) && first >= 0 &&
+        first + s->p <= s->length) {
+        *cover = {first, s->p, 1, s->p > 1 ? 1.0 : 0.0};
+        return;
+    }
     if (whole) {
         const int64_t from = d * s->p + s->at;
         coverOf<int64_t>(from, from + s->p, s->q, s->length, 0, cover);

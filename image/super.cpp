@@ -19,8 +19,8 @@ namespace {
 // Rows of bytes that 16-bit sums hold.
 constexpr Index kRowsIn16 = 257;
 
-// Outputs of a strip, long enough to read whole pages of a row: their columns take 35 KiB of the stack.
-template<class A> constexpr Index kStrip = 2560 / sizeof(A);
+// Outputs of a strip, long enough to read whole pages of a row: their columns take 45 KiB of the stack.
+template<class A> constexpr Index kStrip = sizeof(A) == 8 ? 512 : 640;
 // Outputs of no more pixels are added up side by side; loads of four pixels may reach past the line.
 constexpr Index kTaps = 8, kPast = 12;
 // Pixels of floats that are added one after another: the ends and a group of eight.
@@ -84,19 +84,15 @@ template<class V> struct Pairwise {
         group = V{};
         members = 0;
     }
-    // at(0) + ... + at(n - 1), from the start.
-    template<class At> QVR_INLINE V sum(Index n, const At& at)
+    // Eight of at(0) .. at(n - 1) from at(k) on, or the last ones.
+    template<class At> QVR_INLINE void addGroup(Index k, Index n, const At& at)
     {
-        start();
-        for (Index k = 0; k < n; k += 8) {
-            V v = {}; // a member would stay in memory
-            for (Index i = k; i < n && i < k + 8; i++)
-                v += at(i);
-            group = v;
-            if (n - k >= 8)
-                join();
-        }
-        return total();
+        V v = {}; // a member would stay in memory
+        for (Index i = k; i < n && i < k + 8; i++)
+            v += at(i);
+        group = v;
+        if (n - k >= 8)
+            join();
     }
     QVR_INLINE V total()
     {
@@ -132,40 +128,53 @@ template<class A, class V> QVR_INLINE void sumBytes(const Super<A>& s, const uin
         sum = part(p, s.rows.tail, sum);
     store(line + i, sum);
 }
-template<class T, class V> QVR_INLINE void sumFloats(const Super<double>& s, const T* p, Index i, double* line, V)
+// M vectors: of many rows eight at a time for all of them. Each row is in pages of its own, which nothing else fetches.
+template<class T, class V, int M> QVR_INLINE void sumFloats(const Super<double>& s, const T* p, Index i, double* line)
 {
-    const auto row = [&](Index k) {
-        const char* const at = reinterpret_cast<const char*>(p + i) + k * s.band->srcStep;
-        return convert<double>(load<Vec<T, lanes<V>>>(at));
+    const auto at = [&](Index k, Index m) {
+        return reinterpret_cast<const char*>(p + i + m * lanes<V>) + k * s.band->srcStep;
     };
+    const auto row = [&](Index k, Index m) { return convert<double>(load<Vec<T, lanes<V>>>(at(k, m))); };
     const Index count = s.rows.count;
-    V sum = row(0) * s.rows.head;
-    if (count > 2 && count <= kFew) {
-        V between = row(1);
-        for (Index k = 2; k < count - 1; k++)
-            between += row(k);
-        sum += between;
-    } else if (count > kFew) {
-        Pairwise<V> between;
-        sum += between.sum(count - 2, [&](Index k) { return row(k + 1); });
+    Pairwise<V> between[M];
+    for (Index m = 0; m < M && count > kFew; m++)
+        between[m].start();
+    for (Index k = 0; k < count - 2 && count > kFew; k += 8)
+        for (Index m = 0; m < M; m++)
+            between[m].addGroup(k, count - 2, [&](Index r) {
+                __builtin_prefetch(at(r + 9 < count ? r + 9 : count - 1, m));
+                return row(r + 1, m);
+            });
+    for (Index m = 0; m < M; m++) {
+        V sum = row(0, m) * s.rows.head;
+        if (count > 2 && count <= kFew) {
+            V few = row(1, m);
+            for (Index k = 2; k < count - 1; k++)
+                few += row(k, m);
+            sum += few;
+        } else if (count > kFew) {
+            sum += between[m].total();
+        }
+        if (count > 1)
+            sum += row(count - 1, m) * s.rows.tail;
+        store(line + i + m * lanes<V>, sum);
     }
-    if (count > 1)
-        sum += row(count - 1) * s.rows.tail;
-    store(line + i, sum);
 }
 
 // The line for `n` elements of the source row's element `from` on.
 template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from, Index n)
 {
-    constexpr int N = (sizeof(T) == 1 ? 8 : 4) * kLanes<A>;
+    constexpr int N = (sizeof(T) == 1 ? 8 : 4) * kLanes<A>, M = sizeof(T) == 1 ? 1 : 8;
     const T* const p = reinterpret_cast<const T*>(sourceRow(s.band, s.rows.first)) + from;
-    const auto block = [&]<class V>(Index at, V v) {
+    const auto block = [&]<class V, int Many = 1>(Index at, V v) {
         if constexpr (sizeof(T) == 1)
             sumBytes(s, p, at, s.line, v);
         else
-            sumFloats(s, p, at, s.line, v);
+            sumFloats<T, V, Many>(s, p, at, s.line);
     };
     Index i = 0;
+    for (; i + M * N <= n; i += M * N)
+        block.template operator()<Vec<A, N>, M>(i, {});
     for (; i + N <= n; i += N)
         block(i, Vec<A, N>{});
     for (; i + kLanes<A> <= n; i += kLanes<A>)
