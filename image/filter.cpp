@@ -96,10 +96,6 @@ QVR_APART void turnRows(const qvrColumns* c, const char* const* rows, Index coun
             }
         }
         i += pixels;
-    } else if constexpr (NC == 4) {
-        for (; i < n && from + i < c->length; i++)
-            for (int r = 0; r < R; r++)
-                store(to + i * L + r * NC, widened<double>(load<Vec<T, NC>>(row[r] + (from + i) * NC)));
     }
     for (; i < n; i++)
         one(i);
@@ -237,7 +233,7 @@ template<class T> void blendLowPass(const qvrColumns* c, const qvrRowTaps* rows,
 // The taps of the columns at[0], at[1], ..., sorted by tap; nothing is read behind s[length - 1].
 template<int NT, class V> QVR_INLINE void tapsAt(const Elem<V>* s, const int32_t* at, Index length, V* t)
 {
-    constexpr bool fours = sizeof(Elem<V>) == 4 && lanes<V> > 1;
+    constexpr bool fours = sizeof(Elem<V>) == 4 && NT > 2;
     if constexpr (kAvx2 && lanes<V> == 8)
         // Enlarging: all of one tap come out of one load.
         if (at[7] - at[0] < 8 && at[0] + NT + 7 <= length) {
@@ -246,9 +242,9 @@ template<int NT, class V> QVR_INLINE void tapsAt(const Elem<V>* s, const int32_t
                 t[k] = choose8(load<V>(s + at[0] + k), from);
             return;
         }
-    if constexpr (fours && NT > 2)
+    if constexpr (fours)
         fourColumns([=](int i) { return s + at[i]; }, t);
-    for (int k = fours && NT > 2 ? 4 : 0; k < NT; k += 2)
+    for (int k = fours ? 4 : 0; k < NT; k += 2)
         pairColumns([=](int i) { return s + at[i] + k; }, t[k], t[k + 1]);
 }
 // Bytes: from one load where the columns are near, else from four bytes at each place.
@@ -256,7 +252,7 @@ template<int NT, class V> QVR_INLINE void tapsAt(const uint8_t* s, const int32_t
 {
     constexpr int N = lanes<V>;
     using I = Vec<int32_t, N>;
-    if constexpr (kSsse3 && N > 1) {
+    if constexpr (kSsse3) {
         if (at[N - 1] - at[0] < 16 && at[0] + NT + 15 <= length) {
             // Each 32-bit lane picks its byte and three zeros.
             const auto from = bitcast<Vec<uint8_t, 4 * N>>((load<I>(at) - at[0]) | static_cast<int32_t>(0x80808000));
@@ -283,10 +279,11 @@ template<int NT, class V> QVR_INLINE void tapsAt(const uint8_t* s, const int32_t
 template<int NT, class T> QVR_APART void filterColumns(const qvrColumns* c, const T* s, Line<T>* line)
 {
     using A = Line<T>;
+    using V = Full<A>;
     const A* const w = static_cast<const A*>(c->weights);
     const int32_t* const first = c->first;
     const Index from = c->from, to = c->to, length = c->length, width = c->width;
-    const auto block = [=]<class V>(V, Index x) {
+    const auto block = [=](Index x) {
         V t[NT], sum;
         tapsAt<NT>(s, first + x, length, t);
         if constexpr (NT == 2) {
@@ -298,16 +295,12 @@ template<int NT, class T> QVR_APART void filterColumns(const qvrColumns* c, cons
         }
         store(line + x, sum);
     };
-    constexpr Index L = kLanes<A>;
-    for (Index x = from; x < to && to - from < L; x++)
-        block(Vec<A, 1>{}, x);
-    if (to - from < L)
-        return;
     // On whole registers of the tables, but for the first and the last.
-    block(Full<A>{}, from);
+    constexpr Index L = lanes<V>;
+    block(from);
     for (Index x = qvrAlignUp(from + 1, L); x + L <= to; x += L)
-        block(Full<A>{}, x);
-    block(Full<A>{}, to - L);
+        block(x);
+    block(to - L);
 }
 
 // Byte k of 32-bit lanes is a channel: pixel K of each 16 bytes as floats.
@@ -328,7 +321,9 @@ template<int K, int N> QVR_INLINE Vec<float, N> pixelOf(Vec<uint8_t, 4 * N> v)
 template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t* s, float* line)
 {
     const float* const w = static_cast<const float*>(c->weights);
-    const auto block = [&]<int P>(Index x) {
+    const int32_t* const first = c->first;
+    constexpr int P = kLanes<float> / 4;
+    const auto block = [=](Index x) {
         const auto both = [&]<class X>(X, const auto* a, const auto* b) {
             if constexpr (P == 2)
                 return concat(load<X>(a), load<X>(b));
@@ -336,7 +331,7 @@ template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t*
                 return load<X>(a);
         };
         using V = Vec<float, 4 * P>;
-        const uint8_t *const a = s + 4 * Index{c->first[x]}, *const b = s + 4 * Index{c->first[x + P - 1]};
+        const uint8_t *const a = s + 4 * Index{first[x]}, *const b = s + 4 * Index{first[x + P - 1]};
         const float *const u = w + x * NT, *const v = w + (x + P - 1) * NT;
         const auto pixels = both(Vec<uint8_t, 16>{}, a, b);
         V four = both(Vec<float, 4>{}, u, v), sum = shuffleBlocks<0, 0, 0, 0>(four) * pixelOf<0, 4 * P>(pixels);
@@ -352,23 +347,22 @@ template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t*
         }
         store(line + 4 * x, sum);
     };
-    constexpr int P = kLanes<float> / 4;
-    Index x = c->from;
-    for (; x + P <= c->to; x += P)
-        block.template operator()<P>(x);
-    for (; x < c->to; x++)
-        block.template operator()<1>(x);
+    const Index to = c->to - P;
+    for (Index x = c->from; x < to; x += P)
+        block(x);
+    block(to);
 }
 
-// Columns all of whose taps are in the image.
+// Columns all of whose taps are in the image; a few are taken as those outside.
 void findTaps(qvrColumns* c)
 {
     for (c->from = 0; c->from < c->width && c->first[c->from] < 0;)
         c->from++;
     for (c->to = c->width; c->to > c->from && c->first[c->to - 1] + c->most > c->length;)
         c->to--;
+    if (c->to - c->from < kLanes<float>)
+        c->from = c->to = c->width;
 }
-// A column whose taps are not.
 template<class T, int NC, int NT> void filterOutside(const qvrColumns* c, const T* s, Index x, Line<T>* line)
 {
     using V = Vec<Line<T>, 1>;
@@ -396,6 +390,8 @@ template<class T, int NC, int NT> void filterRow(const qvrColumns* c, const T* r
 {
     for (Index x = 0; x < c->from; x++)
         filterOutside<T, NC, NT>(c, row, x, line);
+    if (c->from == c->to)
+        return;
     if constexpr (NC == 4)
         filterPixels<NT>(c, row, line);
     else
@@ -437,16 +433,11 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
     }
 }
 
-constexpr qvrRowKernels kTaps[] = {
-    {1, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, nullptr, findTaps, filterTaps<uint8_t, 1>, blendTaps<uint8_t>, nullptr,
-     nullptr, nullptr},
-    {1, 4, 4, qvrWeights_plain, 0, kFma, 1, 1, nullptr, findTaps, filterTaps<uint8_t, 4>, blendTaps<uint8_t>, nullptr,
-     nullptr, nullptr},
-    {4, 1, 4, qvrWeights_plain, 0, kFma, 1, 1, nullptr, findTaps, filterTaps<float, 1>, blendTaps<float>, nullptr,
-     nullptr, nullptr},
-    {8, 1, 8, qvrWeights_plain, 1, kFma, 1, 1, nullptr, findTaps, filterTaps<double, 1>, blendTaps<double>, nullptr,
-     nullptr, nullptr},
-};
+template<class T, int NC>
+constexpr qvrRowKernels kTapsOf = {
+    sizeof(T), NC,       sizeof(Line<T>),   qvrWeights_plain, sizeof(T) == 8, kFma,    1,      1,
+    nullptr,   findTaps, filterTaps<T, NC>, blendTaps<T>,     nullptr,        nullptr, nullptr};
+constexpr qvrRowKernels kTaps[] = {kTapsOf<uint8_t, 1>, kTapsOf<uint8_t, 4>, kTapsOf<float, 1>, kTapsOf<double, 1>};
 template<class T, int NC>
 constexpr qvrRowKernels kLowPassOf = {
     sizeof(T),        NC, sizeof(Line<T>), qvrWeights_double,    sizeof(T) == 8,  kFma,    kParts<T>,
