@@ -21,14 +21,13 @@ constexpr Index kLongColumns = 8;
 template<int N, class A, int P> QVR_INLINE void dot(const A* s, const A* w, Index n, Vec<A, N> (&part)[P])
 {
     using V = Vec<A, N>;
-    const auto add = [&](Index k, int p) { part[p] = fma(load<V>(s + N * (k + p)), splat<V>(w[k + p]), part[p]); };
-    Index k = 0;
-    for (; k + P <= n; k += P)
+    const auto add = [&](int p) { part[p] = fma(load<V>(s + N * p), splat<V>(w[p]), part[p]); };
+    for (; n >= P; n -= P, s += P * N, w += P)
         for (int p = 0; p < P; p++)
-            add(k, p);
+            add(p);
     for (int p = 0; p < P - 1; p++)
-        if (k + p < n)
-            add(k, p);
+        if (p < n)
+            add(p);
 }
 
 // put(x, sum) for the columns from .. to - 1, of whose pixels N values each stand at s from pixel `base` on.
@@ -75,9 +74,8 @@ QVR_APART void turnRows(const qvrColumns* c, const char* const* rows, Index coun
         for (int r = 0; r < R; r++)
             store(to + i * L + r * NC, convert<double>(load<Vec<T, NC>>(row[r] + at)));
     };
-    Index i = 0;
-    for (; i < n && from + i < 0; i++)
-        one(i);
+    const Index left = from >= 0 ? 0 : -from < n ? -from : n;
+    Index i = left;
     if constexpr (NC == 1 && sizeof(T) > 1) {
         constexpr int W = kLanes<double> < 4 && sizeof(T) == 8 ? 2 : 4, B = 16 / sizeof(T);
         const Index wanted = qvrAlignUp(n - i, kBlock), inside = c->length - from - i;
@@ -97,8 +95,17 @@ QVR_APART void turnRows(const qvrColumns* c, const char* const* rows, Index coun
         }
         i += pixels;
     }
-    for (; i < n; i++)
+    for (; i < n && (from + i < c->length || i == left); i++)
         one(i);
+    // Outside the image its edges are repeated.
+    const auto repeat = [=](Index at, Index edge) { store(to + at * L, load<Vec<double, L>>(to + edge * L)); };
+    for (Index k = 0; k < left; k++)
+        if (left < n)
+            repeat(k, left);
+        else
+            one(k);
+    for (; i < n; i++)
+        repeat(i, i - 1);
 }
 // n sums of R rows to their lines from column `at` on.
 template<int NC, int R, class L> void turnBack(const L* sums, Index n, char* const* lines, Index count, Index at)
