@@ -683,11 +683,20 @@ template<class V> QVR_INLINE void storeFirst(void* p, V v, int n)
     }
 }
 
-// (a * b + 2^14) / 2^15 rounded down, of signed 16-bit lanes; not both -2^15. From SSSE3 on.
+// The upper halves of 16-bit products, which are formed as Wide.
+template<class Wide, class V> QVR_INLINE V mulHigh(V a, V b)
+{
+    const auto wide = [](V v) { return __builtin_convertvector(v, Vec<Wide, lanes<V>>); };
+    return __builtin_convertvector((wide(a) * wide(b)) >> 16, V);
+}
+
+// (a * b + 2^14) / 2^15 rounded down, of signed 16-bit lanes; not both -2^15.
 template<class V> QVR_INLINE V mulRounded(V a, V b)
 {
-    static_assert(kSsse3 && sizeof(Elem<V>) == 2);
-    if constexpr (sizeof(V) > (kAvx2 ? 32 : 16))
+    static_assert(sizeof(Elem<V>) == 2);
+    if constexpr (!kSsse3)
+        return (mulHigh<int32_t>(a, b) << 1) + bitcast<V>(((bits(a) * bits(b) >> 14) + 1) >> 1);
+    else if constexpr (sizeof(V) > (kAvx2 ? 32 : 16))
         return byHalves([](auto... x) { return mulRounded(x...); }, a, b);
     else if constexpr (sizeof(V) < 16)
         return slice<0, lanes<V>>(mulRounded(padTo16(a), padTo16(b)));
@@ -711,19 +720,17 @@ template<class V> QVR_INLINE V shuffleBytes(V bytes, V from)
         return bitcast<V>(_mm_shuffle_epi8(bitcast<__m128i>(bytes), bitcast<__m128i>(from)));
 }
 
-// Sums of neighbouring bytes, in 16 bits.
-template<class V> QVR_INLINE Vec<uint16_t, lanes<V> / 2> bytePairSums(V bytes)
+// Products of bytes and signed bytes, neighbours added with saturation: a0 b0 + a1 b1, ... From SSSE3 on.
+template<class V> QVR_INLINE Vec<int16_t, lanes<V> / 2> addBytePairs(V a, Vec<int8_t, lanes<V>> b)
 {
-    static_assert(sizeof(Elem<V>) == 1);
-    using R = Vec<uint16_t, lanes<V> / 2>;
+    static_assert(kSsse3 && sizeof(Elem<V>) == 1);
+    using R = Vec<int16_t, lanes<V> / 2>;
     if constexpr (sizeof(V) > (kAvx2 ? 32 : 16))
-        return concat(bytePairSums(lo(bytes)), bytePairSums(hi(bytes)));
-    else if constexpr (!kSsse3)
-        return (bitcast<R>(bytes) & 255) + (bitcast<R>(bytes) >> 8);
+        return byHalves([](auto... x) { return addBytePairs(x...); }, a, b);
     else if constexpr (sizeof(V) == 32)
-        return bitcast<R>(_mm256_maddubs_epi16(bitcast<__m256i>(bytes), _mm256_set1_epi8(1)));
+        return bitcast<R>(_mm256_maddubs_epi16(bitcast<__m256i>(a), bitcast<__m256i>(b)));
     else
-        return bitcast<R>(_mm_maddubs_epi16(bitcast<__m128i>(bytes), _mm_set1_epi8(1)));
+        return bitcast<R>(_mm_maddubs_epi16(bitcast<__m128i>(a), bitcast<__m128i>(b)));
 }
 
 // int16 to bytes, clamped to 0..255: a's, then b's.

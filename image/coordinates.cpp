@@ -233,8 +233,27 @@ extern "C" {
 void qvrNearestOf(const qvrResizeAxis* axis, int64_t d, int64_t count, int32_t* pixels)
 {
     const double inv = axis->inv, off = axis->off - kNearestBack, last = axis->length - 1;
-    for (int64_t k = 0; k < count; k++)
-        pixels[k] = static_cast<int32_t>(bounded((static_cast<double>(d + k) + 0.5) * inv + off, 0, last));
+    const double centre = static_cast<double>(d) + 0.5;
+    for (int32_t k = 0; k < count; k++)
+        pixels[k] = static_cast<int32_t>(bounded((centre + k) * inv + off, 0, last));
+}
+
+int64_t qvrNearestPeriod(const qvrResizeAxis* axis, int64_t most, int64_t* pixels)
+{
+    // Below 2^16, what rounding adds up to is less than 1e-10, by which a position would reach the next pixel.
+    const double off = axis->off - kNearestBack, end = axis->inv * static_cast<double>(axis->first + axis->count);
+    const auto at = [=](int64_t d) { return (static_cast<double>(d) + 0.5) * axis->inv + off; };
+    if (!(absOf(axis->off) < 0x1p16 && end < 0x1p16 && axis->off == static_cast<double>(floorOf(axis->off)) &&
+          at(axis->first) >= 0 && at(axis->first + axis->count - 1) < axis->length))
+        return 0;
+    for (int64_t q = 1; q <= most; q++) {
+        const double p = axis->inv * static_cast<double>(q), whole = static_cast<double>(floorOf(p + 0.5));
+        if (absOf(p - whole) <= p * 0x1p-52) {
+            *pixels = static_cast<int64_t>(whole);
+            return q;
+        }
+    }
+    return 0;
 }
 
 const qvrResizeMethod* qvrMethodOf(int32_t selector)

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kHalveBytes = kAvx2 ? 32 : 16;
 using HalveBytes = Vec<uint8_t, kHalveBytes>;
-using HalveWords = Vec<uint16_t, kHalveBytes / 2>;
+using HalveWords = Vec<int16_t, kHalveBytes / 2>;
 
 // Levels that join the channels of two neighbouring pixels by an instruction.
 template<int NC> constexpr bool kCanHalve = NC == 1 || kSsse3;
@@ -26,31 +26,48 @@ constexpr NeighbourOrder makeNeighbourOrder()
 }
 constexpr NeighbourOrder kNeighbourOrder = makeNeighbourOrder();
 
+// v / 2^Count to the nearest whole number, halves up; below 2^15 - 2^Count, not negative.
+template<int Count, class V> QVR_INLINE V shiftedRound(V v)
+{
+    if constexpr (kSsse3)
+        return mulRounded(v, splat<V>(1 << (15 - Count)));
+    else
+        return (v + (1 << (Count - 1))) >> Count;
+}
+
 // Sums of neighbouring pixels, channel by channel.
 template<int NC> QVR_INLINE HalveWords pixelSums(HalveBytes v)
 {
     static_assert(NC == 1 || NC == 4);
     if constexpr (NC == 4)
-        return bytePairSums(shuffleBytes(v, load<HalveBytes>(kNeighbourOrder.at)));
+        return pixelSums<1>(shuffleBytes(v, load<HalveBytes>(kNeighbourOrder.at)));
+    else if constexpr (kSsse3)
+        return addBytePairs(v, splat<Vec<int8_t, kHalveBytes>>(1));
     else
-        return bytePairSums(v);
+        return (bitcast<HalveWords>(v) & 255) + bitcast<HalveWords>(bitcast<Bits<HalveWords>>(v) >> 8);
 }
 
-// n bytes of an output row from the two rows above it. The last vector may overlap the one before.
+// n bytes from words(i), which are a vector of them. Where n is less than two vectors, it may read behind.
+constexpr int kWords = kHalveBytes / 2;
+template<class F> QVR_INLINE void putRow(Index n, uint8_t* dst, const F& words)
+{
+    constexpr int N = 2 * kWords;
+    const auto block = [&](Index i) { return packWords(words(i), words(i + kWords)); };
+    Index i = 0;
+    for (; i + N <= n; i += N)
+        store(dst + i, block(i));
+    if (i < n && n >= N)
+        store(dst + n - N, block(n - N));
+    else if (i < n)
+        storePartial(dst + i, block(i), static_cast<int>(n - i));
+}
+
+// n bytes of an output row from the two rows above it.
 template<int NC> inline void halveRow(const uint8_t* upper, const uint8_t* lower, uint8_t* dst, Index n)
 {
-    const auto means = [&](Index at) {
-        return (pixelSums<NC>(load<HalveBytes>(upper + at)) + pixelSums<NC>(load<HalveBytes>(lower + at)) + 2) >> 2;
-    };
-    const auto block = [&](Index i) { store(dst + i, packWords(means(2 * i), means(2 * i + kHalveBytes))); };
-    if (n >= kHalveBytes) {
-        Index i = 0;
-        for (; i + kHalveBytes <= n; i += kHalveBytes)
-            block(i);
-        if (i < n)
-            block(n - kHalveBytes);
-        return;
-    }
+    const auto sums = [](const uint8_t* p) { return pixelSums<NC>(load<HalveBytes>(p)); };
+    if (n >= kHalveBytes)
+        return putRow(n, dst, [&](Index i) { return shiftedRound<2>(sums(upper + 2 * i) + sums(lower + 2 * i)); });
     for (Index i = 0; i < n; i++) {
         const Index at = 2 * i - i % NC;
         dst[i] = static_cast<uint8_t>((upper[at] + upper[at + NC] + lower[at] + lower[at + NC] + 2) >> 2);

@@ -1,227 +1,225 @@
 // Bilinear interpolation of bytes, in fixed point.
 //
-// A weight is trunc(frac 2^14 + 1e-7). Inside, a row is filtered to 16 bits once, h = (w1 s[i+1] + w0 s[i] + 128) >> 8,
-// and two rows make out = (h[upper] (2^14 - wy) + h[lower] wy + 2^19) >> 20. Where only one row or one column of the
-// image is involved there is one rounding: (w0 a + w1 b + 2^13) >> 14.
+// A weight is w = trunc(frac 2^14 + 1e-7). Inside, a row is filtered to 16 bits once, h = ((2^14 - w) a + w b + 128) >>
+// 8, and two rows make out = ((2^14 - w) h[near] + w h[far] + 2^19) >> 20. Where only one row or one column of the
+// image is involved there is one rounding: ((2^14 - w) a + w b + 2^13) >> 14.
+//
+// Weights add up to 2^14, and to round down twice is to round down once, so 16 bits are enough:
+//     h = 64 a + ((64 (b - a) 2 w + 2^14) >> 15)
+//     out = (near + ((far - near) 4 w >> 16) + 32) >> 6, where near is the row of the larger weight
+//     and for one row a + (((b - a) 2 w + 2^14) >> 15).
+// A fraction that is 1 in single has the weight 2^14, for which 2 w - 1 gives the same.
 #include "image/halve.h"
-#include "image/separable.h"
 
 namespace {
 
 constexpr int kOne = 1 << 14;
+constexpr Index kRows = 64; // whose places are computed together
 
-struct Weights {
-    int16_t w0, w1;
-};
+using Eight = Vec<int16_t, 8>;
+using Block = Vec<uint8_t, 16>;
 
-// The columns of a band: start[x] is the left tap and w[x] the weights; inside for x in [from, to).
+// The columns of a band, in groups of eight elements; the last group ends with the last column and may overlap the one
+// before. With the lines of two rows they take 4 + 8.5 channels bytes a column, of 8 + 8 channels granted.
 struct Columns {
-    const int32_t* start;
-    const Weights* w;
-    Index width, from, to, length;
+    Index width, length, from, to; // from .. to - 1 lie inside
+    Index groups;
+    int32_t* first;   // left taps
+    int16_t* weight;  // 2 w of each element
+    int32_t* base;    // the first pixel of the 16 bytes that hold a group's taps; null: they are too far apart
+    uint8_t* shuffle; // brings both taps of an element side by side
+    bool plain;       // no weight but 0
 };
-Columns columnsOf(const qvrColumns* c)
+
+int weightOf(double fraction)
 {
-    Columns v = {c->first, static_cast<const Weights*>(c->weights), c->width, 0, c->width, c->length};
-    while (v.from < v.width && v.start[v.from] < 0)
-        v.from++;
-    while (v.to > v.from && v.start[v.to - 1] >= v.length - 1)
-        v.to--;
-    return v;
+    return static_cast<int>(fraction * kOne + 1e-7);
 }
-QVR_INLINE int rowWeight(const qvrRowTaps* rows)
+// The first element of a group.
+template<int NC> QVR_INLINE Index placeOf(const Columns& c, Index group)
 {
-    return static_cast<int>(rows->weight[1] * kOne + 1e-7);
+    const Index last = c.width * NC - 8;
+    return 8 * group < last || last < 0 ? 8 * group : last;
 }
 
-QVR_INLINE uint8_t blend(int a, int b, int w0, int w1)
+template<int NC> void makeColumns(const qvrResizeBand* b, Carver& carver, Columns& c)
 {
-    return static_cast<uint8_t>((a * w0 + b * w1 + (kOne / 2)) >> 14);
-}
-
-// The output of rows that show one source row.
-template<int NC> void singleRow(const uint8_t* s, const Columns& c, uint8_t* dst)
-{
-    for (Index x = 0; x < c.width; x++) {
-        const Index a = clampIndex(c.start[x], c.length), b = clampIndex(Index{c.start[x]} + 1, c.length);
-        for (int k = 0; k < NC; k++)
-            dst[x * NC + k] = blend(s[a * NC + k], s[b * NC + k], c.w[x].w0, c.w[x].w1);
-    }
-}
-
-// The output of columns that show one source column, which is the first or the last.
-template<int NC>
-void singleColumn(const uint8_t* upper, const uint8_t* lower, const Columns& c, Index from, Index to, int wy,
-                  uint8_t* dst)
-{
-    for (Index x = from; x < to; x++) {
-        const Index at = clampIndex(c.start[x], c.length) * NC;
-        for (int k = 0; k < NC; k++)
-            dst[x * NC + k] = blend(upper[at + k], lower[at + k], kOne - wy, wy);
-    }
-}
-
-// Outputs of one vector of 16-bit values, eight of one channel or two pixels of four, or twice as many with AVX2.
-constexpr int kStep = kAvx2 ? 16 : 8;
-
-// Neighbouring taps side by side, as 16-bit values: a0 b0 a1 b1 ...
-QVR_INLINE auto widen(Vec<uint8_t, 16> pairs)
-{
-    return convert<int16_t>(pairs);
-}
-
-// Eight columns of one channel: the shuffle that makes their pairs of taps, widened, of the 16 bytes from the first tap
-// on. Behind the groups of a row: which columns have one, from .. to - 1.
-union Group {
-    uint8_t from[32];
-    Index run[2];
-};
-bool hasGroup(const Columns& c, Index x)
-{
-    return x + 8 <= c.width && c.start[x] >= 0 && c.start[x] + 16 <= c.length && c.start[x + 7] - c.start[x] < 15;
-}
-void makeGroups(qvrColumns* columns)
-{
-    const Columns c = columnsOf(columns);
-    Group* const groups = static_cast<Group*>(columns->extra);
-    Index x = 0, from = 0;
-    while (x < c.width && !hasGroup(c, x))
-        x += 8;
-    for (from = x; kSsse3 && hasGroup(c, x); x += 8)
-        for (Index i = 0; i < 32; i++)
-            groups[x / 8].from[i] =
-                static_cast<uint8_t>(i % 2 == 1 ? 128 : c.start[x + i / 4] - c.start[x] + i % 4 / 2);
-    groups[(c.width + 7) / 8].run[0] = from;
-    groups[(c.width + 7) / 8].run[1] = x;
-}
-// Pairs of eight columns; those outside take what is next to them, they are made anew.
-QVR_INLINE Vec<int16_t, 16> pairsAt(const uint8_t* s, const Columns& c, Index x)
-{
-    Vec<uint16_t, 8> pairs = {};
-    const auto take = [&](const auto& at) {
-        for (int k = 0; k < 8; k++)
-            pairs[k] = load<Vec<uint16_t, 1>>(s + at(x + k))[0];
-    };
-    if (x >= c.from && x + 8 <= c.to)
-        take([&](Index i) { return c.start[i]; });
-    else
-        take([&](Index i) { return clampIndex(c.start[i], c.length - 1); });
-    return convert<int16_t>(bitcast<Vec<uint8_t, 16>>(pairs));
-}
-template<int NC> QVR_INLINE Vec<int16_t, 16> pairsOf(const uint8_t* s, const Group& group)
-{
-    if constexpr (kSsse3 && NC == 1) {
-        const auto window = load<Vec<uint8_t, 16>>(s);
-        return bitcast<Vec<int16_t, 16>>(shuffleBytes(concat(window, window), load<Vec<uint8_t, 32>>(group.from)));
-    }
-    return {};
-}
-
-// Two pixels of four channels: a b of each channel side by side.
-QVR_INLINE Vec<uint8_t, 16> pixelPairs(const uint8_t* s, const int32_t* at)
-{
-    using Eight = Vec<uint8_t, 8>;
-    const auto both = concat(load<Eight>(s + Index{at[0]} * 4), load<Eight>(s + Index{at[1]} * 4));
-    return __builtin_shufflevector(both, both, 0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
-}
-
-template<int NC> void filterRow(const uint8_t* s, const Columns& c, const Group* groups, int16_t* h)
-{
-    using Pairs = Vec<int16_t, 16>;
-    const auto rounded = [](Pairs p, Pairs w) { return shiftRight(addProductPairs(p, w) + 128, 8); };
-    Index x = c.from;
-    if constexpr (NC == 1) {
-        const auto eight = [&](Index at) {
-            store(h + at, packSaturate(rounded(pairsAt(s, c, at), load<Pairs>(c.w + at))));
-        };
-        const auto half = [&](Index at) {
-            return rounded(pairsOf<1>(s + c.start[at], groups[at / 8]), load<Pairs>(c.w + at));
-        };
-        if (c.width >= 8 && c.length >= 2) {
-            const Index from = groups[(c.width + 7) / 8].run[0], to = groups[(c.width + 7) / 8].run[1];
-            for (x = 0; x + 8 <= c.width; x += 8) {
-                for (; x >= from && x + 16 <= to; x += 16)
-                    store(h + x, packSaturate(concat(half(x), half(x + 8))));
-                if (x + 8 <= c.width)
-                    eight(x);
-            }
-            return eight(c.width - 8);
+    constexpr Index pixels = 8 / NC, window = 16 / NC;
+    c.width = b->x.count;
+    c.length = b->x.length;
+    c.groups = (c.width + pixels - 1) / pixels;
+    const Index padded = c.width > pixels ? c.width : pixels;
+    c.first = carver.take<int32_t>(padded, 16);
+    c.weight = carver.take<int16_t>(8 * c.groups, 16);
+    c.base = carver.take<int32_t>(c.groups, 16);
+    c.shuffle = carver.take<uint8_t>(16 * c.groups, 16);
+    qvrFilter filter;
+    qvrMakeFilter(&b->x, b->method, 0, 1, &filter);
+    int any = 0;
+    for (Index x = 0; x < c.width; x += kRows) {
+        double fraction[kRows];
+        const Index count = c.width - x < kRows ? c.width - x : kRows;
+        qvrPlacesOf(&filter, b->x.first + x, count, c.first + x, fraction);
+        for (Index k = 0; k < count; k++) {
+            const int w = weightOf(fraction[k]);
+            any |= w;
+            store(c.weight + (x + k) * NC, splat<Vec<int16_t, NC>>(static_cast<int16_t>(w < kOne ? 2 * w : 2 * w - 1)));
         }
+    }
+    c.plain = any == 0;
+    for (c.from = 0; c.from < c.width && c.first[c.from] < 0;)
+        c.from++;
+    for (c.to = c.width; c.to > c.from && c.first[c.to - 1] >= c.length - 1;)
+        c.to--;
+    // From here on taps are those of the nearest column inside, and weights go by groups.
+    for (Index x = 0; x < padded; x++)
+        c.first[x] = static_cast<int32_t>(clampIndex(c.first[x < c.width ? x : c.width - 1], c.length - 1));
+    if (const Index place = placeOf<NC>(c, c.groups - 1); place >= 0)
+        store(c.weight + 8 * (c.groups - 1), load<Eight>(c.weight + place));
+    bool near = kSsse3 && c.length >= window;
+    for (Index g = 0; near && g < c.groups; g++) {
+        const int32_t* const first = c.first + placeOf<NC>(c, g) / NC;
+        const Index base = *first < c.length - window ? *first : c.length - window;
+        near = first[pixels - 1] + 1 - base < window;
+        c.base[g] = static_cast<int32_t>(base);
+        for (Index i = 0; i < 8; i++) {
+            const Index at = (first[i / NC] - base) * NC + i % NC;
+            c.shuffle[16 * g + 2 * i] = static_cast<uint8_t>(at);
+            c.shuffle[16 * g + 2 * i + 1] = static_cast<uint8_t>(at + NC);
+        }
+    }
+    if (!near)
+        c.base = nullptr;
+}
+
+// The taps of a group without windows.
+template<int NC> QVR_INLINE Block pairsOf(const uint8_t* s, const int32_t* first)
+{
+    if constexpr (NC == 4) {
+        using Two = Vec<uint8_t, 8>;
+        const auto both = concat(load<Two>(s + Index{first[0]} * 4), load<Two>(s + Index{first[1]} * 4));
+        return __builtin_shufflevector(both, both, 0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
     } else {
-        const auto two = [&](Index at) {
-            const auto w = load<Vec<int32_t, 2>>(c.w + at);
-            return rounded(widen(pixelPairs(s, c.start + at)),
-                           bitcast<Pairs>(__builtin_shufflevector(w, w, 0, 0, 0, 0, 1, 1, 1, 1)));
-        };
-        for (; x + 4 <= c.to; x += 4)
-            store(h + x * NC, packSaturate(concat(two(x), two(x + 2))));
+        Vec<uint16_t, 8> pairs = {};
+        for (int k = 0; k < 8; k++)
+            pairs[k] = load<Vec<uint16_t, 1>>(s + first[k])[0];
+        return bitcast<Block>(pairs);
     }
-    for (; x < c.to; x++)
-        for (int k = 0; k < NC; k++) {
-            const uint8_t* const p = s + Index{c.start[x]} * NC + k;
-            h[x * NC + k] = static_cast<int16_t>((p[0] * c.w[x].w0 + p[NC] * c.w[x].w1 + 128) >> 8);
+}
+
+// scale * a + mulRounded(scale (b - a), 2 w)
+template<class V> QVR_INLINE auto filtered(V pairs, Vec<int16_t, lanes<V> / 2> weight, int scale)
+{
+    using Words = Vec<int16_t, lanes<V> / 2>;
+    if constexpr (kSsse3) {
+        using Signed = Vec<int8_t, lanes<V>>;
+        const Signed left = bitcast<Signed>(splat<Words>(static_cast<int16_t>(scale)));
+        const Signed apart = bitcast<Signed>(splat<Words>(static_cast<int16_t>(scale << 8 | (-scale & 255))));
+        return addBytePairs(pairs, left) + mulRounded(addBytePairs(pairs, apart), weight);
+    } else {
+        const Words factor = splat<Words>(static_cast<int16_t>(scale));
+        const Words a = (bitcast<Words>(pairs) & 255) * factor;
+        const Words b = bitcast<Words>(bitcast<Vec<uint16_t, lanes<V> / 2>>(pairs) >> 8) * factor;
+        return a + mulRounded(b - a, weight);
+    }
+}
+
+template<int NC> QVR_APART void filterRow(const uint8_t* s, const Columns& c, int scale, int16_t* h)
+{
+    Index g = 0;
+    if constexpr (kSsse3) {
+        const auto window = [&](Index group) { return load<Block>(s + Index{c.base[group]} * NC); };
+        if constexpr (kAvx2)
+            for (; c.base != nullptr && g + 2 < c.groups; g += 2) {
+                const auto from = load<Vec<uint8_t, 32>>(c.shuffle + 16 * g);
+                const auto pairs = shuffleBytes(concat(window(g), window(g + 1)), from);
+                store(h + 8 * g, filtered(pairs, load<Vec<int16_t, 16>>(c.weight + 8 * g), scale));
+            }
+        for (; c.base != nullptr && g < c.groups; g++) {
+            const auto pairs = shuffleBytes(window(g), load<Block>(c.shuffle + 16 * g));
+            store(h + placeOf<NC>(c, g), filtered(pairs, load<Eight>(c.weight + 8 * g), scale));
         }
+    }
+    for (; g < c.groups; g++) {
+        const Index at = placeOf<NC>(c, g);
+        store(h + at, filtered(pairsOf<NC>(s, c.first + at / NC), load<Eight>(c.weight + 8 * g), scale));
+    }
 }
 
-// Elements from .. to of two filtered rows. Pairs of upper and lower elements are made of 32-bit lanes, the even
-// elements and the odd ones on their own, so that the results fall back into their order.
-void blendRows(const int16_t* upper, const int16_t* lower, Index from, Index to, int wy, uint8_t* dst)
+// n elements of two filtered rows. The lines are longer by a block.
+QVR_APART void blendRows(const int16_t* near, const int16_t* far, int w, Index n, uint8_t* dst)
 {
-    constexpr int B = 2 * kStep;
-    using D = Vec<uint32_t, kStep / 2>;
-    using P = Vec<int16_t, kStep>;
-    const P weights = bitcast<P>(splat<D>(static_cast<uint32_t>((kOne - wy) | (wy << 16))));
-    const auto sums = [&](D pairs) { return bits(addProductPairs(bitcast<P>(pairs), weights)) + (1u << 19); };
-    const auto words = [&](Index i) {
-        const D a = load<D>(upper + i), b = load<D>(lower + i);
-        const D even = sums((a & 0xFFFFu) | (b << 16u)), odd = sums((a >> 16u) | (b & 0xFFFF0000u));
-        return bitcast<Vec<uint16_t, kStep>>((even >> 20u) | ((odd >> 4u) & 0xFFFF0000u));
+    using Words = Vec<int16_t, kWords>;
+    // 4 w may be 2^15, so both are negated.
+    const Words weight = splat<Words>(static_cast<int16_t>(-4 * w));
+    putRow(n, dst, [&](Index i) {
+        const Words a = load<Words>(near + i);
+        return shiftedRound<6>(a + mulHigh<int32_t>(a - load<Words>(far + i), weight));
+    });
+}
+
+// Columns from .. to - 1, all of one pixel of the image.
+template<int NC> void fillColumns(const uint8_t* upper, const uint8_t* lower, int w, Index from, Index to, uint8_t* dst)
+{
+    using Pixel = Vec<uint8_t, NC>;
+    if (from == to)
+        return;
+    const auto a = convert<int32_t>(load<Pixel>(upper)), b = convert<int32_t>(load<Pixel>(lower));
+    const Pixel pixel = convert<uint8_t>((a * (kOne - w) + b * w + kOne / 2) >> 14);
+    for (Index x = from; x < to; x++)
+        store(dst + x * NC, pixel);
+}
+
+template<int NC> void linear(const qvrResizeBand* b, int pixel)
+{
+    Carver carver = bufferOf(b);
+    Columns c;
+    makeColumns<NC>(b, carver, c);
+    int16_t* line[2];
+    for (int16_t*& each : line)
+        each = carver.take<int16_t>(c.width * NC + 2 * kWords, 32);
+    Index held[2] = {-1, -1};
+    qvrFilter filter;
+    qvrMakeFilter(&b->y, b->method, 0, 1, &filter);
+    int32_t first[kRows];
+    double fraction[kRows];
+    const auto place = [&](Index n) {
+        if (n % kRows == 0)
+            qvrPlacesOf(&filter, b->y.first + n, b->y.count - n < kRows ? b->y.count - n : kRows, first, fraction);
+        return n % kRows;
     };
-    const auto block = [&](Index i) { return convert<uint8_t>(concat(words(i), words(i + kStep))); };
-    Index i = from;
-    for (; i + B <= to; i += B)
-        store(dst + i, block(i));
-    if (i < to) // the rows are longer than the outputs
-        storePartial(dst + i, block(i), static_cast<int>(to - i));
+    Index plain = 0;
+    while (c.plain && plain < b->y.count && weightOf(fraction[place(plain)]) == 0)
+        plain++;
+    if (plain == b->y.count)
+        return SLOT(ownResizeNearest)(b, pixel);
+    for (Index n = 0; n < b->y.count; n++) {
+        const Index k = place(n), upper = clampIndex(first[k], b->y.length);
+        const bool edge = first[k] < 0 || upper == b->y.length - 1;
+        const Index lower = edge ? upper : upper + 1;
+        const int w = weightOf(fraction[k]);
+        const auto rowAt = [&](Index y) { return reinterpret_cast<const uint8_t*>(sourceRow(b, y)); };
+        uint8_t* const dst = reinterpret_cast<uint8_t*>(outputRow(b, n, NC));
+        const Index inside = (c.to - c.from) * NC, at = c.from * NC;
+        if (inside > 0 && edge) {
+            // The line of no row any more.
+            held[0] = -1;
+            filterRow<NC>(rowAt(upper), c, 1, line[0]);
+            putRow(inside, dst + at, [&](Index i) { return load<Vec<int16_t, kWords>>(line[0] + at + i); });
+        } else if (inside > 0) {
+            for (Index y = upper; y <= lower; y++)
+                if (held[y & 1] != y) {
+                    held[y & 1] = y;
+                    filterRow<NC>(rowAt(y), c, 64, line[y & 1]);
+                }
+            const int16_t *const a = line[upper & 1] + at, *const z = line[lower & 1] + at;
+            2 * w <= kOne ? blendRows(a, z, w, inside, dst + at) : blendRows(z, a, kOne - w, inside, dst + at);
+        }
+        const Index right = (c.length - 1) * NC;
+        fillColumns<NC>(rowAt(upper), rowAt(lower), w, 0, c.from, dst);
+        fillColumns<NC>(rowAt(upper) + right, rowAt(lower) + right, w, c.to, c.width, dst);
+    }
 }
-
-template<int NC> void filter(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
-{
-    for (Index r = 0; r < count; r++)
-        filterRow<NC>(reinterpret_cast<const uint8_t*>(rows[r]), columnsOf(c), static_cast<const Group*>(c->extra),
-                      reinterpret_cast<int16_t*>(lines[r]));
-}
-
-template<int NC> void blend(const qvrColumns* columns, const qvrRowTaps* rows, char* to)
-{
-    const Columns c = columnsOf(columns);
-    const int wy = rowWeight(rows);
-    uint8_t* const dst = reinterpret_cast<uint8_t*>(to);
-    const auto* const upper = reinterpret_cast<const uint8_t*>(rows->source[0]);
-    const auto* const lower = reinterpret_cast<const uint8_t*>(rows->source[1]);
-    singleColumn<NC>(upper, lower, c, 0, c.from, wy, dst);
-    blendRows(reinterpret_cast<const int16_t*>(rows->line[0]), reinterpret_cast<const int16_t*>(rows->line[1]),
-              c.from * NC, c.to * NC, wy, dst);
-    singleColumn<NC>(upper, lower, c, c.to, c.width, wy, dst);
-}
-
-// Rows that show one source row.
-template<int NC> int direct(const qvrColumns* c, const qvrRowTaps* rows, char* to)
-{
-    if (!rows->apart)
-        singleRow<NC>(reinterpret_cast<const uint8_t*>(rows->source[0]), columnsOf(c), reinterpret_cast<uint8_t*>(to));
-    return !rows->apart;
-}
-
-int64_t groupBytes(const qvrColumns* c)
-{
-    return (c->width + 15) / 8 * static_cast<int64_t>(sizeof(Group));
-}
-
-constexpr qvrRowKernels kLinear[] = {
-    {1, 1, 2, qvrWeights_words, 0, 0, 1, 1, groupBytes, makeGroups, filter<1>, blend<1>, direct<1>, nullptr, nullptr},
-    {1, 4, 2, qvrWeights_words, 0, 0, 1, 1, nullptr, nullptr, filter<4>, blend<4>, direct<4>, nullptr, nullptr},
-};
 
 } // namespace
 
@@ -229,7 +227,10 @@ extern "C" void SLOT(ownResizeLinear_8u)(const qvrResizeBand* band, int pixel)
 {
     // The mean of two by two pixels: h is 32 (a + b) and out (a + b + c + d + 2) >> 2.
     const bool halves = band->x.inv == 2 && band->y.inv == 2;
-    const bool done = halves && (pixel == qvrPixel_8u_C1 ? halveBand<1>(band) : halveBand<4>(band));
-    if (!done)
-        qvrResizeSeparable(band, &kLinear[pixel]);
+    if (pixel == qvrPixel_8u_C1) {
+        if (!halves || !halveBand<1>(band))
+            linear<1>(band, pixel);
+    } else if (!halves || !halveBand<4>(band)) {
+        linear<4>(band, pixel);
+    }
 }

@@ -21,19 +21,77 @@ template<class T> void copyPixels(const T* src, const int32_t* column, T* dst, I
         store(dst + x, load<Vec<T, 1>>(src + column[x]));
 }
 
-// Where every second pixel is shown: the even bytes, as far as whole vectors lie in the row. Returns how many.
-Index copyEvens(const uint8_t* src, Index pixels, uint8_t* dst, Index n)
+// Columns of a small period: those of a block are a shuffle of 16 bytes, or every second pixel of a vector.
+using Block = Vec<uint8_t, 16>;
+struct Period {
+    Index first;           // pixel
+    Index pixels, outputs; // that a block goes on by; 0 outputs: none
+    Index done;            // outputs of whole blocks
+    bool evens;
+    uint8_t from[16];
+};
+template<class T> constexpr int kEvens = (kAvx2 ? 32 : 16) / sizeof(T); // outputs of a block
+
+template<class T> Period periodOf(const qvrResizeAxis& axis)
 {
-    constexpr int N = kAvx2 ? 32 : 16;
-    using Words = Vec<uint16_t, N / 2>;
-    const auto evenBytes = [](const uint8_t* p) { return load<Words>(p) & 255; };
-    Index x = 0;
-    for (; x + N <= n && 2 * (x + N) <= pixels; x += N)
-        store(dst + x, packWords(evenBytes(src + 2 * x), evenBytes(src + 2 * x + N)));
-    return x;
+    constexpr Index N = 16 / sizeof(T);
+    Period period = {};
+    Index pixels = 0;
+    const Index outputs = qvrNearestPeriod(&axis, N, &pixels);
+    int32_t column[N];
+    qvrNearestOf(&axis, axis.first, axis.count < N ? axis.count : N, column);
+    period.first = column[0];
+    period.evens = outputs == 1 && pixels == 2;
+    Index read = N, written = N; // by a block
+    if (period.evens) {
+        period.outputs = written = kEvens<T>;
+        period.pixels = read = 2 * written;
+    } else if (kSsse3 && outputs > 0 && axis.count >= N && pixels > 0) {
+        Index count = N / (outputs > pixels ? outputs : pixels);
+        while (count > 0 && column[count * outputs - 1] - column[0] >= N)
+            count--;
+        if (2 * count * outputs <= N)
+            return period;
+        period.outputs = count * outputs;
+        period.pixels = count * pixels;
+        for (Index i = 0; i < 16; i++) {
+            const Index x = i / static_cast<Index>(sizeof(T));
+            const Index at = x < period.outputs ? column[x] - column[0] : 0;
+            period.from[i] = static_cast<uint8_t>(at * static_cast<Index>(sizeof(T)) + i % sizeof(T));
+        }
+    } else {
+        return period;
+    }
+    const Index inRow = axis.length - period.first - read, inOutput = axis.count - written;
+    if (inRow >= 0 && inOutput >= 0) {
+        const Index a = inRow / period.pixels, b = inOutput / period.outputs;
+        period.done = ((a < b ? a : b) + 1) * period.outputs;
+    }
+    return period;
 }
 
-using Block = Vec<uint8_t, 16>;
+template<class T> void copyBlocks(const T* src, const Period& period, T* dst)
+{
+    src += period.first;
+    if (period.evens) {
+        constexpr int N = kEvens<T>;
+        for (Index x = 0; x < period.done; x += N) {
+            if constexpr (sizeof(T) == 1) {
+                using Words = Vec<uint16_t, N / 2>;
+                const auto words = [](const T* p) { return load<Words>(p) & 255; };
+                store(dst + x, packWords(words(src + 2 * x), words(src + 2 * x + N)));
+            } else {
+                using V = Vec<T, N>;
+                store(dst + x, evens(load<V>(src + 2 * x), load<V>(src + 2 * x + N)));
+            }
+        }
+    } else if constexpr (kSsse3) {
+        const Block from = load<Block>(period.from);
+        for (Index x = 0; x < period.done; x += period.outputs, src += period.pixels)
+            store(dst + x, shuffleBytes(load<Block>(src), from));
+    }
+}
+
 // 16 outputs from two neighbouring windows of 16 bytes. An index from 128 on gives zero.
 struct Group {
     int32_t base;
@@ -116,35 +174,36 @@ template<class T> void nearest(const qvrResizeBand* b)
     const Index width = b->x.count, bytes = width * static_cast<Index>(sizeof(T));
     Carver carver = bufferOf(b);
     int32_t* const column = carver.take<int32_t>(width, 16);
-    qvrNearestOf(&b->x, b->x.first, width, column);
-    bool groups = false, near = false, evens = sizeof(T) == 1;
-    const Index first = column[0];
-    for (Index x = 0; evens && x < width; x++)
-        evens = column[x] == first + 2 * x;
+    const Period period = periodOf<T>(b->x);
+    // Columns from here on go by the table, those of bytes by whole groups.
+    Index from = period.done;
+    if (sizeof(T) == 1 && from < width && width - from < 16)
+        from = width > 16 ? width - 16 : 0;
+    const Index rest = width - from;
+    qvrNearestOf(&b->x, b->x.first + from, rest, column);
+    bool near = false, groups = false;
     if constexpr (kSsse3 && sizeof(T) == 1)
-        groups = !evens && makeGroups(column, width, b->x.length, near);
+        groups = makeGroups(column, rest, b->x.length, near);
     Index shown = -1;
     int32_t rows[kRows];
     for (Index n = 0; n < b->y.count; n++) {
         if (n % kRows == 0)
             qvrNearestOf(&b->y, b->y.first + n, n + kRows < b->y.count ? kRows : b->y.count - n, rows);
         const Index y = rows[n % kRows];
-        char* const to = outputRow(b, n, sizeof(T));
-        const char* const row = sourceRow(b, y);
-        if (y == shown)
-            memmove(to, to - b->dstStep, static_cast<size_t>(bytes)); // rows may overlap
-        else if (groups)
+        T* const to = reinterpret_cast<T*>(outputRow(b, n, sizeof(T)));
+        const T* const row = reinterpret_cast<const T*>(sourceRow(b, y));
+        if (y == shown) {
+            memmove(to, reinterpret_cast<char*>(to) - b->dstStep, static_cast<size_t>(bytes)); // rows may overlap
+            continue;
+        }
+        shown = y;
+        copyBlocks(row, period, to);
+        if (groups)
             (near ? copyGroups<true> : copyGroups<false>)(reinterpret_cast<const uint8_t*>(row),
                                                           reinterpret_cast<const char*>(column),
-                                                          reinterpret_cast<uint8_t*>(to), width);
-        else if (evens) {
-            const auto* const from = reinterpret_cast<const uint8_t*>(row);
-            auto* const bytesTo = reinterpret_cast<uint8_t*>(to);
-            const Index done = copyEvens(from + first, b->x.length - first, bytesTo, width);
-            copyPixels(from, column + done, bytesTo + done, width - done);
-        } else
-            copyPixels(reinterpret_cast<const T*>(row), column, reinterpret_cast<T*>(to), width);
-        shown = y;
+                                                          reinterpret_cast<uint8_t*>(to + from), rest);
+        else
+            copyPixels(row, column, to + from, rest);
     }
 }
 

@@ -83,6 +83,8 @@ QVR_HIDDEN void qvrResizeEdges(const qvrResizePlan* plan, char* dst, int64_t dst
 
 // The source pixels under the centres of `count` destination pixels from d on, clamped into the image.
 QVR_HIDDEN void qvrNearestOf(const qvrResizeAxis* axis, int64_t d, int64_t count, int32_t* pixels);
+// The number of positions, up to `most`, after which all of the axis' positions are `pixels` further on; 0: none.
+QVR_HIDDEN int64_t qvrNearestPeriod(const qvrResizeAxis* axis, int64_t most, int64_t* pixels);
 
 // A separable method on an axis. Without low pass each position has 2 radius taps. With it the weights are kernel(|j -
 // centre| * scale) * scale for the taps j within `reach` of the centre, divided by their sum; where inv = pixels /
