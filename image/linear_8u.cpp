@@ -150,11 +150,10 @@ template<int NC> QVR_APART void filterRow(const uint8_t* s, const Columns& c, in
 QVR_APART void blendRows(const int16_t* near, const int16_t* far, int w, Index n, uint8_t* dst)
 {
     using Words = Vec<int16_t, kWords>;
-    // 4 w may be 2^15, so both are negated.
-    const Words weight = splat<Words>(static_cast<int16_t>(-4 * w));
+    const int16_t weight = static_cast<int16_t>(-4 * w); // 4 w may be 2^15, so both are negated
     putRow(n, dst, [&](Index i) {
         const Words a = load<Words>(near + i);
-        return shiftedRound<6>(a + mulHigh<int32_t>(a - load<Words>(far + i), weight));
+        return shiftedRound<6>(a + mulHigh<int32_t>(a - load<Words>(far + i), splat<Words>(weight)));
     });
 }
 

@@ -87,8 +87,16 @@ template<class T> void copyBlocks(const T* src, const Period& period, T* dst)
         }
     } else if constexpr (kSsse3) {
         const Block from = load<Block>(period.from);
-        for (Index x = 0; x < period.done; x += period.outputs, src += period.pixels)
-            store(dst + x, shuffleBytes(load<Block>(src), from));
+        const Index pixels = period.pixels, outputs = period.outputs;
+        const auto block = [&](Index k) {
+            store(dst + k * outputs, shuffleBytes(load<Block>(src + k * pixels), from));
+        };
+        Index x = 0;
+        for (; x + 4 * outputs < period.done; x += 4 * outputs, src += 4 * pixels, dst += 4 * outputs)
+            for (Index k = 0; k < 4; k++)
+                block(k);
+        for (; x < period.done; x += outputs, src += pixels, dst += outputs)
+            block(0);
     }
 }
 

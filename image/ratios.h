@@ -15,19 +15,19 @@ namespace {
 
 constexpr Index kRatioParts = 256;
 constexpr Index kMostCover = 127;    // a signed byte, and so is the sum of two
-constexpr Index kRatioRows = 8;      // lines: those of an output row
+constexpr Index kTogether = 4;       // rows that are summed at a time
+constexpr Index kRatioRows = 8;      // lines: those of an output row and what is summed ahead
 constexpr Index kRatioWindows = 160; // of a strip
 
 using Sums = Vec<uint16_t, kWords>;
 constexpr Index kSumBytes = 2 * kWords;
 
-// Windows of a strip. Those of an odd number are followed by one more.
 struct RatioStrip {
     Index from, to;            // windows
-    bool three;                // some sum takes three pixels
-    int32_t at[kRatioWindows]; // first bytes
-    alignas(32) uint8_t pair[kRatioWindows][16], third[kRatioWindows][16];
-    alignas(32) int8_t pairCover[kRatioWindows][16], thirdCover[kRatioWindows][16];
+    bool three;                // some sums take three pixels
+    int32_t at[kRatioWindows]; // first pixels
+    alignas(32) uint16_t pair[kRatioWindows][8], pairCover[kRatioWindows][8];
+    alignas(32) uint16_t third[kRatioWindows][8], thirdCover[kRatioWindows][8];
     alignas(32) uint16_t line[kRatioRows][8 * kRatioWindows + 32];
 };
 
@@ -49,20 +49,24 @@ void nextPlace(const qvrSuperAxis* a, RatioPlace& place)
 // Eight sums; pixels outside the image are those of its edge. False: they are too far apart.
 template<int NC> bool makeRatioWindow(const qvrSuperAxis* a, RatioPlace place, Index w, RatioStrip& strip)
 {
+    using Bytes = Vec<uint16_t, NC>;
     const Index base = clampIndex(place.pixel, a->length + 1 - 16 / NC);
     bool near = true;
     strip.at[w] = static_cast<int32_t>(base);
-    for (int i = 0; i < 8; nextPlace(a, place)) {
+    for (int i = 0; i < 8; i += NC, nextPlace(a, place)) {
         const Index first = a->q - place.rest, rest = a->p - first, second = rest < a->q ? rest : a->q;
-        const Index cover[4] = {first, second, rest - second, 0};
-        strip.three |= cover[2] > 0;
-        for (int k = 0; k < NC; k++, i++)
-            for (int t = 0; t < 4; t++) {
-                const Index from = (clampIndex(place.pixel + t, a->length) - base) * NC + k;
-                near &= cover[t] == 0 || from < 16;
-                (t < 2 ? strip.pair : strip.third)[w][2 * i + t % 2] = static_cast<uint8_t>(from);
-                (t < 2 ? strip.pairCover : strip.thirdCover)[w][2 * i + t % 2] = static_cast<int8_t>(cover[t]);
-            }
+        // Bytes of pixels t and t + 1 in this window, and their covers.
+        const auto put = [&](Index t, Index cover, Index next, uint16_t* from, uint16_t* covers) {
+            const Index one = clampIndex(place.pixel + t, a->length) - base;
+            const Index two = clampIndex(place.pixel + t + 1, a->length) - base;
+            near &= (cover == 0 || one < 16 / NC) && (next == 0 || two < 16 / NC);
+            const Bytes channels = iota<Bytes>() * 257;
+            store(from + i, channels + static_cast<uint16_t>(NC * (one | two << 8)));
+            store(covers + i, splat<Bytes>(static_cast<uint16_t>(cover | next << 8)));
+        };
+        put(0, first, second, strip.pair[w], strip.pairCover[w]);
+        if (strip.three)
+            put(2, rest - second, 0, strip.third[w], strip.thirdCover[w]);
     }
     return near;
 }
@@ -76,16 +80,19 @@ template<int NC> bool makeRatioStrip(const qvrResizeBand* b, const qvrSuperAxis*
     const Index period = a->q / (lowest < outputs ? lowest : outputs), pixels = period * outputs / a->q * a->p;
     strip.from = from;
     strip.to = from + kRatioWindows < windows ? from + kRatioWindows : windows;
-    strip.three = false;
+    strip.three = a->p > a->q + 1;
     Index alike = 0; // windows so far whose place is not that of an edge
     for (Index w = 0; w < strip.to - from; w++) {
         if (alike >= period && strip.at[w - period] + pixels + 16 / NC <= a->length) {
             alike++;
             strip.at[w] = strip.at[w - period] + static_cast<int32_t>(pixels);
-            __builtin_memcpy(strip.pair[w], strip.pair[w - period], 16);
-            __builtin_memcpy(strip.third[w], strip.third[w - period], 16);
-            __builtin_memcpy(strip.pairCover[w], strip.pairCover[w - period], 16);
-            __builtin_memcpy(strip.thirdCover[w], strip.thirdCover[w - period], 16);
+            const auto again = [=](auto& list) { __builtin_memcpy(list[w], list[w - period], 16); };
+            again(strip.pair);
+            again(strip.pairCover);
+            if (strip.three) {
+                again(strip.third);
+                again(strip.thirdCover);
+            }
             continue;
         }
         const RatioPlace place = ratioPlace(a, b->x.first + (from + w) * outputs);
@@ -96,23 +103,35 @@ template<int NC> bool makeRatioStrip(const qvrResizeBand* b, const qvrSuperAxis*
     return true;
 }
 
-// The sums of a source row.
-template<int NC, bool Three> QVR_APART void sumRatioRow(const RatioStrip& strip, const uint8_t* row, uint16_t* line)
+// The sums of R source rows, to the lines of their numbers.
+template<int NC, bool Three, int R> QVR_APART void sumRatioRows(const qvrResizeBand* b, Index first, RatioStrip& strip)
 {
     if constexpr (kSsse3) {
+        const uint8_t* row[R];
+        uint16_t* line[R];
+        for (int r = 0; r < R; r++) {
+            row[r] = reinterpret_cast<const uint8_t*>(sourceRow(b, first + r));
+            line[r] = strip.line[(first + r) & (kRatioRows - 1)];
+        }
         const auto sums = [&]<int N>(Index w) {
             using B = Vec<uint8_t, 16 * N>;
             using Covers = Vec<int8_t, 16 * N>;
-            const auto window = [&](Index k) { return load<Vec<uint8_t, 16>>(row + Index{strip.at[k]} * NC); };
-            B bytes;
-            if constexpr (N == 2)
-                bytes = concat(window(w), window(w + 1));
-            else
-                bytes = window(w);
-            auto sum = addBytePairs(shuffleBytes(bytes, load<B>(strip.pair[w])), load<Covers>(strip.pairCover[w]));
-            if constexpr (Three)
-                sum += addBytePairs(shuffleBytes(bytes, load<B>(strip.third[w])), load<Covers>(strip.thirdCover[w]));
-            store(line + 8 * w, sum);
+            const Index at = Index{strip.at[w]} * NC, next = Index{strip.at[w + N - 1]} * NC;
+            for (int r = 0; r < R; r++) {
+                const auto window = [&](Index from) { return load<Vec<uint8_t, 16>>(row[r] + from); };
+                B bytes;
+                if constexpr (N == 2)
+                    bytes = concat(window(at), window(next));
+                else
+                    bytes = window(at);
+                const auto products = [&](const uint16_t* from, const uint16_t* covers) {
+                    return addBytePairs(shuffleBytes(bytes, load<B>(from)), load<Covers>(covers));
+                };
+                auto sum = products(strip.pair[w], strip.pairCover[w]);
+                if constexpr (Three)
+                    sum += products(strip.third[w], strip.thirdCover[w]);
+                store(line[r] + 8 * w, sum);
+            }
         };
         const Index windows = strip.to - strip.from;
         Index w = 0;
@@ -122,24 +141,38 @@ template<int NC, bool Three> QVR_APART void sumRatioRow(const RatioStrip& strip,
             sums.template operator()<1>(w);
     }
 }
+template<int NC> void sumRatioRows(const qvrResizeBand* b, Index first, bool many, RatioStrip& strip)
+{
+    if (many)
+        (strip.three ? sumRatioRows<NC, true, kTogether> : sumRatioRows<NC, false, kTogether>)(b, first, strip);
+    else
+        (strip.three ? sumRatioRows<NC, true, 1> : sumRatioRows<NC, false, 1>)(b, first, strip);
+}
 
-// n outputs from `rows` lines; m = 0: parts are a power of two, which takes the shift alone.
+// How a sum becomes a mean: ((sum + parts / 2) m >> 16) >> shift.
 struct RatioMean {
     Index parts, m;
-    int s;
+    int shift;
 };
-template<bool Power>
-QVR_APART void averageRows(const uint16_t* const* line, const uint16_t* cover, Index rows, const RatioMean& mean,
-                           uint8_t* dst, Index n)
+// n outputs from R lines.
+template<int R, bool Shift>
+QVR_APART void averageRows(const uint16_t* const* line, const uint16_t* cover, const RatioMean& mean, uint8_t* dst,
+                           Index n)
 {
     const Sums rounding = splat<Sums>(static_cast<uint16_t>(mean.parts / 2));
-    const Sums m = splat<Sums>(static_cast<uint16_t>(mean.m)), s = splat<Sums>(static_cast<uint16_t>(mean.s));
-    const Sums first = splat<Sums>(cover[0]), second = splat<Sums>(cover[1]);
+    const uint16_t m = static_cast<uint16_t>(mean.m), shift = static_cast<uint16_t>(mean.shift);
+    const uint16_t* from[R];
+    Sums covers[R];
+    for (int k = 0; k < R; k++) {
+        from[k] = line[k];
+        covers[k] = splat<Sums>(cover[k]);
+    }
     putRow(n, dst, [&](Index i) {
-        Sums sum = rounding + load<Sums>(line[0] + i) * first + load<Sums>(line[1] + i) * second;
-        for (Index k = 2; k < rows; k++)
-            sum += load<Sums>(line[k] + i) * splat<Sums>(cover[k]);
-        return (Power ? sum : mulHigh<uint32_t>(sum, m)) >> s;
+        Sums sum = rounding;
+        for (int k = 0; k < R; k++)
+            sum += load<Sums>(from[k] + i) * covers[k];
+        const Sums high = mulHigh<uint32_t>(sum, splat<Sums>(m));
+        return Shift ? high >> splat<Sums>(shift) : high;
     });
 }
 
@@ -147,18 +180,17 @@ QVR_APART void averageRows(const uint16_t* const* line, const uint16_t* cover, I
 template<int NC> bool averageRatios(const qvrResizeBand* b, const qvrSuperAxis* x, const qvrSuperAxis* y)
 {
     if (!kSsse3 || x->q == 0 || y->q == 0 || x->p > 2 * x->q || x->p > kMostCover || x->p * y->p > kRatioParts ||
-        y->p > (kRatioRows - 2) * y->q || x->length < 16 / NC)
+        y->p > (kRatioRows - kTogether) * y->q || x->length < 16 / NC)
         return false;
+    // The largest shift for which m is below 2^16; none for a power of two, for which m is one, too.
     RatioMean mean = {x->p * y->p, 0, 0};
-    const Index largest = 255 * mean.parts + mean.parts / 2;
-    while ((Index{2} << mean.s) <= mean.parts)
-        mean.s++;
-    const Index power = Index{1} << (16 + mean.s);
-    if (mean.parts << 16 != power) {
-        mean.m = (power + mean.parts - 1) / mean.parts;
-        if (mean.m > 65535 || largest * (mean.m * mean.parts - power) >= power)
-            return false;
-    }
+    while ((mean.parts & (mean.parts - 1)) != 0 && (Index{2} << mean.shift) <= mean.parts)
+        mean.shift++;
+    const Index power = Index{1} << (16 + mean.shift), largest = 255 * mean.parts + mean.parts / 2;
+    mean.m = (power + mean.parts - 1) / mean.parts;
+    if (mean.m > 65535 || largest * (mean.m * mean.parts - power) >= power)
+        return false;
+    const Index last = ratioPlace(y, b->y.first + b->y.count).pixel; // rows before are needed
     RatioStrip strip;
     for (Index from = 0; from * 8 < b->x.count * NC; from = strip.to) {
         if (!makeRatioStrip<NC>(b, x, from, strip))
@@ -173,22 +205,26 @@ template<int NC> bool averageRatios(const qvrResizeBand* b, const qvrSuperAxis* 
             for (Index before = place.rest, left = y->p; left > 0; before = 0, rows++) {
                 const Index part = y->q - before < left ? y->q - before : left;
                 const Index row = clampIndex(place.pixel + rows, y->length);
-                uint16_t* const to = strip.line[row % kRatioRows];
-                if (row > done)
-                    (strip.three
-                         ? sumRatioRow<NC, true>
-                         : sumRatioRow<NC, false>)(strip, reinterpret_cast<const uint8_t*>(sourceRow(b, row)), to);
-                done = row > done ? row : done;
-                line[rows] = to;
+                if (row > done) {
+                    const bool many = row + kTogether <= last && row + kTogether <= y->length;
+                    sumRatioRows<NC>(b, row, many, strip);
+                    done = many ? row + kTogether - 1 : row;
+                }
+                line[rows] = strip.line[row & (kRatioRows - 1)];
                 cover[rows] = static_cast<uint16_t>(part);
                 left -= part;
             }
-            line[rows] = line[0]; // two at least
-            cover[rows] = 0;
-            (mean.m > 0 ? averageRows<false>
-                        : averageRows<true>)(line, cover, rows, mean,
-                                             reinterpret_cast<uint8_t*>(outputRow(b, n, NC)) + from * 8,
-                                             end - from * 8);
+            uint8_t* const dst = reinterpret_cast<uint8_t*>(outputRow(b, n, NC)) + from * 8;
+            const auto average = [&]<int R>() {
+                for (; rows < R; rows++) {
+                    line[rows] = line[0];
+                    cover[rows] = 0;
+                }
+                (mean.shift > 0 ? averageRows<R, true> : averageRows<R, false>)(line, cover, mean, dst, end - from * 8);
+            };
+            rows <= 2   ? average.template operator()<2>()
+            : rows == 3 ? average.template operator()<3>()
+                        : average.template operator()<kRatioRows - kTogether + 1>();
         }
     }
     return true;

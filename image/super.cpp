@@ -492,6 +492,8 @@ template<class T, int NC> void super(const qvrResizeBand* b)
     if constexpr (sizeof(T) == 1) {
         if (s.x.p == 2 && s.y.p == 2 && s.x.q == 1 && s.y.q == 1 && halveBand<NC>(b))
             return;
+        if (s.x.p * s.y.p == 1)
+            return SLOT(ownResizeNearest)(b, NC == 1 ? qvrPixel_8u_C1 : qvrPixel_8u_C4);
         if (averageRatios<NC>(b, &s.x, &s.y))
             return;
         // Sums are at most 255 times the parts of an output. sum / parts + 1/2 is a multiple of 1 / (2 parts): with

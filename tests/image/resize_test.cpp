@@ -43,6 +43,35 @@ TEST(Resize, WideRows)
             }
 }
 
+// Ratios whose columns repeat after a few, at whole and broken shifts and from any column on.
+TEST(Resize, SmallRatios)
+{
+    const double factors[] = {0.5, 0.75, 2.0 / 3, 0.8, 0.6, 0.4, 1.0 / 3, 1, 4.0 / 3, 1.5, 2, 3, 4, 0.875};
+    for (int method : {qvriInterNearest, qvriInterLinear, qvriInterSuper})
+        for (double f : factors)
+            for (double shift : {0.0, 3.0, -7.0, 0.25}) {
+                if (!applies(method, f, f))
+                    continue;
+                const int dw = int(139 * f) + 4;
+                const Job whole = {{139, 11}, {0, 0, 139, 11}, {0, 0, dw, 30}, f, f, shift, shift / 2, method};
+                const Job part = {{139, 11}, {3, 1, 300, 9}, {5, 1, dw - 9, 30}, f, f, shift, 0, method};
+                checkAllForms(whole);
+                checkAllForms(part);
+                if (HasFailure())
+                    return;
+            }
+}
+
+// Far to the right rounding takes a position to the next pixel.
+TEST(Resize, NearestFarToTheRight)
+{
+    const int w = 2200000;
+    for (double f : {0.5, 0.75, 2.0}) {
+        const int at = int(w * f) - 1000;
+        checkForm<uint8_t, 1>({{w, 1}, {0, 0, w, 1}, {at, 0, 1000, 1}, f, 1, 0, 0, qvriInterNearest});
+    }
+}
+
 // All widths of source and destination round the vectors.
 TEST(Resize, SmallAndNarrow)
 {
