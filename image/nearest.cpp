@@ -106,62 +106,41 @@ struct Group {
     uint8_t low[16], high[16];
 };
 static_assert(sizeof(Group) <= 16 * sizeof(int32_t));
-constexpr Index kGroupBytes = sizeof(Group), kReach = 32;
+constexpr int32_t kReach = 32;
 
-// Turns the column numbers into groups, from the front on, for a group is no larger than what it replaces. False, with
-// nothing changed: some outputs lie too far apart. `near`: all of them are in the first windows.
-bool makeGroups(int32_t* column, Index n, Index length, bool& near)
+// Groups of n columns from d on, the last of which may overlap the one before. False: some outputs lie too far apart.
+// `near`: all of them are in the first windows.
+bool makeGroups(const qvrResizeAxis& axis, Index d, Index n, Group* group, bool& near)
 {
-    if (n < 16 || length < kReach)
-        return false;
     near = true;
-    const auto fits = [&](Index x) {
-        const Index first = column[x] < length - kReach ? column[x] : length - kReach, most = column[x + 15] - first;
-        near &= most < 16;
-        return most < kReach;
-    };
-    for (Index x = 0; x + 16 <= n; x += 16)
-        if (!fits(x))
-            return false;
-    if (!fits(n - 16))
+    if (!kSsse3 || n < 16 || axis.length < kReach)
         return false;
-    char* const at = reinterpret_cast<char*>(column);
-    const auto groupAt = [=](Index x) {
-        Group group;
-        const Index first = column[x] < length - kReach ? column[x] : length - kReach;
-        group.base = static_cast<int32_t>(first);
+    for (Index x = 0; x < n; x += 16, group++) {
+        int32_t column[16];
+        qvrNearestOf(&axis, d + (x + 16 <= n ? x : n - 16), 16, column);
+        group->base = column[0] < axis.length - kReach ? column[0] : axis.length - kReach;
+        near &= column[15] - group->base < 16;
+        if (column[15] - group->base >= kReach)
+            return false;
         for (int k = 0; k < 16; k++) {
-            const Index from = column[x + k] - first;
-            group.low[k] = static_cast<uint8_t>(from < 16 ? from : 128);
-            group.high[k] = static_cast<uint8_t>(from < 16 ? 128 : from - 16);
+            const int32_t from = column[k] - group->base;
+            group->low[k] = static_cast<uint8_t>(from < 16 ? from : 128);
+            group->high[k] = static_cast<uint8_t>(from < 16 ? 128 : from - 16);
         }
-        return group;
-    };
-    // Group g ends before column 9 g + 9 begins, so only the overlapping last one would read what others have replaced.
-    const Index count = (n + 15) / 16;
-    const Group last = groupAt(n - 16);
-    for (Index g = 0; g < count; g++) {
-        const Group group = g + 1 < count ? groupAt(16 * g) : last;
-        store(at + g * kGroupBytes, Vec<int32_t, 1>{group.base});
-        store(at + g * kGroupBytes + 4, load<Block>(group.low));
-        store(at + g * kGroupBytes + 20, load<Block>(group.high));
     }
     return true;
 }
 
-template<bool Near> void copyGroups(const uint8_t* src, const char* groups, uint8_t* dst, Index n)
+template<bool Near> void copyGroups(const uint8_t* src, const Group* group, uint8_t* dst, Index n)
 {
-    if constexpr (kSsse3) {
-        const Index count = (n + 15) / 16;
-        for (Index g = 0; g < count; g++, groups += kGroupBytes) {
-            const Index x = g + 1 < count ? 16 * g : n - 16;
-            const uint8_t* const p = src + load<Vec<int32_t, 1>>(groups)[0];
-            Block block = shuffleBytes(load<Block>(p), load<Block>(groups + 4));
+    if constexpr (kSsse3)
+        for (Index x = 0; x < n; x += 16, group++) {
+            const uint8_t* const p = src + group->base;
+            Block block = shuffleBytes(load<Block>(p), load<Block>(group->low));
             if constexpr (!Near)
-                block |= shuffleBytes(load<Block>(p + 16), load<Block>(groups + 20));
-            store(dst + x, block);
+                block |= shuffleBytes(load<Block>(p + 16), load<Block>(group->high));
+            store(dst + (x + 16 <= n ? x : n - 16), block);
         }
-    }
 }
 
 template<int Bytes> struct PixelBits {
@@ -182,16 +161,17 @@ template<class T> void nearest(const qvrResizeBand* b)
     const Index width = b->x.count, bytes = width * static_cast<Index>(sizeof(T));
     Carver carver = bufferOf(b);
     int32_t* const column = carver.take<int32_t>(width, 16);
+    Group* const group = reinterpret_cast<Group*>(column);
     const Period period = periodOf<T>(b->x);
-    // Columns from here on go by the table, those of bytes by whole groups.
+    // Columns from here on go by groups, or else by the table.
     Index from = period.done;
     if (sizeof(T) == 1 && from < width && width - from < 16)
         from = width > 16 ? width - 16 : 0;
     const Index rest = width - from;
-    qvrNearestOf(&b->x, b->x.first + from, rest, column);
-    bool near = false, groups = false;
-    if constexpr (kSsse3 && sizeof(T) == 1)
-        groups = makeGroups(column, rest, b->x.length, near);
+    bool near = false;
+    const bool groups = sizeof(T) == 1 && makeGroups(b->x, b->x.first + from, rest, group, near);
+    if (!groups)
+        qvrNearestOf(&b->x, b->x.first + from, rest, column);
     Index shown = -1;
     int32_t rows[kRows];
     for (Index n = 0; n < b->y.count; n++) {
@@ -207,8 +187,7 @@ template<class T> void nearest(const qvrResizeBand* b)
         shown = y;
         copyBlocks(row, period, to);
         if (groups)
-            (near ? copyGroups<true> : copyGroups<false>)(reinterpret_cast<const uint8_t*>(row),
-                                                          reinterpret_cast<const char*>(column),
+            (near ? copyGroups<true> : copyGroups<false>)(reinterpret_cast<const uint8_t*>(row), group,
                                                           reinterpret_cast<uint8_t*>(to + from), rest);
         else
             copyPixels(row, column, to + from, rest);

@@ -20,14 +20,12 @@ constexpr Index kRatioRows = 8;      // lines: those of an output row and what i
 constexpr Index kRatioWindows = 160; // of a strip
 
 using Sums = Vec<uint16_t, kWords>;
-constexpr Index kSumBytes = 2 * kWords;
 
 struct RatioStrip {
-    Index from, to;            // windows
-    bool three;                // some sums take three pixels
-    int32_t at[kRatioWindows]; // first pixels
-    alignas(32) uint16_t pair[kRatioWindows][8], pairCover[kRatioWindows][8];
-    alignas(32) uint16_t third[kRatioWindows][8], thirdCover[kRatioWindows][8];
+    Index from, to;                                                               // windows
+    bool three;                                                                   // some sums take three pixels
+    int32_t at[kRatioWindows];                                                    // first pixels
+    alignas(32) uint16_t bytes[2][kRatioWindows][8], covers[2][kRatioWindows][8]; // of pixels 0 and 1, of 2 and none
     alignas(32) uint16_t line[kRatioRows][8 * kRatioWindows + 32];
 };
 
@@ -56,17 +54,17 @@ template<int NC> bool makeRatioWindow(const qvrSuperAxis* a, RatioPlace place, I
     for (int i = 0; i < 8; i += NC, nextPlace(a, place)) {
         const Index first = a->q - place.rest, rest = a->p - first, second = rest < a->q ? rest : a->q;
         // Bytes of pixels t and t + 1 in this window, and their covers.
-        const auto put = [&](Index t, Index cover, Index next, uint16_t* from, uint16_t* covers) {
+        const auto put = [&](Index t, Index cover, Index next) {
             const Index one = clampIndex(place.pixel + t, a->length) - base;
             const Index two = clampIndex(place.pixel + t + 1, a->length) - base;
             near &= (cover == 0 || one < 16 / NC) && (next == 0 || two < 16 / NC);
             const Bytes channels = iota<Bytes>() * 257;
-            store(from + i, channels + static_cast<uint16_t>(NC * (one | two << 8)));
-            store(covers + i, splat<Bytes>(static_cast<uint16_t>(cover | next << 8)));
+            store(strip.bytes[t / 2][w] + i, channels + static_cast<uint16_t>(NC * (one | two << 8)));
+            store(strip.covers[t / 2][w] + i, splat<Bytes>(static_cast<uint16_t>(cover | next << 8)));
         };
-        put(0, first, second, strip.pair[w], strip.pairCover[w]);
+        put(0, first, second);
         if (strip.three)
-            put(2, rest - second, 0, strip.third[w], strip.thirdCover[w]);
+            put(2, rest - second, 0);
     }
     return near;
 }
@@ -86,12 +84,9 @@ template<int NC> bool makeRatioStrip(const qvrResizeBand* b, const qvrSuperAxis*
         if (alike >= period && strip.at[w - period] + pixels + 16 / NC <= a->length) {
             alike++;
             strip.at[w] = strip.at[w - period] + static_cast<int32_t>(pixels);
-            const auto again = [=](auto& list) { __builtin_memcpy(list[w], list[w - period], 16); };
-            again(strip.pair);
-            again(strip.pairCover);
-            if (strip.three) {
-                again(strip.third);
-                again(strip.thirdCover);
+            for (int t = 0; t <= strip.three; t++) {
+                __builtin_memcpy(strip.bytes[t][w], strip.bytes[t][w - period], 16);
+                __builtin_memcpy(strip.covers[t][w], strip.covers[t][w - period], 16);
             }
             continue;
         }
@@ -124,12 +119,13 @@ template<int NC, bool Three, int R> QVR_APART void sumRatioRows(const qvrResizeB
                     bytes = concat(window(at), window(next));
                 else
                     bytes = window(at);
-                const auto products = [&](const uint16_t* from, const uint16_t* covers) {
-                    return addBytePairs(shuffleBytes(bytes, load<B>(from)), load<Covers>(covers));
+                const auto products = [&](int t) {
+                    return addBytePairs(shuffleBytes(bytes, load<B>(strip.bytes[t][w])),
+                                        load<Covers>(strip.covers[t][w]));
                 };
-                auto sum = products(strip.pair[w], strip.pairCover[w]);
+                auto sum = products(0);
                 if constexpr (Three)
-                    sum += products(strip.third[w], strip.thirdCover[w]);
+                    sum += products(1);
                 store(line[r] + 8 * w, sum);
             }
         };
