@@ -145,10 +145,12 @@ template<int NC> void sumRatioRows(const qvrResizeBand* b, Index first, bool man
         (strip.three ? sumRatioRows<NC, true, 1> : sumRatioRows<NC, false, 1>)(b, first, strip);
 }
 
-// How a sum becomes a mean: ((sum + parts / 2) m >> 16) >> shift.
+// How a sum becomes a mean: ((sum + parts / 2) m >> 16) >> shift. The factor stays in memory: where compilers widen it
+// before the loop, they do not see that the product's upper half is one instruction.
 struct RatioMean {
-    Index parts, m;
+    Index parts;
     int shift;
+    Sums m;
 };
 // n outputs from R lines.
 template<int R, bool Shift>
@@ -156,7 +158,7 @@ QVR_APART void averageRows(const uint16_t* const* line, const uint16_t* cover, c
                            Index n)
 {
     const Sums rounding = splat<Sums>(static_cast<uint16_t>(mean.parts / 2));
-    const uint16_t m = static_cast<uint16_t>(mean.m), shift = static_cast<uint16_t>(mean.shift);
+    const Sums shift = splat<Sums>(static_cast<uint16_t>(mean.shift));
     const uint16_t* from[R];
     Sums covers[R];
     for (int k = 0; k < R; k++) {
@@ -167,8 +169,8 @@ QVR_APART void averageRows(const uint16_t* const* line, const uint16_t* cover, c
         Sums sum = rounding;
         for (int k = 0; k < R; k++)
             sum += load<Sums>(from[k] + i) * covers[k];
-        const Sums high = mulHigh<uint32_t>(sum, splat<Sums>(m));
-        return Shift ? high >> splat<Sums>(shift) : high;
+        const Sums high = mulHigh<uint32_t>(sum, load<Sums>(&mean.m));
+        return Shift ? high >> shift : high;
     });
 }
 
@@ -179,13 +181,14 @@ template<int NC> bool averageRatios(const qvrResizeBand* b, const qvrSuperAxis* 
         y->p > (kRatioRows - kTogether) * y->q || x->length < 16 / NC)
         return false;
     // The largest shift for which m is below 2^16; none for a power of two, for which m is one, too.
-    RatioMean mean = {x->p * y->p, 0, 0};
+    RatioMean mean = {x->p * y->p, 0, {}};
     while ((mean.parts & (mean.parts - 1)) != 0 && (Index{2} << mean.shift) <= mean.parts)
         mean.shift++;
     const Index power = Index{1} << (16 + mean.shift), largest = 255 * mean.parts + mean.parts / 2;
-    mean.m = (power + mean.parts - 1) / mean.parts;
-    if (mean.m > 65535 || largest * (mean.m * mean.parts - power) >= power)
+    const Index m = (power + mean.parts - 1) / mean.parts;
+    if (m > 65535 || largest * (m * mean.parts - power) >= power)
         return false;
+    mean.m = splat<Sums>(static_cast<uint16_t>(m));
     const Index last = ratioPlace(y, b->y.first + b->y.count).pixel; // rows before are needed
     RatioStrip strip;
     for (Index from = 0; from * 8 < b->x.count * NC; from = strip.to) {
