@@ -442,21 +442,20 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
 
 template<class T, int NC>
 constexpr qvrRowKernels kTapsOf = {
-    sizeof(T), NC,       sizeof(Line<T>),   qvrWeights_plain, sizeof(T) == 8, kFma,    1,      1,
-    nullptr,   findTaps, filterTaps<T, NC>, blendTaps<T>,     nullptr,        nullptr, nullptr};
+    sizeof(T), NC,      sizeof(Line<T>), qvrWeights_plain,  sizeof(T) == 8, kFma,    1,
+    1,         nullptr, findTaps,        filterTaps<T, NC>, blendTaps<T>,   nullptr, nullptr};
 constexpr qvrRowKernels kTaps[] = {kTapsOf<uint8_t, 1>, kTapsOf<uint8_t, 4>, kTapsOf<float, 1>, kTapsOf<double, 1>};
 template<class T, int NC>
 constexpr qvrRowKernels kLowPassOf = {
-    sizeof(T),        NC, sizeof(Line<T>), qvrWeights_double,    sizeof(T) == 8,  kFma,    kParts<T>,
-    kTogether<T, NC>, 0,  nullptr,         filterLowPass<T, NC>, blendLowPass<T>, nullptr, addTaps<T, NC>,
-    nullptr};
+    sizeof(T),        NC, sizeof(Line<T>), qvrWeights_double,    sizeof(T) == 8,  kFma,           kParts<T>,
+    kTogether<T, NC>, 0,  nullptr,         filterLowPass<T, NC>, blendLowPass<T>, addTaps<T, NC>, nullptr};
 constexpr qvrRowKernels kLowPass[] = {kLowPassOf<uint8_t, 1>, kLowPassOf<uint8_t, 4>, kLowPassOf<float, 1>,
                                       kLowPassOf<double, 1>};
 constexpr qvrRowKernels kWords[] = {
     {1, 1, 4, qvrWeights_double, 0, kFma, 1, kRowsOfWords, wordsBytes, makeWords<1>, filterWords<1>, blendWords,
-     nullptr, nullptr, &kLowPass[qvrPixel_8u_C1]},
+     nullptr, &kLowPass[qvrPixel_8u_C1]},
     {1, 4, 4, qvrWeights_double, 0, kFma, 1, kRowsOfWords, wordsBytes, makeWords<4>, filterWords<4>, blendWords,
-     nullptr, nullptr, &kLowPass[qvrPixel_8u_C4]},
+     nullptr, &kLowPass[qvrPixel_8u_C4]},
 };
 
 } // namespace

@@ -171,7 +171,7 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     c.lists = periodic ? j.x.period : width;
     c.pixels = periodic ? j.x.pixels : 0;
     Index bytes = k->weights == qvrWeights_double || k->lineBytes == 8 ? 8 : 4;
-    if (k->weights == qvrWeights_words || (k->weights == qvrWeights_plain && c.most == 2))
+    if (k->weights == qvrWeights_plain && c.most == 2)
         c.stride = 1;
     else
         c.stride = c.most + ofBytes(k); // a zero behind the list
@@ -205,10 +205,7 @@ void makePlaces(const Job& j, Index from, qvrColumns& c)
         const Index k = placeOf(places, from, x, c.width);
         const double fraction = places.fraction[k];
         c.first[x] = places.first[k];
-        if (j.k->weights == qvrWeights_words) {
-            const int w1 = static_cast<int>(fraction * (1 << 14) + 1e-7);
-            static_cast<uint32_t*>(c.weights)[x] = static_cast<uint32_t>(((1 << 14) - w1) | w1 << 16);
-        } else if (c.most == 2 && j.k->lineBytes == 8) {
+        if (c.most == 2 && j.k->lineBytes == 8) {
             doubles[x] = fraction;
         } else if (c.most == 2) {
             singles[x] = static_cast<float>(fraction);
@@ -374,8 +371,6 @@ void resizeColumns(Job& j, Index from, Index width)
                 r.rows.single[t] = static_cast<float>(r.rows.weight[t]);
         }
         char* const dst = outputAt(j, n, from);
-        if (k->direct != nullptr && k->direct(&r.c, &r.rows, dst))
-            continue;
         r.rows.next = nullptr;
         if (j.pairs && n + 1 < rows) {
             Index second;

@@ -52,8 +52,8 @@ typedef struct {
     double* nextWeight;
 } qvrRowTaps;
 
-// Weights of columns: a fraction or all taps in the type of the lines, pairs of 14 bits, the low pass.
-enum { qvrWeights_plain, qvrWeights_words, qvrWeights_double };
+// Weights of columns: a fraction or all taps in the type of the lines, or the low pass.
+enum { qvrWeights_plain, qvrWeights_double };
 
 typedef struct qvrRowKernels {
     int32_t elementBytes, channels, lineBytes, weights;
@@ -63,8 +63,6 @@ typedef struct qvrRowKernels {
     void (*prepare)(qvrColumns* columns);             // may be null
     void (*filter)(const qvrColumns* columns, const char* const* rows, char* const* lines, int64_t count);
     void (*blend)(const qvrColumns* columns, const qvrRowTaps* rows, char* dst);
-    // An output row that shows one source row; may be null.
-    int (*direct)(const qvrColumns* columns, const qvrRowTaps* rows, char* dst);
     // Adds n taps of one column from pixel `from` on, the first of an even number, to its parts: for each of them a
     // lane for every channel of every row that may be together; low pass only.
     void (*addTaps)(const qvrColumns* columns, const char* const* rows, int64_t count, int64_t from, int64_t n,
