@@ -178,10 +178,11 @@ template<class T> void nearest(const qvrResizeBand* b)
         if (n % kRows == 0)
             qvrNearestOf(&b->y, b->y.first + n, n + kRows < b->y.count ? kRows : b->y.count - n, rows);
         const Index y = rows[n % kRows];
-        T* const to = reinterpret_cast<T*>(outputRow(b, n, sizeof(T)));
+        char* const at = outputRow(b, n, sizeof(T));
+        T* const to = reinterpret_cast<T*>(at);
         const T* const row = reinterpret_cast<const T*>(sourceRow(b, y));
         if (y == shown) {
-            memmove(to, reinterpret_cast<char*>(to) - b->dstStep, static_cast<size_t>(bytes)); // rows may overlap
+            memmove(at, at - b->dstStep, static_cast<size_t>(bytes)); // rows may overlap
             continue;
         }
         shown = y;
