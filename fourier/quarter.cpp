@@ -1,26 +1,35 @@
-// The constant quarter waves in both precisions, made by the compiler, and the sines of run time.
+// The constant quarters of the circle in both precisions, made by the compiler, and the sines of run time.
 #include "fourier/sines.h"
 
 #include <math.h>
 
 namespace {
 
-template<class T> constexpr QuarterWaves<T> makeWaves()
+template<class T> constexpr QuarterPoints<T> makePoints()
 {
-    constexpr int quarter = (1 << kConstantBase) / 4, longest = waveStart(kConstantBase);
-    QuarterWaves<T> waves{};
+    constexpr int quarter = (1 << kConstantBase) / 4;
+    T s[quarter + 1] = {};
     for (int k = 0; k <= quarter; k++)
-        waves.s[longest + k] = static_cast<T>(quarterSine(k, 4 * quarter));
-    for (int base = kSmallestBase; base < kConstantBase; base++)
-        for (int k = 0; k <= (1 << base) / 4; k++)
-            waves.s[waveStart(base) + k] = waves.s[longest + (k << (kConstantBase - base))];
-    return waves;
+        s[k] = static_cast<T>(quarterSine(k, 4 * quarter));
+    QuarterPoints<T> points{};
+    for (int base = kSmallestBase; base <= kConstantBase; base++) {
+        const int turn = (1 << base) / 4, stride = quarter / turn;
+        for (int k = 0; k < turn + kPointsPast; k++) {
+            // In quadrant q the point is (-i)^q times that of r.
+            const int q = k / turn % 4, r = k % turn;
+            const T c = s[(turn - r) * stride], m = -s[r * stride];
+            T* pair = points.pairs + 2 * (quarterStart(base) + k);
+            pair[0] = q == 0 ? c : q == 1 ? m : q == 2 ? -c : -m;
+            pair[1] = q == 0 ? m : q == 1 ? -c : q == 2 ? -m : c;
+        }
+    }
+    return points;
 }
 
 } // namespace
 
-constexpr QuarterWaves<float> qvrQuarterWaves_32f = makeWaves<float>();
-constexpr QuarterWaves<double> qvrQuarterWaves_64f = makeWaves<double>();
+constexpr QuarterPoints<float> qvrQuarterPoints_32f = makePoints<float>();
+constexpr QuarterPoints<double> qvrQuarterPoints_64f = makePoints<double>();
 
 namespace {
 

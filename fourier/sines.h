@@ -52,15 +52,27 @@ constexpr long double constantCosine(int k, int n)
     return constantSine(4 * k + n, 4 * n);
 }
 
-// The constant quarter waves: sin(2 pi k / 2^base), k = 0 .. 2^base / 4, for each base from kSmallestBase to
-// kConstantBase, one behind another, so that a table of any of these orders is read without gaps.
+// The constant quarters of the circle (quarter.h), for each base from kSmallestBase to kConstantBase, one behind
+// another from a boundary of 64 bytes each, so that a table of any of these orders is read without gaps.
 constexpr int kSmallestBase = 3, kConstantBase = 12;
-constexpr int waveStart(int base)
+constexpr int kPointsPast = 49; // behind the quarter: seven vectors of eight lanes apart, with the quarter's end
+struct QuarterStarts {
+    int of[kConstantBase + 2];
+};
+constexpr QuarterStarts makeQuarterStarts()
 {
-    return (1 << base) / 4 - (1 << kSmallestBase) / 4 + base - kSmallestBase;
+    QuarterStarts starts{};
+    for (int base = kSmallestBase; base <= kConstantBase; base++)
+        starts.of[base + 1] = starts.of[base] + ((1 << base) / 4 + kPointsPast + 7) / 8 * 8;
+    return starts;
 }
-template<class T> struct QuarterWaves {
-    T s[waveStart(kConstantBase + 1)];
+constexpr QuarterStarts kQuarterStarts = makeQuarterStarts();
+constexpr int quarterStart(int base)
+{
+    return kQuarterStarts.of[base];
+}
+template<class T> struct QuarterPoints {
+    alignas(64) T pairs[2 * quarterStart(kConstantBase + 1)];
 };
 
 // Up to pi/4 the Taylor series to x^17 and x^18 leave less than 2^-61; their tails are summed apart from the first
@@ -103,8 +115,8 @@ template<class V> inline V cosineWithinEighth(V x)
 } // namespace
 
 extern "C" {
-extern const QVR_HIDDEN QuarterWaves<float> qvrQuarterWaves_32f;
-extern const QVR_HIDDEN QuarterWaves<double> qvrQuarterWaves_64f;
+extern const QVR_HIDDEN QuarterPoints<float> qvrQuarterPoints_32f;
+extern const QVR_HIDDEN QuarterPoints<double> qvrQuarterPoints_64f;
 
 // As good as libm's to a unit, for the slots.
 QVR_HIDDEN double qvrSine(double x);

@@ -93,7 +93,8 @@ constexpr int kEntry = 4;
 
 int16_t sine14(int64_t k, int order)
 {
-    return static_cast<int16_t>(qvrQuarterWaves_64f.s[waveStart(kConstantBase) + (k << (kConstantBase - order))] * 16384.0 + 0.5);
+    return static_cast<int16_t>(
+        constantQuarter<double>(kConstantBase)[2 * (k << (kConstantBase - order)) + 1] * -16384.0 + 0.5);
 }
 // Entry k (c, s, -s, c) of the angle 2 pi k / 2^order.
 void fillRotations(int16_t* out, int order, Index count)

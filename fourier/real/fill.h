@@ -1,7 +1,4 @@
 // Filling of the tables of a specification object, in the layouts that the kernels of this build read.
-//
-// Angles go up in steps, so re and im of one quadrant's twiddles are two walks along the quarter wave, one up and one
-// down.
 #ifndef QVR_FOURIER_FILL_H
 #define QVR_FOURIER_FILL_H
 
@@ -11,92 +8,82 @@
 
 namespace {
 
-// ---- Walks along the quarter wave -----------------------------------------------------------------------------------
+// ---- Vectors of points ----------------------------------------------------------------------------------------------
 
-// Lanes in the order of groups, or rising.
-template<bool Rising, class V> constexpr int lanePlace(int lane)
+// The angles k * 2^halvings * odd + eighths of the circle, in parts of 2^order, for growing k: a walk through the table
+// of order - halvings that reaches so many quadrants.
+struct Multiple {
+    int halvings, odd, eighths, quadrants;
+};
+constexpr Multiple makeMultiple(int multiple, int eighths, int quadrants)
 {
-    return Rising ? lane : laneIndex<V>(lane);
+    Multiple m = {0, multiple, eighths, quadrants};
+    for (; m.odd % 2 == 0; m.odd /= 2)
+        m.halvings++;
+    return m;
 }
-template<bool Rising, bool Down, class V, int... I> QVR_INLINE V permutedLanes(V v, Indices<I...>)
+// Twiddle i of the records of a stage.
+constexpr Multiple recordWalk(int radix, bool steps, int i)
 {
-    return __builtin_shufflevector(v, v, (Down ? lanes<V> - 1 - lanePlace<Rising, V>(I) : lanePlace<Rising, V>(I))...);
+    const int multiple = recordMultiple(radix, steps, i), eighths = steps && radix == 8 && i == 3;
+    return makeMultiple(multiple, eighths, (8 * multiple + radix * eighths + 2 * radix - 1) / (2 * radix));
 }
-// p[0], p[step], p[2 step], ...; or down from p.
-template<bool Unit, bool Rising, bool Down, class V> QVR_INLINE V loadWalk(const Elem<V>* p, Index step)
+
+// Points `step` elements apart as a vector of pairs.
+template<class V> QVR_INLINE V gatherPairs(const Elem<V>* p, Index step)
 {
-    constexpr int W = lanes<V>;
-    if constexpr (Unit) {
-        return permutedLanes<Rising, Down>(load<V>(Down ? p - (W - 1) : p), Iota<W>{});
-    } else {
-        V v{};
-#pragma clang loop unroll(full)
-        for (int l = 0; l < W; l++)
-            v[l] = p[(Down ? -lanePlace<Rising, V>(l) : lanePlace<Rising, V>(l)) * step];
-        return v;
+    if constexpr (lanes<V> == 2)
+        return load<V>(p);
+    else {
+        using H = Vec<Elem<V>, lanes<V> / 2>;
+        return concat(gatherPairs<H>(p, step), gatherPairs<H>(p + lanes<H> / 2 * step, step));
     }
 }
 
-// The angles (first + k) * multiple + phase, k = 0 .. count - 1, in parts of 2^order.
-struct Angles {
-    int order;
-    Index multiple, phase, first, count;
+// Multiple m of k, in parts of 2^order: at p, turned by so many quadrants, with neighbours `step` elements apart.
+// Dense: of a table without a stride.
+template<class T> struct Walk {
+    const T* p;
+    Index step;
+    int quadrant;
 };
+template<bool Dense, class T> QVR_INLINE Walk<T> walkTo(const Quarter<T>& quarter, Index k, int order, Multiple m)
+{
+    const int base = order - m.halvings;
+    const Points<T> points = Dense ? Points<T>{constantQuarter<T>(base), 1} : quarter.points(base);
+    const Index turn = Index{1} << (base - 2), at = k * m.odd + m.eighths * (turn / 2);
+    return {points.p + 2 * (m.quadrants == 1 ? at : at & (turn - 1)) * points.stride, 2 * m.odd * points.stride,
+            m.quadrants == 1 ? 0 : static_cast<int>(at >> (base - 2)) & 3};
+}
 
-template<bool Unit, bool Rising, class V>
-QVR_INLINE void fillWalk(Elem<V>* out, Index step, const Quarter<Elem<V>>& quarter, Wave<Elem<V>> wave, const Angles& a)
+// One vector of cosines at out and one of negated sines `apart` elements behind it, of the multiples of k, k + 1, ...
+template<class V, bool Dense>
+QVR_INLINE void putPoints(Elem<V>* out, Index apart, const Quarter<Elem<V>>& quarter, Index k, int order, Multiple m)
 {
     using T = Elem<V>;
-    constexpr int W = lanes<V>;
-    const Index Q = Index{1} << (a.order - 2), width = a.multiple * W;
-    for (Index k = 0; k < a.count;) {
-        const Index p = ((a.first + k) * a.multiple + a.phase) & (4 * Q - 1), r = p & (Q - 1);
-        const int quadrant = static_cast<int>(p >> (a.order - 2));
-        // Whole vectors in this quadrant.
-        const Index room = Q - r + a.multiple - 1;
-        Index n = Unit ? room / W : room < width ? 0 : room / width;
-        const Index left = (a.count - k) / W;
-        n = n < left ? n : left;
-        if (n == 0) {
-            for (int l = 0; l < W; l++) {
-                const Twiddle<T> w = quarter.at(p + lanePlace<Rising, V>(l) * a.multiple, a.order);
-                out[l] = w.re;
-                out[W + l] = w.im;
-            }
-            out += step;
-            k += W;
-            continue;
-        }
-        const V upFactor = splat<V>(kUpSign<T>[quadrant]), downFactor = splat<V>(kDownSign<T>[quadrant]);
-        const Index reach = a.multiple * wave.stride;
-        const T *up = wave.s + r * wave.stride, *down = wave.s + (Q - r) * wave.stride;
-        T *upTo = quadrant & 1 ? out : out + W, *downTo = quadrant & 1 ? out + W : out;
-        k += n * W;
-        out += n * step;
-#pragma clang loop unroll(disable)
-        for (; n > 0; n--, up += W * reach, down -= W * reach, upTo += step, downTo += step) {
-            store(upTo, loadWalk<Unit, Rising, false, V>(up, reach) * upFactor);
-            store(downTo, loadWalk<Unit, Rising, true, V>(down, reach) * downFactor);
-        }
-    }
+    const Walk<T> w = walkTo<Dense>(quarter, k, order, m);
+    Cx<V> z = (Dense ? m.odd == 1 : w.step == 2)
+                  ? loadPairs<V>(w.p)
+                  : split(gatherPairs<V>(w.p, w.step), gatherPairs<V>(w.p + lanes<V> / 2 * w.step, w.step));
+    if (m.quadrants > 1)
+        z.re *= splat<V>(kCosSign<T>[w.quadrant]);
+    if (m.quadrants > 2)
+        z.im *= splat<V>(kSineSign<T>[w.quadrant]);
+    const Index swap = (w.quadrant & 1) * apart;
+    store(out + swap, z.re);
+    store(out + (apart - swap), z.im);
 }
-
-// Vectors of cosines, each with one of negated sines behind it, `step` elements apart.
-template<class V, bool Rising = false>
-void fillAngles(Elem<V>* out, Index step, const Quarter<Elem<V>>& quarter, const Angles& given)
+// One pair.
+template<bool Dense, class T> QVR_INLINE Vec<T, 2> pointAt(const Quarter<T>& quarter, Index k, int order, Multiple m)
 {
-    Angles a = {given.order, given.multiple, given.phase, given.first, given.count};
-    while (((a.multiple | a.phase) & 1) == 0 && a.order > kSmallestBase) {
-        a.multiple /= 2;
-        a.phase /= 2;
-        a.order--;
-    }
-    const Wave<Elem<V>> wave = quarter.wave(a.order);
-    if (a.multiple * wave.stride == 1)
-        fillWalk<true, Rising, V>(out, step, quarter, wave, a);
-    else
-        fillWalk<false, Rising, V>(out, step, quarter, wave, a);
+    const Walk<T> w = walkTo<Dense>(quarter, k, order, m);
+    const Vec<T, 2> z = load<Vec<T, 2>>(w.p);
+    if (m.quadrants == 1)
+        return z;
+    const Vec<T, 2> turned = z * Vec<T, 2>{kCosSign<T>[w.quadrant], kSineSign<T>[w.quadrant]};
+    return (w.quadrant & 1) != 0 ? exchanged(turned) : turned;
 }
+constexpr Multiple kFirstQuadrant = {0, 1, 0, 1}, kAnyQuadrant = {0, 1, 0, 4};
 
 // ---- Stages ---------------------------------------------------------------------------------------------------------
 
@@ -123,21 +110,19 @@ template<class T, int R> constexpr FirstRecords<T, R> makeFirstRecords()
 template<class T, int R> constexpr FirstRecords<T, R> kFirstRecords = makeFirstRecords<T, R>();
 template<class T, int R> inline void copyFirstRecords(T* out)
 {
-    __builtin_memcpy(out, kFirstRecords<T, R>.of, sizeof kFirstRecords<T, R>.of);
+    for (int i = 0; i < static_cast<int>(sizeof kFirstRecords<T, R>.of / sizeof(T)); i += kLanes<T>)
+        store(out + i, load<Full<T>>(kFirstRecords<T, R>.of + i));
 }
 
 // Twiddles of a stage of length R q = 2^order for the butterflies first .. first + count - 1.
-template<class T, int R, bool Steps>
-inline T* fillRecords(T* out, const Quarter<T>& quarter, int order, Index first, Index count)
+template<class T, int R, bool Steps, bool Dense>
+void fillRecords(T* out, const Quarter<T>& quarter, int order, Index first, Index count)
 {
     constexpr int W = kLanes<T>;
-    constexpr Index record = kRecord<T, R, Steps>;
-    for (int i = 0; i < kRecordTwiddles<R, Steps>; i++) {
-        const Index phase = Steps && R == 8 && i == 3 ? (Index{1} << order) / 8 : 0;
-        fillAngles<Full<T>>(out + 2 * W * i, record, quarter,
-                            Angles{order, recordMultiple(R, Steps, i), phase, first, count});
-    }
-    return out + count / W * record;
+    for (Index k = first; k < first + count; k += W)
+#pragma clang loop unroll(full)
+        for (int i = 0; i < kRecordTwiddles<R, Steps>; i++, out += 2 * W)
+            putPoints<Full<T>, Dense>(out, W, quarter, k, order, recordWalk(R, Steps, i));
 }
 
 // The records of a sweep in the order in which its strips read them.
@@ -152,15 +137,16 @@ template<class T> void fillSweep(T* out, const Quarter<T>& quarter, const FftSwe
             const int radix = sweep.radixOrder[i];
             const bool steps = inSteps(radix, sweep.form);
             order += radix;
-            for (Index row = 0; row < rows; row++) {
-                const Index first = row * length + k;
-                if (radix == 2)
-                    out = steps ? fillRecords<T, 4, true>(out, quarter, order, first, columns)
-                                : fillRecords<T, 4, false>(out, quarter, order, first, columns);
-                else
-                    out = steps ? fillRecords<T, 8, true>(out, quarter, order, first, columns)
-                                : fillRecords<T, 8, false>(out, quarter, order, first, columns);
-            }
+            const auto fill = [&](auto* dense, auto* strided) {
+                for (Index row = 0; row < rows; row++, out += columns / kLanes<T> * recordSize<T>(radix, sweep.form))
+                    (order <= kConstantBase ? dense : strided)(out, quarter, order, row * length + k, columns);
+            };
+            if (radix == 2)
+                steps ? fill(fillRecords<T, 4, true, true>, fillRecords<T, 4, true, false>)
+                      : fill(fillRecords<T, 4, false, true>, fillRecords<T, 4, false, false>);
+            else
+                steps ? fill(fillRecords<T, 8, true, true>, fillRecords<T, 8, true, false>)
+                      : fill(fillRecords<T, 8, false, true>, fillRecords<T, 8, false, false>);
         }
 }
 
@@ -168,8 +154,11 @@ template<class T> void fillSweep(T* out, const Quarter<T>& quarter, const FftSwe
 // 2 pi c (j .. j + 3) / M.
 template<class T> void fillTopTable(T* out, const Quarter<T>& quarter, int m)
 {
-    for (Index c = 1; c < 8; c++)
-        fillAngles<Vec<T, 4>, true>(out + 8 * (c - 1), 56, quarter, Angles{m, c, 0, 0, (Index{1} << m) / 8});
+    using V = Full<T>;
+    for (Index j = 0; j < (Index{1} << m) / 8; j += 4)
+        for (int c = 1; c < 8; c++, out += 8)
+            for (int i = 0; i < 4; i += lanes<V>)
+                putPoints<V, false>(out + i, 4, quarter, j + i, m, makeMultiple(c, 0, 4));
 }
 
 // ---- Recombination --------------------------------------------------------------------------------------------------
@@ -177,24 +166,34 @@ template<class T> void fillTopTable(T* out, const Quarter<T>& quarter, int m)
 template<class T> void fillRecombination(T* fwd, T* inv, const Quarter<T>& quarter, int order, bool twoLevel)
 {
     using V = Full<T>;
-    using One = Vec<T, 1>;
-    constexpr int W = kLanes<T>;
     const Index quarterTurn = (Index{1} << order) / 4;
     if (twoLevel) {
-        fillAngles<One>(fwd, 2, quarter, Angles{order, 1, 0, 0, kFine});
-        fillAngles<One>(fwd + 2 * kFine, 2, quarter, Angles{order, kFine, 0, 0, quarterTurn / kFine + 1});
+        computePoints(fwd, order, 0, 1, kFine);
+        copyConstants(fwd, order, kFine);
+        for (Index k = 0; k <= quarterTurn / kFine; k++)
+            store(fwd + 2 * (kFine + k), pointAt<false>(quarter, k, order - kFineOrder, kFirstQuadrant));
         __builtin_memcpy(inv, fwd, static_cast<size_t>(2 * (kFine + quarterTurn / kFine + 1)) * sizeof(T));
         return;
     }
-    const T *up = quarter.wave(order).s, *down = up + quarterTurn - (W - 1);
+    const T* points = inv;
+    if (order <= kConstantBase) {
+        points = constantQuarter<T>(order);
+    } else {
+        // Every second point is one of the complex order.
+        for (Index k = 0; k <= quarterTurn / 2; k += 2)
+            store(inv + 2 * k, load<Vec<T, 2>>(quarter.points(order - 1).p + k));
+        computePoints(inv, order, 1, 2, quarterTurn / 2);
+        mirrorPoints(inv, order);
+    }
     const V half = splat<V>(T(0.5)), fold = alternating<V>(T(0), T(0.5));
-    for (Index k = 0; k < quarterTurn; k += W) {
-        const V cosines = reversedLanes(load<V>(down - k)), sines = -load<V>(up + k);
-        const V pairs[2] = {zipLo(cosines, sines), zipHi(cosines, sines)};
-        for (int i = 0; i < 2; i++) {
-            store(inv + 2 * k + i * W, pairs[i]);
-            store(fwd + 2 * k + i * W, pairs[i] * half + fold);
-        }
+    // Two neighbouring vectors at once, which leave for the cache together.
+    constexpr int W = lanes<V>;
+    for (Index i = 0; i < 2 * quarterTurn; i += 2 * W) {
+        const V a = load<V>(points + i), b = load<V>(points + i + W);
+        store(inv + i, a);
+        store(inv + i + W, b);
+        store(fwd + i, fma(a, half, fold));
+        store(fwd + i + W, fma(b, half, fold));
     }
 }
 
@@ -202,13 +201,16 @@ template<class T> void fillRecombination(T* fwd, T* inv, const Quarter<T>& quart
 
 template<class T> void fillKernelTable(T* out, const Quarter<T>& quarter, int m)
 {
-    for (Index j = 1; j <= 3; j++)
-        fillAngles<Vec<T, 1>>(out + 2 * (j - 1), 6, quarter, Angles{m, j, 0, 0, (Index{1} << m) / 4 + 1});
+    for (Index k = 0; k <= (Index{1} << m) / 4; k++)
+#pragma clang loop unroll(full)
+        for (int j = 1; j <= 3; j++, out += 2)
+            store(out, pointAt<true>(quarter, k, m, makeMultiple(j, 0, j)));
 }
 
 template<class T> void fillSweepTable(T* out, const Quarter<T>& quarter, int m)
 {
-    fillAngles<Vec<T, 1>>(out, 2, quarter, Angles{m, 1, 0, 0, (Index{1} << m) / 4});
+    for (Index k = 0; k < (Index{1} << m) / 4; k++, out += 2)
+        store(out, pointAt<false>(quarter, k, m, kFirstQuadrant));
 }
 
 // For each four columns j and each row c: the twiddles of 2 pi (j .. j + 3) rev(c) / 2^m.
@@ -216,11 +218,8 @@ template<class T> void fillMidTable(T* out, const Quarter<T>& quarter, int m, in
 {
     for (Index j = 0; j < Index{1} << (m - f); j += 4)
         for (Index c = 0; c < Index{1} << f; c++)
-            for (int i = 0; i < 4; i++) {
-                const Twiddle<T> w = quarter.at((j + i) * reverseIndex(c, f), m);
-                *out++ = w.re;
-                *out++ = w.im;
-            }
+            for (int i = 0; i < 4; i++, out += 2)
+                store(out, pointAt<false>(quarter, (j + i) * reverseIndex(c, f), m, kAnyQuadrant));
 }
 
 } // namespace

@@ -103,17 +103,16 @@ constexpr void secondGenTables(FftSpec<T>& spec, Walk& walk, const Quarter<T>& q
     const int m = order - 1;
     const FftPlan& plan = kFftPlans<T>.of[order];
     spec.plan = &plan;
-    // The tables of sweeps first .. end - 1 as one item.
+    // The tables of sweeps first .. end - 1, whole lines each, as one item.
     const auto place = [&](int first, int end) {
-        Index size = 0;
-        for (int i = first; i < end; i++)
-            size += sweepTableSize<T>(plan.sweep[i]);
-        T* const table = walk.template take<T>(size);
-        T* out = table;
-        for (int i = first; walk.fills() && i < end; i++) {
+        T* table = nullptr;
+        for (int i = first; i < end; i++) {
+            T* const out = walk.template take<T>(sweepTableSize<T>(plan.sweep[i]));
+            static_assert(kFirstRadix * 2 * sizeof(T) % kLine == 0);
+            if (walk.fills())
+                fftKernels<T>().fillSweep(out, quarter, plan.sweep[i]);
             spec.pSweepTables[i] = out;
-            fftKernels<T>().fillSweep(out, quarter, plan.sweep[i]);
-            out += sweepTableSize<T>(plan.sweep[i]);
+            table = i == first ? out : table;
         }
         return table;
     };
@@ -168,7 +167,7 @@ constexpr void placeTables(FftSpec<T>& spec, Walk& walk, const Quarter<T>& quart
         fftKernels<T>().fillRecombination(spec.pFwdRecomb, spec.pInvRecomb, quarter, order, twoLevel);
 }
 
-// By contract: temporary memory from this order on, also where the quarter wave is a constant.
+// By contract: temporary memory from this order on, also where the points are constants.
 constexpr int kInitFrom = 11;
 
 struct FftSizes {
@@ -180,9 +179,10 @@ template<class T> constexpr FftSizes fftSizes(int order)
     BlockSize walk{};
     walk.take<SpecType<T>>(1);
     placeTables<T>(spec, walk, {}, order);
-    const Index wave = order > kConstantBase ? quarterEntries(order) * static_cast<Index>(sizeof(T)) : 0;
+    const Index points =
+        order - 1 > kConstantBase ? quarterEntries<T>(order - 1) * static_cast<Index>(2 * sizeof(T)) : 0;
     const Index work = workBytes<T>(order);
-    return {static_cast<int32_t>(walk.used + kLine), static_cast<int32_t>(order >= kInitFrom ? wave + kLine : 0),
+    return {static_cast<int32_t>(walk.used + kLine), static_cast<int32_t>(order >= kInitFrom ? points + kLine : 0),
             static_cast<int32_t>(work > 0 ? work + kLine : 0)};
 }
 template<class T> struct SizesOfOrders {
@@ -260,10 +260,9 @@ inline qvrStatus fftInit(SpecType<T>** ppSpec, int order, int flag, int hint, ui
         spec->threadLimit.value = budget < kBandThreads ? budget : kBandThreads;
     }
     Quarter<T> quarter{};
-    if (order > kConstantBase) {
-        T* s = alignLine<T>(pMemInit);
-        fftKernels<T>().fillQuarter(s, order);
-        quarter = {s, order};
+    if (order - 1 > kConstantBase) {
+        quarter = {alignLine<T>(pMemInit), order - 1};
+        fftKernels<T>().fillQuarter(alignLine<T>(pMemInit), order - 1);
     }
     placeTables<T>(*spec, walk, quarter, order);
     spec->tag = kFftTag<T>;

@@ -103,7 +103,7 @@ template<class T> struct FftKernels {
     void (*top[kFinishes])(const TopCall<T>&);          // by finish; none to groups
     void (*firstGeneration[2])(const FirstGenCall<T>&); // forward, inverse
     // The tables that they read (fill.h).
-    void (*fillQuarter)(T* s, int order);
+    void (*fillQuarter)(T* out, int base);
     void (*fillRecombination)(T* fwd, T* inv, const Quarter<T>& quarter, int order, bool twoLevel);
     void (*fillSweep)(T* out, const Quarter<T>& quarter, const FftSweep& sweep);
     void (*fillTopTable)(T* out, const Quarter<T>& quarter, int m);
