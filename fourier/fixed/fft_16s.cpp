@@ -14,6 +14,7 @@
 #include "fourier/functions.h"
 #include "fourier/lanes.h"
 #include "fourier/quarter.h"
+#include "fourier/real/sixteen.h"
 #include "fourier/real/spec.h"
 #include "frame/arena.h"
 #include "frame/status.h"
@@ -181,77 +182,152 @@ QVR_INLINE void recombine(Point32* z, int m, const int16_t* rotations)
 }
 
 // x / sqrt(2), the two halves by constants of their own.
-QVR_INLINE int32_t rootHalf(int32_t x)
+template<class V> QVR_INLINE V rootHalf(V x)
 {
-    return add(static_cast<int32_t>((static_cast<uint32_t>(x) & 0xFFFF) * 23170 >> 15), (x >> 16) * 46340);
+    const Bits<V> low = (bits(x) & 0xFFFF) * 23170 >> 15, high = bits(x >> 16) * 46340;
+    return bitcast<V>(low + high);
 }
 
 // x 2^-shift, half up, saturated.
-QVR_INLINE int16_t stored(int32_t x, int64_t shift)
+template<class V> QVR_INLINE Vec<int16_t, lanes<V>> stored(V x, int64_t shift)
 {
-    int64_t y = x;
     if (shift >= 32)
-        return 0;
-    if (shift > 0)
-        y = (y + (int64_t{1} << (shift - 1))) >> shift;
-    else if (shift > -16)
-        y = y * (int64_t{1} << -shift);
-    else
-        y = x == 0 ? 0 : x > 0 ? INT16_MAX : INT16_MIN;
-    return static_cast<int16_t>(y > INT16_MAX ? INT16_MAX : y < INT16_MIN ? INT16_MIN : y);
+        return Vec<int16_t, lanes<V>>{};
+    if (shift > 0) {
+        const V twice = x >> static_cast<int32_t>(shift - 1);
+        return packSaturate((twice >> 1) + (twice & 1));
+    }
+    // What 16 bits do not hold now they do not hold at the end.
+    const int32_t up = shift > -16 ? -static_cast<int32_t>(shift) : 15;
+    return packSaturate(convert<int32_t>(packSaturate(x)) << up);
 }
 
-// reversed(i): bit reversal of M points.
-template<class Reversed>
-QVR_INLINE void integerSteps(int order, const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec,
-                             int scaleFactor, int32_t* x, const Reversed& reversed)
+constexpr int headroom(int order)
 {
-    const int m = order - 1, headroom = order < 15 ? 15 - order : 0;
+    return order < 15 ? 15 - order : 0;
+}
+QVR_INLINE int64_t lastShift(const qvrsFFTSpec_R_16s& spec, int scaleFactor, int order)
+{
+    return int64_t{spec.fwdShift} + scaleFactor + headroom(order) + 1;
+}
+
+// Packed values, 2^order of them, to CCS.
+QVR_INLINE void unpack(int16_t* dst, int order)
+{
+    put(dst, Index{1} << order, get(dst, 1));
+    put<int16_t>(dst, (Index{1} << order) + 1, 0);
+    put<int16_t>(dst, 1, 0);
+}
+
+void integerTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor, uint8_t* work)
+{
+    using V = Vec<int32_t, 8>;
+    const int order = spec.order, m = order - 1;
     const Index n = Index{1} << order;
-    for (Index i = 0; i < n; i++)
-        x[i] = get(src, i) * (1 << (headroom + 1));
+    int32_t* const x = reinterpret_cast<int32_t*>(work);
+    for (Index i = 0; i < n; i += lanes<V>)
+        store(x + i, convert<int32_t>(load<Vec<int16_t, lanes<V>>>(src + i)) << (headroom(order) + 1));
     Point32* z = reinterpret_cast<Point32*>(x);
-    if (m > 0) {
-        complexStages(z, m, spec.pTwiddleC);
-        for (Index i = 0; i < n / 2; i++)
-            if (const Index r = reversed(i); r > i) {
-                const Point32 a = z[i];
-                z[i] = z[r];
-                z[r] = a;
-            }
-        recombine(z, m, spec.pTwiddleR);
-    }
+    complexStages(z, m, spec.pTwiddleC);
+    for (Index i = 0; i < n / 2; i++)
+        if (const Index r = spec.pBitRev[i]; r > i) {
+            const Point32 a = z[i];
+            z[i] = z[r];
+            z[r] = a;
+        }
+    recombine(z, m, spec.pTwiddleR);
     const Point32 first = z[0];
     x[0] = add(first.re, first.im);
     x[1] = sub(first.re, first.im);
-    if (spec.halfShift == 1)
-        for (Index i = 0; i < n; i++)
-            x[i] = rootHalf(x[i]);
-    const int64_t shift = int64_t{spec.fwdShift} + scaleFactor + headroom + 1;
-    put(dst, 0, stored(x[0], shift));
-    put<int16_t>(dst, 1, 0);
-    for (Index i = 2; i < n; i++)
-        put(dst, i, stored(x[i], shift));
-    put(dst, n, stored(x[1], shift));
-    put<int16_t>(dst, n + 1, 0);
+    const int64_t shift = lastShift(spec, scaleFactor, order);
+    for (Index i = 0; i < n; i += lanes<V>) {
+        const V v = load<V>(x + i);
+        store(dst + i, stored(spec.halfShift == 1 ? rootHalf(v) : v, shift));
+    }
+    unpack(dst, order);
 }
 
-void integerTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor, int32_t* x)
+// ---- Two, four and eight samples in a vector ------------------------------------------------------------------------
+
+// Lanes where `sign` is -1 negated, where it is 0 left.
+template<class V> QVR_INLINE V negatedBy(V v, V sign)
 {
-    integerSteps(spec.order, src, dst, spec, scaleFactor, x, [&](Index i) { return Index{spec.pBitRev[i]}; });
+    return (v ^ sign) - sign;
 }
-// Straight-line, in registers.
+
+// The packed spectrum of 2^Order values.
+template<int Order> QVR_INLINE Vec<int32_t, 1 << Order> shortSpectrum(Vec<int32_t, 1 << Order> x)
+{
+    using V = Vec<int32_t, 4>;
+    if constexpr (Order == 1) {
+        return {add(x[0], x[1]), sub(x[0], x[1])};
+    } else if constexpr (Order == 2) {
+        // z0 + z1, z0 - z1; of the first re + im and re - im, the other conjugated.
+        const V z = shuffleBlocks<0, 1, 0, 1>(x) + negatedBy(shuffleBlocks<2, 3, 2, 3>(x), V{0, 0, -1, -1});
+        const V first = shuffleBlocks<1, 1, 1, 1>(z) & V{-1, -1, 0, 0};
+        return negatedBy(shuffleBlocks<0, 0, 2, 3>(z), V{0, 0, 0, -1}) + negatedBy(first, V{0, -1, 0, 0});
+    } else {
+        const V s = lo(x) + hi(x), d = lo(x) - hi(x);
+        const V even = shortSpectrum<2>(s);
+        // With p = Im d1, q = Im d0: t = c q - s p and u = -s q - c p by both halves of p and q, where c = s.
+        constexpr int16_t c = 11585;
+        const V parts = shuffleBlocks<1, 3, 1, 3>(d);
+        const auto halves = concat(packSaturate(parts >> 16), packSaturate((parts & 0xFFFF) >> 1));
+        const V products = addProductPairs(halves, Vec<int16_t, 8>{c, -c, -c, -c, c, -c, -c, -c});
+        const V turned =
+            ((shuffleBlocks<2, 3, 2, 3>(products) + 4096) >> 13) + (shuffleBlocks<0, 1, 0, 1>(products) << 2);
+        // Re d0 + t, -Re d1 + u, and both with the other sign of what is turned or conjugated.
+        const V odd = negatedBy(shuffleBlocks<0, 2, 0, 2>(d), V{0, -1, 0, 0}) + negatedBy(turned, V{0, 0, -1, 0});
+        return concat(shuffleBlocks<0, 1, 4, 5>(even, odd), shuffleBlocks<2, 3, 6, 7>(even, odd));
+    }
+}
 template<int Order>
-void shortTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor, int32_t*)
+void shortTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor, uint8_t*)
 {
-    constexpr int m = Order - 1;
-    int32_t x[1 << Order];
-    integerSteps(Order, src, dst, spec, scaleFactor, x, [](Index i) {
-        return m == 0 ? 0 : static_cast<Index>(__builtin_bitreverse32(static_cast<uint32_t>(i)) >> (32 - m));
-    });
+    constexpr int N = 1 << Order;
+    auto x = shortSpectrum<Order>(convert<int32_t>(load<Vec<int16_t, N>>(src)) << (headroom(Order) + 1));
+    if (spec.halfShift == 1)
+        x = rootHalf(x);
+    const auto y = stored(x, lastShift(spec, scaleFactor, Order));
+    const Vec<int16_t, 2> last = {y[1], 0};
+    auto head = y;
+    head[1] = 0;
+    store(dst, head);
+    store(dst + N, last);
 }
-constexpr int kShortOrders = 3;
-constexpr decltype(&integerTransform) kShort[kShortOrders] = {shortTransform<1>, shortTransform<2>, shortTransform<3>};
+
+// ---- Through single precision ---------------------------------------------------------------------------------------
+
+// body(op), op(y) the integers that are nearest to y 2^-scaleFactor, saturated. No bin passes 2^(order + 15), and what
+// an int32 holds needs no clamping before it is one.
+template<class Body> QVR_INLINE void withRounding(int order, int scaleFactor, const Body& body)
+{
+    const float factor = scaleFactor32(scaleFactor);
+    if (scaleFactor >= 0 && order <= 15)
+        body([=](auto y) { return packSaturate(toInt(y * splat<decltype(y)>(factor))); });
+    else
+        body([=](auto y) { return roundTo16<qvrRoundNearest>(y * splat<decltype(y)>(factor)); });
+}
+
+template<int Order>
+void shortFloatTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor, uint8_t*)
+{
+    constexpr int N = 1 << Order, B = kLanes<int16_t>;
+    alignas(64) float x[N], y[N];
+#pragma clang loop unroll(full)
+    for (int i = 0; i < N; i += B)
+        store(x + i, convert<float>(load<Vec<int16_t, B>>(src + i)));
+    if constexpr (Order == 4)
+        sixteenForward(x, y, spec.pFloatSpec->normFactor, spec.pFloatSpec->doFwdScale != 0);
+    else
+        SLOT(ownqvrsFFTFwd_RToPacked_32f)(x, y, spec.pFloatSpec, nullptr);
+    withRounding(Order, scaleFactor, [&](const auto& op) __attribute__((always_inline)) {
+#pragma clang loop unroll(full)
+        for (int i = 0; i < N; i += B)
+            store(dst + i, op(load<Vec<float, B>>(y + i)));
+    });
+    unpack(dst, Order);
+}
 
 qvrStatus floatTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_16s& spec, int scaleFactor,
                          uint8_t* work)
@@ -269,16 +345,24 @@ qvrStatus floatTransform(const int16_t* src, int16_t* dst, const qvrsFFTSpec_R_1
     // Packed, which is whole vectors to convert; what goes to other places is moved behind.
     if (const qvrStatus status = SLOT(ownqvrsFFTFwd_RToPacked_32f)(x, y, spec.pFloatSpec, rest))
         return status;
-    const float factor = scaleFactor32(scaleFactor);
-    if (scaleFactor != 0)
-        convertBlocks<B>(y, dst, n, [=](auto v) { return roundTo16<qvrRoundNearest>(v * factor); });
-    else
-        convertBlocks<B>(y, dst, n, [](auto v) { return roundTo16<qvrRoundNearest>(v); });
-    put(dst, n, get(dst, 1));
-    put<int16_t>(dst, 1, 0);
-    put<int16_t>(dst, n + 1, 0);
+    withRounding(spec.order, scaleFactor, [&](const auto& op) { convertBlocks<B>(y, dst, n, op); });
+    unpack(dst, spec.order);
     return qvrOk;
 }
+
+// Straight-line ones by order and method.
+constexpr int kShortOrders = 8, kShortIntegers = 3;
+using ShortTransform = void (*)(const int16_t*, int16_t*, const qvrsFFTSpec_R_16s&, int scaleFactor, uint8_t*);
+template<int Order> constexpr ShortTransform shortFloat()
+{
+    if constexpr (Order >= 4 && Order <= kFftLimits<float>.complex)
+        return shortFloatTransform<Order>;
+    return nullptr;
+}
+constexpr ShortTransform kShort[2][kShortOrders] = {
+    {nullptr, shortTransform<1>, shortTransform<2>, shortTransform<3>, nullptr, nullptr, nullptr, nullptr},
+    {nullptr, nullptr, nullptr, nullptr, shortFloat<4>(), shortFloat<5>(), shortFloat<6>(), shortFloat<7>()},
+};
 
 } // namespace
 
@@ -373,7 +457,7 @@ qvrStatus SLOT(qvrsFFTFwd_RToCCS_16s_Sfs)(const qvr16s* pSrc, qvr16s* pDst, cons
     if (anyNull(pSrc, pDst))
         return qvrErrNullPointer;
     if (pSpec->order == 0) {
-        put(pDst, 0, stored(get(pSrc, 0), scaleFactor));
+        put(pDst, 0, stored(Vec<int32_t, 4>{get(pSrc, 0)}, scaleFactor)[0]);
         put<int16_t>(pDst, 1, 0);
         return qvrOk;
     }
@@ -384,11 +468,13 @@ qvrStatus SLOT(qvrsFFTFwd_RToCCS_16s_Sfs)(const qvr16s* pSrc, qvr16s* pDst, cons
     else if ((work = own = allocate<uint8_t>(pSpec->workSize)) == nullptr)
         return qvrErrNoMemory;
     qvrStatus status = qvrOk;
-    if (pSpec->useFloat != 0)
+    const ShortTransform transform = pSpec->order < kShortOrders ? kShort[pSpec->useFloat][pSpec->order] : nullptr;
+    if (transform != nullptr)
+        transform(pSrc, pDst, *pSpec, scaleFactor, work);
+    else if (pSpec->useFloat != 0)
         status = floatTransform(pSrc, pDst, *pSpec, scaleFactor, work);
-    else
-        (pSpec->order <= kShortOrders ? kShort[pSpec->order - 1] : integerTransform)(pSrc, pDst, *pSpec, scaleFactor,
-                                                                                     reinterpret_cast<int32_t*>(work));
+    else if constexpr (kFloatFrom > kShortIntegers + 1)
+        integerTransform(pSrc, pDst, *pSpec, scaleFactor, work);
     release(own);
     return status;
 }
