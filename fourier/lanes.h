@@ -110,7 +110,7 @@ template<class V> QVR_INLINE V swapHalves(V v)
         return v;
 }
 
-// Pairs in rising order to the group that has the last point first, and back.
+// Pairs in rising order to the group that has the last point first.
 template<class V> QVR_INLINE Cx<V> splitReversed(Pairs<V> v)
 {
     if constexpr (sizeof(Elem<V>) == 4) {
@@ -120,30 +120,6 @@ template<class V> QVR_INLINE Cx<V> splitReversed(Pairs<V> v)
         return split(swapHalves(v.v1), swapHalves(v.v0));
     }
 }
-template<class V> QVR_INLINE Pairs<V> joinReversed(Cx<V> z)
-{
-    using P = Vec<double, static_cast<int>(sizeof(V) / 8)>;
-    const Pairs<V> v = join(z);
-    if constexpr (sizeof(Elem<V>) == 4)
-        return {bitcast<V>(reversedLanes(bitcast<P>(v.v1))), bitcast<V>(reversedLanes(bitcast<P>(v.v0)))};
-    else
-        return {swapHalves(v.v1), swapHalves(v.v0)};
-}
-
-// The points of v but the first, and then the first one of `next`.
-template<class V> QVR_INLINE V shiftInPoint(V v, V next)
-{
-    using W = Vec<double, lanes<V>* static_cast<int>(sizeof(Elem<V>)) / 8>;
-    constexpr int step = sizeof(Elem<V>) == 4 ? 1 : 2;
-    return bitcast<V>(shiftedLanes<step>(bitcast<W>(v), bitcast<W>(next)));
-}
-// The last point of `before` and the points of v but the last.
-template<class V> QVR_INLINE V shiftOutPoint(V before, V v)
-{
-    using W = Vec<double, lanes<V>* static_cast<int>(sizeof(Elem<V>)) / 8>;
-    constexpr int step = sizeof(Elem<V>) == 4 ? 1 : 2;
-    return bitcast<V>(shiftedLanes<lanes<W> - step>(bitcast<W>(before), bitcast<W>(v)));
-}
 
 // Re and im of each pair exchanged.
 template<class V> QVR_INLINE V exchanged(V v)
@@ -152,6 +128,12 @@ template<class V> QVR_INLINE V exchanged(V v)
         return shuffleBlocks<1, 0, 3, 2>(v);
     else
         return shuffleBlocks<1, 0>(v);
+}
+// Im of each pair negated.
+template<class V> QVR_INLINE V conjugated(V v)
+{
+    const Bits<V> sign = iota<Bits<V>>() << (8 * sizeof(Elem<V>) - 1);
+    return bitcast<V>(bits(v) ^ sign);
 }
 template<class V, int... I> QVR_INLINE V alternatingLanes(Elem<V> even, Elem<V> odd, Indices<I...>)
 {

@@ -41,7 +41,7 @@ template<class T, class V, int... I> QVR_INLINE void storePoints(T* out, Index s
 }
 // Points offset, offset + stride, ... of the first eighth of the circle to their places in `out`, of a base above
 // kConstantBase.
-template<class T> void computePoints(T* out, int base, Index offset, Index stride, Index end)
+template<class T> __attribute__((noinline)) void computePoints(T* out, int base, Index offset, Index stride, Index end)
 {
     using V = Full<double>;
     constexpr int W = lanes<V>;

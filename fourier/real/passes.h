@@ -373,7 +373,9 @@ template<int LaneBits, class T> QVR_INLINE void fetchPlaces(const T* base, Index
 
 // src in natural order. Neighbouring indices have their places 2^bits radices apart. body(src, leg, base, laneStep)
 // does those of one vector.
-template<int LaneBits, class T, class Body> QVR_INLINE void eachFirst(const FirstCall<T>& args, const Body& body)
+// Aside: legs share a cache set and are more than it has ways, so the other half of each line is set aside.
+template<int LaneBits, bool Aside, class T, class Body>
+QVR_INLINE void eachFirst(const FirstCall<T>& args, const Body& body)
 {
     const FirstCall<T> call = args;
     constexpr Index R = kFirstRadix, step = Index{1} << LaneBits;
@@ -392,16 +394,16 @@ template<int LaneBits, class T, class Body> QVR_INLINE void eachFirst(const Firs
         place.step();
     };
     const T *src = call.src, *const end = src + 2 * call.count;
-    if (R > 8 && call.leg * static_cast<Index>(2 * sizeof(T)) % 4096 == 0) {
-        // Legs that share a cache set are more than it has ways, so the other half of each line is set aside.
+    if constexpr (Aside) {
         constexpr int W = kLanes<T>;
         alignas(64) T rest[R * W];
         for (; src < end; src += 4 * step) {
 #pragma clang loop unroll(full)
             for (int c = 0; c < R; c++)
                 store(rest + c * W, load<Full<T>>(src + 2 * c * call.leg + W));
-            vector(src, 2 * call.leg);
-            vector(rest, W);
+#pragma clang loop unroll(disable)
+            for (int half = 0; half < 2; half++)
+                vector(half == 0 ? src : rest, half == 0 ? 2 * call.leg : W);
         }
     } else {
         for (; src < end; src += 2 * step)
@@ -454,25 +456,28 @@ template<class T> constexpr int kHalvesUpTo = !kAvx ? 0 : sizeof(T) == 4 ? 11 : 
 
 // On pairs: sixteen legs fit the sixteen registers, and the transposition parts re from im. The inverse has its turns
 // the other way, and re and im exchanged in the groups.
-template<bool Swap, bool Halves, class T> inline void firstPass(const FirstCall<T>& call)
+template<bool Swap, bool Halves, bool Aside, class T> __attribute__((noinline)) void firstPass(const FirstCall<T>& call)
 {
     using V = Full<T>;
     constexpr int W = kLanes<T>, R = kFirstRadix, laneBits = W == 8 ? 2 : W == 4 ? 1 : 0;
-    eachFirst<laneBits>(call, [&](const T* src, Index leg, T* base, Index laneStep) __attribute__((always_inline)) {
-        V x[R];
+    eachFirst<laneBits, Aside>(
+        call, [&](const T* src, Index leg, T* base, Index laneStep) __attribute__((always_inline)) {
+            V x[R];
 #pragma clang loop unroll(full)
-        for (int c = 0; c < R; c++)
-            x[c] = load<V>(src + c * leg);
-        pairsDft<R, Swap>(x);
-        scatterPairs<Swap, Halves, T>(x, [&](int l) { return base + reversedBits(l, laneBits) * laneStep; });
-    });
+            for (int c = 0; c < R; c++)
+                x[c] = load<V>(src + c * leg);
+            pairsDft<R, Swap>(x);
+            scatterPairs<Swap, Halves, T>(x, [&](int l) { return base + reversedBits(l, laneBits) * laneStep; });
+        });
 }
 template<bool Swap, class T> void runFirst(const FirstCall<T>& call)
 {
-    if (call.m <= kHalvesUpTo<T>)
-        firstPass<Swap, kAvx, T>(call);
+    if (kFirstRadix > 8 && call.leg * static_cast<Index>(2 * sizeof(T)) % 4096 == 0)
+        firstPass<Swap, false, (kFirstRadix > 8), T>(call);
+    else if (call.m <= kHalvesUpTo<T>)
+        firstPass<Swap, kAvx, false, T>(call);
     else
-        firstPass<Swap, false, T>(call);
+        firstPass<Swap, false, false, T>(call);
 }
 
 // The same on points already reversed, in place.

@@ -8,8 +8,8 @@
 // Tables hold e = (cos t, -sin t), t = 2 pi k / N, for k below N/4. In two levels they hold 1024 fine entries and then
 // the coarse ones of k = 0, 1024, ...; e is their product.
 //
-// With fused operations a vector holds pairs: (p, q) = a - conj b and (s, d) = a + conj b are one operation each, and
-// the signs of the rest alternate by lane. Without, alternating signs would cost more than parting re and im.
+// Vectors hold pairs. With fused operations a - conj b and a + conj b are one operation each, and the signs of the rest
+// alternate by lane. Without, one sign is turned in b, one in the product and one in the second result.
 #ifndef QVR_FOURIER_RECOMBINE_H
 #define QVR_FOURIER_RECOMBINE_H
 
@@ -20,7 +20,8 @@ namespace {
 constexpr int kFineOrder = 10;
 constexpr Index kFine = Index{1} << kFineOrder;
 
-// ---- Re and im apart ------------------------------------------------------------------------------------------------
+// ---- One bin
+// ---------------------------------------------------------------------------------------------------------
 
 template<bool Inverse, class C> QVR_INLINE void recombinePair(C& a, C& b, C w)
 {
@@ -40,22 +41,13 @@ template<bool Inverse, class C> QVR_INLINE void scaleForward(C& a, C& b, Elem<de
     }
 }
 
-template<bool TwoLevel, class V> QVR_INLINE Cx<V> recombinationTwiddle(const Elem<V>* table, Index k)
+template<bool TwoLevel, class S> QVR_INLINE Cx<S> recombinationTwiddle(const Elem<S>* table, Index k)
 {
-    const auto at = [](const Elem<V>* p) {
-        if constexpr (lanes<V> == 1)
-            return Cx<V>{load<V>(p), load<V>(p + 1)};
-        else
-            return loadPairs<V>(p);
-    };
-    if constexpr (TwoLevel) {
-        const Elem<V>* const coarse = table + 2 * (kFine + (k >> kFineOrder));
-        const V re = splat<V>(coarse[0]), im = splat<V>(coarse[1]);
-        const Cx<V> fine = at(table + 2 * (k & (kFine - 1)));
-        return {fma(fine.re, re, -(fine.im * im)), fma(fine.im, re, fine.re * im)};
-    } else {
+    const auto at = [](const Elem<S>* p) { return Cx<S>{load<S>(p), load<S>(p + 1)}; };
+    if constexpr (TwoLevel)
+        return at(table + 2 * (kFine + (k >> kFineOrder))) * at(table + 2 * (k & (kFine - 1)));
+    else
         return at(table + 2 * k);
-    }
 }
 
 // The i-th bin of a call alone, not bin 0.
@@ -98,42 +90,6 @@ template<class V> QVR_INLINE void storeAllButLast(Elem<V>* p, V v)
         storeAllButLast(p + lanes<V> / 2, hi(v));
     }
 }
-
-// Bins in rising order to those of k, k + 1, ... in a group, and back.
-template<class T> struct RecombineGroups {
-    using V = Full<T>;
-    static constexpr Index points = kLanes<T>;
-    Pairs<V> a, b;
-
-    template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k, T factor)
-    {
-        Cx<V> x = split(a.v0, a.v1), y = splitReversed(b);
-        scaleForward<Inverse>(x, y, factor);
-        recombinePair<Inverse>(x, y, recombinationTwiddle<TwoLevel, V>(table, k));
-        a = join(x);
-        b = joinReversed(y);
-    }
-    QVR_INLINE void loadA(const T* p) { a = {load<V>(p), load<V>(p + lanes<V>)}; }
-    QVR_INLINE void loadB(const T* p) { b = {load<V>(p), load<V>(p + lanes<V>)}; }
-    QVR_INLINE void storeA(T* p) const
-    {
-        store(p, a.v0);
-        store(p + lanes<V>, a.v1);
-    }
-    QVR_INLINE void storeB(T* p) const
-    {
-        store(p, b.v0);
-        store(p + lanes<V>, b.v1);
-    }
-    QVR_INLINE void loadFirstA(const T* p, T re) { a = {firstThen<V>(re, p), load<V>(p + lanes<V>)}; }
-    QVR_INLINE void loadLastB(const T* p, T re, T im) { b = {load<V>(p), thenLast<V>(p + lanes<V>, re, im)}; }
-    QVR_INLINE void storeLastB(T* p) const
-    {
-        store(p, b.v0);
-        storeAllButLast(p + lanes<V>, b.v1);
-    }
-    QVR_INLINE T lastOfB() const { return b.v1[lanes<V> - 2]; }
-};
 
 // ---- Pairs ----------------------------------------------------------------------------------------------------------
 
@@ -187,16 +143,11 @@ template<class V> QVR_INLINE V reversedPairs(V v)
         return swapHalves(v);
 }
 
-template<bool, class A, class B> struct Choice {
-    using type = A;
-};
-template<class A, class B> struct Choice<false, A, B> {
-    using type = B;
-};
-
-template<class T> struct RecombinePairs {
+template<class T> struct RecombineStep {
     using V = Full<T>;
     static constexpr Index points = kLanes<T> / 2;
+    // Below AVX only loads from boundaries are part of other instructions. Inverse transforms begin at any bin.
+    template<bool Inverse> static constexpr bool alignedTwiddles = !kAvx && !Inverse;
     V a, b;
 
     template<bool Inverse, bool TwoLevel> QVR_INLINE void work(const T* table, Index k, T factor)
@@ -207,14 +158,23 @@ template<class T> struct RecombinePairs {
             const V fine = load<V>(table + 2 * (k & (kFine - 1)));
             w = multiplySubAdd(fine, splat<V>(coarse[0]), exchanged(fine) * splat<V>(coarse[1]));
         } else {
-            w = load<V>(table + 2 * k);
+            w = loadIf<alignedTwiddles<Inverse>, V>(table + 2 * k);
         }
         V again = w;
         // A load can repeat floats on its way; the compiler would rather shuffle what it has.
         if constexpr (!TwoLevel && sizeof(T) == 4) {
             const T* same = table + 2 * k;
             __asm__("" : "+r"(same));
-            again = load<V>(same);
+            again = loadIf<alignedTwiddles<Inverse>, V>(same);
+        }
+        const V re = evenDup(w), im = oddDup(again);
+        if constexpr (!kFma) {
+            const V y = Inverse ? conjugated(reversedPairs(b)) : reversedPairs(b) * alternating<V>(factor, -factor);
+            const V x = Inverse ? a : a * splat<V>(factor), s = x + y, v = x - y, e = exchanged(v) * re;
+            const V t = Inverse ? subAdd(v * im, e) : v * im + conjugated(e);
+            a = s + t;
+            b = reversedPairs(conjugated(s - t));
+            return;
         }
         V f = splat<V>(Inverse ? T(1) : factor), y = reversedPairs(b), v;
         if constexpr (Inverse) {
@@ -227,7 +187,7 @@ template<class T> struct RecombinePairs {
         // measured to lose by it.
         if constexpr (!Inverse || sizeof(T) == 4)
             f = asOne(f);
-        const V re = evenDup(w), im = oddDup(again), s = multiplyAddSub(a, f, y), e = exchanged(v) * re;
+        const V s = multiplyAddSub(a, f, y), e = exchanged(v) * re;
         const V t = Inverse ? multiplySubAdd(v, im, e) : multiplyAddSub(v, im, e);
         a = s + t;
         b = reversedPairs(multiplyAddSub(t, alternating<V>(T(-1), T(1)), s));
@@ -246,10 +206,9 @@ template<class T> struct RecombinePairs {
 
 template<bool Inverse, bool TwoLevel, class T> void recombineRange(RecombineCall<T>& args)
 {
-    using Step = typename Choice<kFma, RecombinePairs<T>, RecombineGroups<T>>::type;
-    constexpr Index P = Step::points;
+    constexpr Index P = RecombineStep<T>::points;
     const RecombineCall<T> call = args;
-    Step step;
+    RecombineStep<T> step;
     Index i = 0;
     if (call.k == 0) {
         T* const back = call.bOut + 2 * (call.count - P);
@@ -266,13 +225,15 @@ template<bool Inverse, bool TwoLevel, class T> void recombineRange(RecombineCall
         args.last = step.lastOfB();
         i = P;
     }
-    for (; (call.count - i) % P != 0; i++)
+    constexpr bool fromBoundary = RecombineStep<T>::template alignedTwiddles<Inverse>;
+    for (; i < call.count && (fromBoundary ? call.k + i : call.count - i) % P != 0; i++)
         recombineOne<Inverse, TwoLevel>(call, i);
 #pragma clang loop unroll_count(2)
-    for (; i < call.count; i += P) {
+    for (; i + P <= call.count; i += P) {
         const Index k = call.k + i, back = 2 * (call.count - i - P);
         // A vector across the end of the fine entries has two coarse ones.
         if (TwoLevel && (k & (kFine - 1)) > kFine - P) {
+#pragma clang loop unroll(disable)
             for (Index lane = 0; lane < P; lane++)
                 recombineOne<Inverse, TwoLevel>(call, i + lane);
             continue;
@@ -283,6 +244,8 @@ template<bool Inverse, bool TwoLevel, class T> void recombineRange(RecombineCall
         step.storeA(call.aOut + 2 * i);
         step.storeB(call.bOut + back);
     }
+    for (; i < call.count; i++)
+        recombineOne<Inverse, TwoLevel>(call, i);
 }
 
 } // namespace
