@@ -305,9 +305,11 @@ template<int NT, class T> QVR_APART void filterColumns(const qvrColumns* c, cons
     // On whole registers of the tables, but for the first and the last.
     constexpr Index L = lanes<V>;
     block(from);
-    for (Index x = qvrAlignUp(from + 1, L); x + L <= to; x += L)
+    Index x = qvrAlignUp(from + 1, L);
+    for (; x + L <= to; x += L)
         block(x);
-    block(to - L);
+    if (x < to)
+        block(to - L);
 }
 
 // Byte k of 32-bit lanes is a channel: pixel K of each 16 bytes as floats.
@@ -372,25 +374,22 @@ void findTaps(qvrColumns* c)
 }
 template<class T, int NC, int NT> void filterOutside(const qvrColumns* c, const T* s, Index x, Line<T>* line)
 {
-    using V = Vec<Line<T>, 1>;
-    const Index perTap = NC == 1 ? c->width : 1, perColumn = NC == 1 ? 1 : NT;
-    for (Index i = 0; i < NC; i++) {
-        const auto tap = [&](Index k) {
-            return V{static_cast<Line<T>>(get(s, clampIndex(c->first[x] + k, c->length) * NC + i))};
-        };
-        const auto weight = [&](Index k) {
-            return load<V>(static_cast<const Line<T>*>(c->weights) + x * perColumn + k * perTap);
-        };
-        V sum = tap(0);
-        // A single column of two taps: no difference is formed.
-        if (NT == 2 && c->first[x] >= 0 && c->first[x] < c->length - 1)
-            sum = fma(tap(1) - sum, weight(0), sum);
-        if (NT > 2)
-            sum = sum * weight(0);
-        for (Index k = 1; k < NT && NT > 2; k++)
-            sum = fma(weight(k), tap(k), sum);
-        store(line + x * NC + i, sum);
-    }
+    using A = Line<T>;
+    using V = Vec<A, NC>;
+    const A* const w = static_cast<const A*>(c->weights) + (NC == 1 ? x : x * NT);
+    const Index perTap = NC == 1 ? c->width : 1;
+    const auto tap = [=](Index k) {
+        return widened<A>(load<Vec<T, NC>>(s + clampIndex(c->first[x] + k, c->length) * NC));
+    };
+    V sum = tap(0);
+    // A single column of two taps: no difference is formed.
+    if (NT == 2 && c->first[x] >= 0 && c->first[x] < c->length - 1)
+        sum = fma(tap(1) - sum, splat<V>(*w), sum);
+    if (NT > 2)
+        sum = sum * splat<V>(*w);
+    for (Index k = 1; k < NT && NT > 2; k++)
+        sum = fma(splat<V>(w[k * perTap]), tap(k), sum);
+    store(line + x * NC, sum);
 }
 
 template<class T, int NC, int NT> void filterRow(const qvrColumns* c, const T* row, Line<T>* line)

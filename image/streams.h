@@ -42,36 +42,42 @@ template<class A, int R = 8, class F> QVR_INLINE void eachBlock(Index count, con
 // One output row or two that share lines: out[r][i] = sum of s[k][i] weight[r][k - from[r]], k = from[r] .. end[r] - 1;
 // both ascend. Products: each is rounded to a single, as the contract adds up rows.
 template<class A, bool Products, int R, class S, class W, class O>
-QVR_APART void addStreams(const S* const* s, Index at, const Index (&from)[R], const Index (&end)[R],
+QVR_APART void addStreams(const S* const* s, Index offset, const Index (&from)[R], const Index (&end)[R],
                           const W* const (&weight)[R], O* const (&out)[R], Index count)
 {
-    eachBlock<A, 8 / R>(count, [&]<int N>(Index i) {
+    // Copies: what is stored is none of them.
+    const Index first = from[0], second = from[R - 1], firstEnd = end[0], secondEnd = end[R - 1];
+    const W *const w0 = weight[0] - first, *const w1 = weight[R - 1] - second;
+    O *const out0 = out[0], *const out1 = out[R - 1];
+    eachBlock<A, 8 / R>(count, [=]<int N>(Index i) {
         using V = Vec<A, N>;
-        V sum[R] = {};
-        const auto add = [&](Index k, bool first, bool last) {
-            const auto x = load<Vec<S, N>>(s[k] + at + i);
-            for (int r = 0; r < R; r++) {
-                if (r == 0 ? !first : !last)
-                    continue;
-                const W w = weight[r][k - from[r]];
-                if constexpr (Products)
-                    sum[r] += convert<A>(convert<double>(x) * splat<Vec<double, N>>(w));
-                else
-                    sum[r] = fma(widened<A>(x), splat<V>(static_cast<A>(w)), sum[r]);
-            }
-        };
-        Index k = from[0];
-        for (const Index alone = R == 2 ? from[R - 1] : end[0]; k < alone; k++)
-            add(k, true, false);
-        for (; R == 2 && k < end[0]; k++)
-            add(k, true, true);
-        for (; R == 2 && k < end[R - 1]; k++)
-            add(k, false, true);
-        for (int r = 0; r < R; r++)
-            if constexpr (sizeof(O) == 1)
-                store(out[r] + i, packBytes(roundToByte(sum[r])));
+        V sum0 = {}, sum1 = {};
+        const auto add = [&](const auto& x, W w, V& sum) {
+            if constexpr (Products)
+                sum += convert<A>(convert<double>(x) * splat<Vec<double, N>>(w));
             else
-                store(out[r] + i, convert<O>(sum[r]));
+                sum = fma(widened<A>(x), splat<V>(static_cast<A>(w)), sum);
+        };
+        const auto at = [=](Index k) { return load<Vec<S, N>>(s[k] + offset + i); };
+        const auto put = [=](O* to, V sum) {
+            if constexpr (sizeof(O) == 1)
+                store(to + i, packBytes(roundToByte(sum)));
+            else
+                store(to + i, convert<O>(sum));
+        };
+        Index k = first;
+        for (const Index alone = R == 2 ? second : firstEnd; k < alone; k++)
+            add(at(k), w0[k], sum0);
+        for (; R == 2 && k < firstEnd; k++) {
+            const auto x = at(k);
+            add(x, w0[k], sum0);
+            add(x, w1[k], sum1);
+        }
+        for (; R == 2 && k < secondEnd; k++)
+            add(at(k), w1[k], sum1);
+        put(out0, sum0);
+        if (R == 2)
+            put(out1, sum1);
     });
 }
 template<class A, bool Products, class S, class W, class O>
