@@ -152,18 +152,21 @@ struct RatioMean {
     int shift;
     Sums m;
 };
-// n outputs from R lines.
+// n outputs of the row at `place`, from R lines.
 template<int R, bool Shift>
-QVR_APART void averageRows(const uint16_t* const* line, const uint16_t* cover, const RatioMean& mean, uint8_t* dst,
-                           Index n)
+QVR_APART void averageRows(const RatioStrip& strip, const qvrSuperAxis* y, const RatioPlace& place,
+                           const RatioMean& mean, uint8_t* dst, Index n)
 {
     const Sums rounding = splat<Sums>(static_cast<uint16_t>(mean.parts / 2));
     const Sums shift = splat<Sums>(static_cast<uint16_t>(mean.shift));
     const uint16_t* from[R];
     Sums covers[R];
-    for (int k = 0; k < R; k++) {
-        from[k] = line[k];
-        covers[k] = splat<Sums>(cover[k]);
+    Index left = y->p, most = y->q - place.rest;
+    for (int k = 0; k < R; k++, most = y->q) {
+        const Index cover = left < most ? left : most;
+        left -= cover;
+        from[k] = strip.line[clampIndex(place.pixel + k, y->length) & (kRatioRows - 1)];
+        covers[k] = splat<Sums>(static_cast<uint16_t>(cover));
     }
     putRow(n, dst, [&](Index i) {
         Sums sum = rounding;
@@ -189,41 +192,29 @@ template<int NC> bool averageRatios(const qvrResizeBand* b, const qvrSuperAxis* 
     if (m > 65535 || largest * (m * mean.parts - power) >= power)
         return false;
     mean.m = splat<Sums>(static_cast<uint16_t>(m));
-    const Index last = ratioPlace(y, b->y.first + b->y.count).pixel; // rows before are needed
+    const RatioPlace behind = ratioPlace(y, b->y.first + b->y.count);
+    const Index last = behind.pixel < y->length ? behind.pixel : y->length; // rows before are needed
     RatioStrip strip;
     for (Index from = 0; from * 8 < b->x.count * NC; from = strip.to) {
         if (!makeRatioStrip<NC>(b, x, from, strip))
             return false;
-        const Index end = strip.to * 8 < b->x.count * NC ? strip.to * 8 : b->x.count * NC;
-        Index done = -1; // rows up to this one are summed
+        const Index n = (strip.to * 8 < b->x.count * NC ? strip.to * 8 : b->x.count * NC) - from * 8;
         RatioPlace place = ratioPlace(y, b->y.first);
-        for (Index n = 0; n < b->y.count; n++, nextPlace(y, place)) {
-            const uint16_t* line[kRatioRows];
-            uint16_t cover[kRatioRows];
-            Index rows = 0;
-            for (Index before = place.rest, left = y->p; left > 0; before = 0, rows++) {
-                const Index part = y->q - before < left ? y->q - before : left;
-                const Index row = clampIndex(place.pixel + rows, y->length);
-                if (row > done) {
-                    const bool many = row + kTogether <= last && row + kTogether <= y->length;
-                    sumRatioRows<NC>(b, row, many, strip);
-                    done = many ? row + kTogether - 1 : row;
-                }
-                line[rows] = strip.line[row & (kRatioRows - 1)];
-                cover[rows] = static_cast<uint16_t>(part);
-                left -= part;
-            }
-            uint8_t* const dst = reinterpret_cast<uint8_t*>(outputRow(b, n, NC)) + from * 8;
+        Index next = clampIndex(place.pixel, y->length); // row to be summed
+        for (Index row = 0; row < b->y.count; row++, nextPlace(y, place)) {
             const auto average = [&]<int R>() {
-                for (; rows < R; rows++) {
-                    line[rows] = line[0];
-                    cover[rows] = 0;
+                while (next <= clampIndex(place.pixel + R - 1, y->length)) {
+                    const bool many = next + kTogether <= last;
+                    sumRatioRows<NC>(b, next, many, strip);
+                    next += many ? kTogether : 1;
                 }
-                (mean.shift > 0 ? averageRows<R, true> : averageRows<R, false>)(line, cover, mean, dst, end - from * 8);
+                uint8_t* const dst = reinterpret_cast<uint8_t*>(outputRow(b, row, NC)) + from * 8;
+                (mean.shift > 0 ? averageRows<R, true> : averageRows<R, false>)(strip, y, place, mean, dst, n);
             };
-            rows <= 2   ? average.template operator()<2>()
-            : rows == 3 ? average.template operator()<3>()
-                        : average.template operator()<kRatioRows - kTogether + 1>();
+            const Index end = place.rest + y->p;
+            end <= 2 * y->q   ? average.template operator()<2>()
+            : end <= 3 * y->q ? average.template operator()<3>()
+                              : average.template operator()<kRatioRows - kTogether + 1>();
         }
     }
     return true;
