@@ -482,6 +482,9 @@ template<class T, int NC, class A> void superBand(Super<A>& s)
 
 template<class T, int NC> void super(const qvrResizeBand* b)
 {
+    if constexpr (sizeof(T) == 1)
+        if (b->x.inv == 2 && b->y.inv == 2 && halveBand<NC>(b))
+            return;
     Super<double> s = {};
     s.band = b;
     qvrMakeSuper(&b->x, &s.x);
@@ -490,8 +493,6 @@ template<class T, int NC> void super(const qvrResizeBand* b)
     s.half = 0.5;
     s.mean = 1 / (qvrCoverSum(&s.x) * qvrCoverSum(&s.y));
     if constexpr (sizeof(T) == 1) {
-        if (s.x.p == 2 && s.y.p == 2 && s.x.q == 1 && s.y.q == 1 && halveBand<NC>(b))
-            return;
         if (s.x.p * s.y.p == 1)
             return SLOT(ownResizeNearest)(b, NC == 1 ? qvrPixel_8u_C1 : qvrPixel_8u_C4);
         if (averageRatios<NC>(b, &s.x, &s.y))
