@@ -68,14 +68,20 @@ extern "C" qvrStatus SLOT(qvrsHilbert_32f32fc)(const qvr32f* pSrc, qvr32fc* pDst
         // Bins 1 .. h have a negative counterpart; with the middle one of an even length they end at n/2.
         const Index half = n >> 1, h = half + (n & 1) - 1;
         using F = Full<float>;
+        using Bin = Vec<float, 2>;
         Index i = 2;
         for (; i + kLanes<float> <= 2 * h + 2; i += kLanes<float>) {
             const F x = load<F>(dst + i);
             store(dst + i, x + x);
         }
-        for (; i < 2 * h + 2; i++)
-            put(dst, i, get(dst, i) + get(dst, i));
-        __builtin_memset(static_cast<void*>(dst + 2 * (half + 1)), 0, static_cast<size_t>(h) * 8);
+        for (; i < 2 * h + 2; i += 2) {
+            const Bin x = load<Bin>(dst + i);
+            store(dst + i, x + x);
+        }
+        for (i = 2 * (half + 1); i + kLanes<float> <= 2 * n; i += kLanes<float>)
+            store(dst + i, F{});
+        for (; i < 2 * n; i += 2)
+            store(dst + i, Bin{});
         status = SLOT(ownqvrsDFTInv_CToC_32fc)(dst, dst, pState->pDFTComplex, work);
     }
     release(work);
