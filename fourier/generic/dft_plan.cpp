@@ -135,9 +135,10 @@ int firstRadix(const qvrsDFTSpec& spec, const Counts& counts, int lanes)
             continue;
         if (spec.odd && radix % 2 == 0)
             continue;
-        const int columns = columnsOf(spec, radix), pitch = qvrAlignUp(columns, lanes);
-        // A radix without a kernel costs about its own square.
-        const double worth = static_cast<double>(columns) / pitch / (firstKernel(radix) ? 1 : 4);
+        const int columns = columnsOf(spec, radix), rows = spec.points / radix;
+        const double filled = static_cast<double>(columns) / qvrAlignUp(columns, lanes);
+        // Fewer rows than lanes leave some empty. A radix without a kernel costs about its own square.
+        const double worth = filled * (rows < lanes ? rows : lanes) / (firstKernel(radix) ? 1 : 4);
         if (worth >= best) {
             best = worth;
             first = radix;
