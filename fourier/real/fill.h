@@ -87,31 +87,31 @@ constexpr Multiple kFirstQuadrant = {0, 1, 0, 1}, kAnyQuadrant = {0, 1, 0, 4};
 
 // ---- Stages ---------------------------------------------------------------------------------------------------------
 
-// The records of the stage behind the first pass: few butterflies, whose multiples lie all over the circle.
-template<class T, int R> struct FirstRecords {
+// The records of stages of so many columns whose multiples lie all over the circle.
+template<class T, int R, int Columns> struct ConstantRecords {
     static constexpr bool steps = inSteps(R == 4 ? 2 : 3, formProducts);
-    static constexpr int columns = kFirstRadix, twiddles = kRecordTwiddles<R, steps>;
-    T of[columns / kLanes<T> * kRecord<T, R, steps>];
+    T of[Columns / kLanes<T> * kRecord<T, R, steps>];
 };
-template<class T, int R> constexpr FirstRecords<T, R> makeFirstRecords()
+template<class T, int R, int Columns> constexpr ConstantRecords<T, R, Columns> makeRecords()
 {
-    constexpr int W = kLanes<T>, q = FirstRecords<T, R>::columns;
-    FirstRecords<T, R> records{};
+    constexpr int W = kLanes<T>;
+    ConstantRecords<T, R, Columns> records{};
     T* out = records.of;
-    for (int k = 0; k < q; k += W)
-        for (int i = 0; i < records.twiddles; i++, out += 2 * W)
+    for (int k = 0; k < Columns; k += W)
+        for (int i = 0; i < kRecordTwiddles<R, records.steps>; i++, out += 2 * W)
             for (int l = 0; l < W; l++) {
                 const int angle = (k + laneIndex<Full<T>>(l)) * recordMultiple(R, records.steps, i);
-                out[l] = static_cast<T>(constantCosine(angle, R * q));
-                out[W + l] = static_cast<T>(-constantSine(angle, R * q));
+                out[l] = static_cast<T>(constantCosine(angle, R * Columns));
+                out[W + l] = static_cast<T>(-constantSine(angle, R * Columns));
             }
     return records;
 }
-template<class T, int R> constexpr FirstRecords<T, R> kFirstRecords = makeFirstRecords<T, R>();
-template<class T, int R> inline void copyFirstRecords(T* out)
+template<class T, int R, int Columns> constexpr ConstantRecords<T, R, Columns> kRecords = makeRecords<T, R, Columns>();
+template<class T, int R, int Columns> inline void copyRecords(T* out)
 {
-    for (int i = 0; i < static_cast<int>(sizeof kFirstRecords<T, R>.of / sizeof(T)); i += kLanes<T>)
-        store(out + i, load<Full<T>>(kFirstRecords<T, R>.of + i));
+    constexpr int size = static_cast<int>(sizeof kRecords<T, R, Columns>.of / sizeof(T));
+    for (int i = 0; i < size; i += kLanes<T>)
+        store(out + i, load<Full<T>>(kRecords<T, R, Columns>.of + i));
 }
 
 // Twiddles of a stage of length R q = 2^order for the butterflies first .. first + count - 1.
@@ -129,8 +129,14 @@ void fillRecords(T* out, const Quarter<T>& quarter, int order, Index first, Inde
 template<class T> void fillSweep(T* out, const Quarter<T>& quarter, const FftSweep& sweep)
 {
     const Index length = Index{1} << sweep.from, columns = stripColumns<T>(sweep);
-    if (sweep.from == kFirstOrder && sweep.stages == 1 && sweep.form == formProducts)
-        return sweep.radixOrder[0] == 2 ? copyFirstRecords<T, 4>(out) : copyFirstRecords<T, 8>(out);
+    if (sweep.stages == 1 && sweep.form == formProducts) {
+        if (sweep.from == kFirstOrder)
+            return sweep.radixOrder[0] == 2 ? copyRecords<T, 4, kFirstRadix>(out) : copyRecords<T, 8, kFirstRadix>(out);
+        // Of doubles, gathering them takes no more time than reading them here.
+        if constexpr (kAvx && sizeof(T) == 4)
+            if (sweep.from == 7 && sweep.radixOrder[0] == 3)
+                return copyRecords<T, 8, 128>(out);
+    }
     for (Index k = 0; k < length; k += columns)
         for (int i = 0, order = sweep.from; i < sweep.stages; i++) {
             const Index rows = Index{1} << (order - sweep.from);
