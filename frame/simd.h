@@ -683,19 +683,27 @@ template<class V> QVR_INLINE void storeFirst(void* p, V v, int n)
     }
 }
 
-// The upper halves of 16-bit products, which are formed as Wide.
-template<class Wide, class V> QVR_INLINE V mulHigh(V a, V b)
+// The upper halves of 16-bit products.
+template<class V> QVR_INLINE V mulHigh(V a, V b)
 {
-    const auto wide = [](V v) { return __builtin_convertvector(v, Vec<Wide, lanes<V>>); };
-    return __builtin_convertvector((wide(a) * wide(b)) >> 16, V);
+    constexpr bool isSigned = Elem<V>(-1) < 0;
+    if constexpr (sizeof(V) > (kAvx2 ? 32 : 16)) {
+        return byHalves([](auto... x) { return mulHigh(x...); }, a, b);
+    } else if constexpr (sizeof(V) == 32) {
+        const __m256i x = bitcast<__m256i>(a), y = bitcast<__m256i>(b);
+        return bitcast<V>(isSigned ? _mm256_mulhi_epi16(x, y) : _mm256_mulhi_epu16(x, y));
+    } else {
+        const __m128i x = bitcast<__m128i>(padTo16(a)), y = bitcast<__m128i>(padTo16(b));
+        return slice<0, lanes<V>>(bitcast<Vec<Elem<V>, 8>>(isSigned ? _mm_mulhi_epi16(x, y) : _mm_mulhi_epu16(x, y)));
+    }
 }
 
 // (a * b + 2^14) / 2^15 rounded down, of signed 16-bit lanes; not both -2^15.
 template<class V> QVR_INLINE V mulRounded(V a, V b)
 {
     static_assert(sizeof(Elem<V>) == 2);
-    if constexpr (!kSsse3)
-        return (mulHigh<int32_t>(a, b) << 1) + bitcast<V>(((bits(a) * bits(b) >> 14) + 1) >> 1);
+    if constexpr (!kSsse3) // left to itself, the compiler goes by way of bytes and 32 bits
+        return opaque(mulHigh(a, b)) * 2 + bitcast<V>((opaque(bits(a) * bits(b) >> 14) + 1) >> 1);
     else if constexpr (sizeof(V) > (kAvx2 ? 32 : 16))
         return byHalves([](auto... x) { return mulRounded(x...); }, a, b);
     else if constexpr (sizeof(V) < 16)

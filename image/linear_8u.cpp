@@ -98,7 +98,9 @@ template<int NC> QVR_INLINE Block pairsOf(const uint8_t* s, const int32_t* first
     if constexpr (NC == 4) {
         using Two = Vec<uint8_t, 8>;
         const auto both = concat(load<Two>(s + Index{first[0]} * 4), load<Two>(s + Index{first[1]} * 4));
-        return __builtin_shufflevector(both, both, 0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
+        // In two steps, for both of which SSE2 has an instruction.
+        const Block taps = bitcast<Block>(opaque(shuffleBlocks<0, 2, 1, 3>(bitcast<Vec<uint32_t, 4>>(both))));
+        return zipLo(taps, bitcast<Block>(reversedLanes(bitcast<Vec<uint64_t, 2>>(taps))));
     } else {
         Vec<uint16_t, 8> pairs = {};
         for (int k = 0; k < 8; k++)
@@ -118,9 +120,8 @@ template<class V> QVR_INLINE auto filtered(V pairs, Vec<int16_t, lanes<V> / 2> w
         return addBytePairs(pairs, left) + mulRounded(addBytePairs(pairs, apart), weight);
     } else {
         const Words factor = splat<Words>(static_cast<int16_t>(scale));
-        const Words a = (bitcast<Words>(pairs) & 255) * factor;
-        const Words b = bitcast<Words>(bitcast<Vec<uint16_t, lanes<V> / 2>>(pairs) >> 8) * factor;
-        return a + mulRounded(b - a, weight);
+        const Words left = bitcast<Words>(pairs) & 255, right = bitcast<Words>(bitcast<Bits<Words>>(pairs) >> 8);
+        return left * factor + mulRounded((right - left) * factor, weight);
     }
 }
 
@@ -150,10 +151,11 @@ template<int NC> QVR_APART void filterRow(const uint8_t* s, const Columns& c, in
 QVR_APART void blendRows(const int16_t* near, const int16_t* far, int w, Index n, uint8_t* dst)
 {
     using Words = Vec<int16_t, kWords>;
-    const int16_t weight = static_cast<int16_t>(-4 * w); // 4 w may be 2^15, so both are negated
+    // 4 w may be 2^15, so both are negated.
+    const Words weight = splat<Words>(static_cast<int16_t>(-4 * w));
     putRow(n, dst, [&](Index i) {
         const Words a = load<Words>(near + i);
-        return shiftedRound<6>(a + mulHigh<int32_t>(a - load<Words>(far + i), splat<Words>(weight)));
+        return shiftedRound<6>(a + mulHigh(a - load<Words>(far + i), weight));
     });
 }
 

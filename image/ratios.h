@@ -145,12 +145,10 @@ template<int NC> void sumRatioRows(const qvrResizeBand* b, Index first, bool man
         (strip.three ? sumRatioRows<NC, true, 1> : sumRatioRows<NC, false, 1>)(b, first, strip);
 }
 
-// How a sum becomes a mean: ((sum + parts / 2) m >> 16) >> shift. The factor stays in memory: where compilers widen it
-// before the loop, they do not see that the product's upper half is one instruction.
+// How a sum becomes a mean: ((sum + parts / 2) m >> 16) >> shift.
 struct RatioMean {
-    Index parts;
+    Index parts, m;
     int shift;
-    Sums m;
 };
 // n outputs of the row at `place`, from R lines.
 template<int R, bool Shift>
@@ -158,7 +156,7 @@ QVR_APART void averageRows(const RatioStrip& strip, const qvrSuperAxis* y, const
                            const RatioMean& mean, uint8_t* dst, Index n)
 {
     const Sums rounding = splat<Sums>(static_cast<uint16_t>(mean.parts / 2));
-    const Sums shift = splat<Sums>(static_cast<uint16_t>(mean.shift));
+    const Sums m = splat<Sums>(static_cast<uint16_t>(mean.m)), shift = splat<Sums>(static_cast<uint16_t>(mean.shift));
     const uint16_t* from[R];
     Sums covers[R];
     Index left = y->p, most = y->q - place.rest;
@@ -172,7 +170,7 @@ QVR_APART void averageRows(const RatioStrip& strip, const qvrSuperAxis* y, const
         Sums sum = rounding;
         for (int k = 0; k < R; k++)
             sum += load<Sums>(from[k] + i) * covers[k];
-        const Sums high = mulHigh<uint32_t>(sum, load<Sums>(&mean.m));
+        const Sums high = mulHigh(sum, m);
         return Shift ? high >> shift : high;
     });
 }
@@ -184,14 +182,13 @@ template<int NC> bool averageRatios(const qvrResizeBand* b, const qvrSuperAxis* 
         y->p > (kRatioRows - kTogether) * y->q || x->length < 16 / NC)
         return false;
     // The largest shift for which m is below 2^16; none for a power of two, for which m is one, too.
-    RatioMean mean = {x->p * y->p, 0, {}};
+    RatioMean mean = {x->p * y->p, 0, 0};
     while ((mean.parts & (mean.parts - 1)) != 0 && (Index{2} << mean.shift) <= mean.parts)
         mean.shift++;
     const Index power = Index{1} << (16 + mean.shift), largest = 255 * mean.parts + mean.parts / 2;
-    const Index m = (power + mean.parts - 1) / mean.parts;
-    if (m > 65535 || largest * (m * mean.parts - power) >= power)
+    mean.m = (power + mean.parts - 1) / mean.parts;
+    if (mean.m > 65535 || largest * (mean.m * mean.parts - power) >= power)
         return false;
-    mean.m = splat<Sums>(static_cast<uint16_t>(m));
     const RatioPlace behind = ratioPlace(y, b->y.first + b->y.count);
     const Index last = behind.pixel < y->length ? behind.pixel : y->length; // rows before are needed
     RatioStrip strip;
