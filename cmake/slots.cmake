@@ -46,6 +46,7 @@ function(qvr_make_slot_targets)
         target_compile_definitions(slot_${slot} PRIVATE QVR_SLOT_PREFIX=${slot}
             QVR_SLOT_SHARED_PREFIX=${QVR_SHARED_${slot}})
         target_link_libraries(slot_${slot} PRIVATE declarations)
+        target_precompile_headers(slot_${slot} PRIVATE ${PROJECT_SOURCE_DIR}/frame/simd.h)
         if(slot IN_LIST QVR_LEFT_OUT)
             target_compile_options(slot_${slot} PRIVATE -fno-sanitize=all -g0 -O0)
         elseif(slot IN_LIST QVR_WATCHED_SLOTS)
