@@ -3,6 +3,7 @@
 #define QVR_ELEMENTARY_ARCTANGENT_H
 
 #include "elementary/kernel.h"
+#include "frame/lookup.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #ifndef QVR_FRAME_COMPRESS_H
 #define QVR_FRAME_COMPRESS_H
 
-#include "frame/simd.h"
+#include "frame/lookup.h"
 
 namespace {
 

@@ -6,6 +6,18 @@
 
 namespace {
 
+// One of eight values by an index 0 .. 7.
+template<class I> QVR_INLINE Vec<float, lanes<I>> choose8(Vec<float, 8> values, I index)
+{
+    if constexpr (sizeof(I) > 32) {
+        return concat(choose8(values, lo(index)), choose8(values, hi(index)));
+    } else if constexpr (sizeof(I) == 32) {
+        return bitcast<Vec<float, 8>>(_mm256_permutevar8x32_ps(bitcast<__m256>(values), bitcast<__m256i>(index)));
+    } else {
+        return slice<0, lanes<I>>(choose8(values, concat(padTo16(index), padTo16(index))));
+    }
+}
+
 // Table rows by an index in each lane. The indices go through memory, because taking lanes out of a register one by
 // one, or a gather instruction, costs more than loads that overlap with other work; volatile keeps the compiler from
 // turning the loads back into that.

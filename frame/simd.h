@@ -637,20 +637,6 @@ template<class V> QVR_INLINE V rootReciprocalEstimate(V v)
         return slice<0, lanes<V>>(bitcast<Vec<float, 4>>(_mm_rsqrt_ps(bitcast<__m128>(padTo16(v)))));
 }
 
-// ---- Choice ---------------------------------------------------------------------------------------------------------
-
-// One of eight values by an index 0 .. 7.
-template<class I> QVR_INLINE Vec<float, lanes<I>> choose8(Vec<float, 8> values, I index)
-{
-    if constexpr (sizeof(I) > 32) {
-        return concat(choose8(values, lo(index)), choose8(values, hi(index)));
-    } else if constexpr (sizeof(I) == 32) {
-        return bitcast<Vec<float, 8>>(_mm256_permutevar8x32_ps(bitcast<__m256>(values), bitcast<__m256i>(index)));
-    } else {
-        return slice<0, lanes<I>>(choose8(values, concat(padTo16(index), padTo16(index))));
-    }
-}
-
 // ---- Masked access --------------------------------------------------------------------------------------------------
 
 // The first n <= N lanes; nothing behind them is touched, and the other lanes of a load are zero. One instruction for
