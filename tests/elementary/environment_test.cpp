@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <xmmintrin.h>
 
-#include "elementary/kernels.h"
+#include "elementary/each_call.h"
 #include "elementary/slot_tables.h"
 #include "support/elementwise.h"
 #include "support/environment.h"
@@ -11,26 +11,6 @@
 extern "C" void pendingDivision(uint16_t* control, void (*call)(void*), void* argument);
 
 namespace {
-
-using Invoke = std::function<void(const float*, float*, int)>;
-
-void eachCall(const std::function<void(const Invoke&)>& body)
-{
-    for (int slot = 0; slot < slots::kCount; slot++) {
-        if (!slots::canRun(slot))
-            continue;
-        for (int c = 0; c < kClasses; c++) {
-            SCOPED_TRACE(std::string("slot ") + slots::kNames[slot] + " class " + kClassNames[c]);
-            for (const Function1& f : kFunctions1) {
-                SCOPED_TRACE(f.name);
-                body([&](const float* x, float* y, int n) { f.kernels[slot][c](x, y, n); });
-            }
-            body([&](const float* x, float* y, int n) { powKernels[slot][c](x, x, y, n); });
-            body([&](const float* x, float* y, int n) { atan2Kernels[slot][c](x, x, y, n); });
-            body([&](const float* x, float* y, int n) { powxKernels[slot][c](x, -1.5f, y, n); });
-        }
-    }
-}
 
 const float kProvoking[12] = {
     floatOf(0x7FA00001), INFINITY, -INFINITY, 0.0f, -0.0f, 1e30f, -1e30f, 1e-40f, 89.0f, -89.0f, 2.0f, 100.0f};

@@ -1,6 +1,6 @@
 // Arrays beyond the second cache, whose lines are asked for ahead: the results of their pieces, and nothing read or
 // written behind the end.
-#include "elementary/kernels.h"
+#include "elementary/each_call.h"
 #include "elementary/slot_tables.h"
 #include "support/guarded.h"
 #include "support/slots.h"
@@ -41,21 +41,7 @@ std::vector<float> values(int parts)
 TEST(ElementaryLong, PiecesOfTaggedFunctions)
 {
     const std::vector<float> v = values(1);
-    for (int slot = 0; slot < slots::kCount; slot++) {
-        if (!slots::canRun(slot))
-            continue;
-        for (int c = 0; c < kClasses; c++) {
-            SCOPED_TRACE(std::string("slot ") + slots::kNames[slot] + " class " + kClassNames[c]);
-            for (const Function1& f : kFunctions1) {
-                SCOPED_TRACE(f.name);
-                checkLong<float>(v, 1, f.kernels[slot][c]);
-            }
-            for (Kernel2* kernel : {powKernels[slot][c], atan2Kernels[slot][c]})
-                checkLong<float>(v, 1, [&](const float* x, float* y, int n) { return kernel(x, x, y, n); });
-            checkLong<float>(v, 1,
-                             [&](const float* x, float* y, int n) { return powxKernels[slot][c](x, -1.5f, y, n); });
-        }
-    }
+    eachCall([&](const Invoke& run) { checkLong<float>(v, 1, run); });
 }
 
 TEST(ElementaryLong, PiecesOfUntaggedFunctions)
