@@ -16,8 +16,8 @@ struct Geometry {
                std::to_string(toHeight);
     }
 };
-constexpr Geometry kUp = {640, 480, 1920, 1080}, kDown = {4000, 3000, 800, 600}, kOdd = {4000, 3000, 1504, 1128},
-                   kSmallDown = {640, 480, 320, 240};
+constexpr Geometry kUp = {640, 480, 1920, 1080}, kFrameUp = {1920, 1080, 3840, 2160}, kDown = {4000, 3000, 800, 600},
+                   kOdd = {4000, 3000, 1504, 1128}, kSmallDown = {640, 480, 320, 240};
 // A half, ratios of small numbers and others, a low picture, small pictures.
 constexpr Geometry kReductions[] = {kSmallDown,
                                     kDown,
@@ -92,13 +92,17 @@ template<class T, int NC, auto Export> void methods(const Sink& sink)
         for (const Geometry& g : {kUp, kDown, kSmallDown, kThreeQuarters, kSmallUp})
             add(m, g);
     }
-    for (const Geometry& g : kReductions) {
-        add({"super", qvriInterSuper}, g);
+    const auto eachCommon = [&](auto&& visit) {
         for (const Method& m : kMethods)
             if (m.selector == qvriInterLinear || m.selector == qvriInterCubicCatmullRom ||
                 m.selector == qvriInterLanczos)
-                if (g.toWidth != kOdd.toWidth)
-                    add({m.name, m.selector | qvriAntialias}, g);
+                visit(m);
+    };
+    eachCommon([&](const Method& m) { add(m, kFrameUp); });
+    for (const Geometry& g : kReductions) {
+        add({"super", qvriInterSuper}, g);
+        if (g.toWidth != kOdd.toWidth)
+            eachCommon([&](const Method& m) { add({m.name, m.selector | qvriAntialias}, g); });
     }
 }
 
