@@ -84,13 +84,14 @@ template<class T> struct Edges {
     }
 };
 
-template<class T> void treatEdges(const qvrResizePlan* plan, char* dst, int64_t step, int channels)
+template<class T> void treatEdges(const qvrResizePlan* plan, int channels)
 {
     const int64_t pixelBytes = channels * static_cast<int64_t>(sizeof(T));
-    const Edges<T> e = {dst + plan->y.first * step + plan->x.first * pixelBytes,
-                        step,
-                        plan->x.count,
-                        plan->y.count,
+    const qvrResizeBand& b = plan->band;
+    const Edges<T> e = {b.dst + b.y.first * b.dstStep + b.x.first * pixelBytes,
+                        b.dstStep,
+                        b.x.count,
+                        b.y.count,
                         channels,
                         (plan->flags & qvriEdgeBlend) != 0};
     const double left = coverBefore(plan->xMinF), right = coverBehind(plan->xMaxF);
@@ -102,12 +103,12 @@ template<class T> void treatEdges(const qvrResizePlan* plan, char* dst, int64_t 
 
 } // namespace
 
-extern "C" void qvrResizeEdges(const qvrResizePlan* plan, char* dst, int64_t dstStep, int pixel)
+extern "C" void qvrResizeEdges(const qvrResizePlan* plan, int pixel)
 {
     if (pixel <= qvrPixel_8u_C4)
-        treatEdges<uint8_t>(plan, dst, dstStep, pixel == qvrPixel_8u_C1 ? 1 : 4);
+        treatEdges<uint8_t>(plan, pixel == qvrPixel_8u_C1 ? 1 : 4);
     else if (pixel == qvrPixel_32f_C1)
-        treatEdges<float>(plan, dst, dstStep, 1);
+        treatEdges<float>(plan, 1);
     else
-        treatEdges<double>(plan, dst, dstStep, 1);
+        treatEdges<double>(plan, 1);
 }

@@ -62,35 +62,67 @@ template<class F> QVR_INLINE void putRow(Index n, uint8_t* dst, const F& words)
         storePartial(dst + i, block(i), static_cast<int>(n - i));
 }
 
-// n bytes of an output row from the two rows above it.
-template<int NC> inline void halveRow(const uint8_t* upper, const uint8_t* lower, uint8_t* dst, Index n)
+// The source pixel that a band's axis of inv = p / q and off = at / q begins with; -1 if it begins within one or
+// reaches out of the image.
+QVR_INLINE Index wholeStart(const qvrResizeAxis& a, Index p, Index q, Index at)
 {
-    const auto sums = [](const uint8_t* p) { return pixelSums<NC>(load<HalveBytes>(p)); };
-    if (n >= kHalveBytes)
-        return putRow(n, dst, [&](Index i) { return shiftedRound<2>(sums(upper + 2 * i) + sums(lower + 2 * i)); });
-    for (Index i = 0; i < n; i++) {
-        const Index at = 2 * i - i % NC;
-        dst[i] = static_cast<uint8_t>((upper[at] + upper[at + NC] + lower[at] + lower[at + NC] + 2) >> 2);
+    const Index from = a.first * p + at;
+    return from >= 0 && from % q == 0 && from + p * a.count <= q * a.length ? from / q : -1;
+}
+
+// block(source, destination, i) for `bytes` bytes of each output row from byte i on, so that all are made, some twice.
+// Each P source rows from `top` on make Q; a row is no shorter than a block.
+template<int P, int Q, class F>
+QVR_INLINE void eachBlock(const qvrResizeBand* b, Index top, Index groups, Index pixelBytes, Index bytes,
+                          const F& block)
+{
+    const uint8_t* src = reinterpret_cast<const uint8_t*>(sourceRow(b, top));
+    uint8_t* dst = reinterpret_cast<uint8_t*>(outputRow(b, 0, pixelBytes));
+    const Index n = b->x.count * pixelBytes, srcStep = b->srcStep, dstStep = b->dstStep;
+    for (; groups > 0; groups--, src += P * srcStep, dst += Q * dstStep) {
+        Index i = 0;
+        for (; i + bytes <= n; i += bytes)
+            block(src, dst, i);
+        if (i < n)
+            block(src, dst, n - bytes);
     }
 }
 
-// A band of blocks inside the image from a whole pixel on, of an axis' factor of a half; false if it is not.
+// Where blocks of two by two pixels begin, if a band is of these; else `left` or `top` is -1.
+struct Halves {
+    Index left, top;
+};
+QVR_INLINE Halves halvesOf(const qvrResizeBand* b)
+{
+    const auto start = [](const qvrResizeAxis& a) {
+        const Index at = static_cast<Index>(a.off);
+        return a.inv == 2 && a.off == static_cast<double>(at) ? wholeStart(a, 2, 1, at) : -1;
+    };
+    const Index left = start(b->x);
+    return {left, left < 0 ? -1 : start(b->y)};
+}
+
+// The means of these blocks; false if there are none.
 template<int NC> inline bool halveBand(const qvrResizeBand* b)
 {
-    const auto inside = [](const qvrResizeAxis& a) {
-        const double first = static_cast<double>(2 * a.first) + a.off;
-        const bool whole = first >= 0 && first < a.length && first == static_cast<double>(static_cast<Index>(first));
-        return whole && static_cast<Index>(first) + 2 * Index{a.count} <= a.length;
-    };
-    if (!kCanHalve<NC> || !inside(b->x) || !inside(b->y))
+    const auto [left, top] = halvesOf(b);
+    if (!kCanHalve<NC> || top < 0)
         return false;
-    const Index left = 2 * b->x.first + static_cast<Index>(b->x.off),
-                top = 2 * b->y.first + static_cast<Index>(b->y.off);
-    if constexpr (kCanHalve<NC>)
-        for (Index n = 0; n < b->y.count; n++) {
-            const uint8_t* const upper = reinterpret_cast<const uint8_t*>(sourceRow(b, top + 2 * n)) + left * NC;
-            halveRow<NC>(upper, upper + b->srcStep, reinterpret_cast<uint8_t*>(outputRow(b, n, NC)), b->x.count * NC);
-        }
+    const Index step = b->srcStep, n = b->x.count * NC;
+    if (n < kHalveBytes) {
+        eachBlock<2, 1>(b, top, b->y.count, NC, 1, [=](const uint8_t* src, uint8_t* dst, Index i) {
+            const uint8_t *const upper = src + left * NC + 2 * i - i % NC, *const lower = upper + step;
+            dst[i] = static_cast<uint8_t>((upper[0] + upper[NC] + lower[0] + lower[NC] + 2) >> 2);
+        });
+    } else if constexpr (kCanHalve<NC>) {
+        eachBlock<2, 1>(b, top, b->y.count, NC, kHalveBytes, [=](const uint8_t* src, uint8_t* dst, Index i) {
+            const auto words = [=](Index at) {
+                const uint8_t* const p = src + left * NC + 2 * i + at;
+                return shiftedRound<2>(pixelSums<NC>(load<HalveBytes>(p)) + pixelSums<NC>(load<HalveBytes>(p + step)));
+            };
+            store(dst + i, packWords(words(0), words(kHalveBytes)));
+        });
+    }
     return true;
 }
 

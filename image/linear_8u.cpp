@@ -227,11 +227,10 @@ template<int NC> void linear(const qvrResizeBand* b, int pixel)
 extern "C" void SLOT(ownResizeLinear_8u)(const qvrResizeBand* band, int pixel)
 {
     // The mean of two by two pixels: h is 32 (a + b) and out (a + b + c + d + 2) >> 2.
-    const bool halves = band->x.inv == 2 && band->y.inv == 2;
     if (pixel == qvrPixel_8u_C1) {
-        if (!halves || !halveBand<1>(band))
+        if (!halveBand<1>(band))
             linear<1>(band, pixel);
-    } else if (!halves || !halveBand<4>(band)) {
+    } else if (!halveBand<4>(band)) {
         linear<4>(band, pixel);
     }
 }

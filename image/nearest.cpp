@@ -5,7 +5,7 @@
 // each group of outputs is one load and one shuffle or two of each, for which the table holds place and shuffles.
 #include <string.h>
 
-#include "image/kernels.h"
+#include "image/halve.h"
 
 namespace {
 
@@ -30,6 +30,7 @@ struct Period {
     bool evens;
     uint8_t from[16];
 };
+constexpr Index kExactPlaces = 1 << 16;
 template<class T> constexpr int kEvens = (kAvx2 ? 32 : 16) / sizeof(T); // outputs of a block
 
 template<class T> Period periodOf(const qvrResizeAxis& axis)
@@ -70,21 +71,39 @@ template<class T> Period periodOf(const qvrResizeAxis& axis)
     return period;
 }
 
+// A block of every second pixel.
+template<class T> QVR_INLINE void copyEvens(const void* src, void* dst)
+{
+    using V = Vec<T, kEvens<T>>;
+    const char* const p = static_cast<const char*>(src);
+    if constexpr (sizeof(T) == 1) {
+        const auto words = [](const char* at) { return load<Vec<uint16_t, kEvens<T> / 2>>(at) & 255; };
+        store(dst, packWords(words(p), words(p + sizeof(V))));
+    } else {
+        store(dst, evens(load<V>(p), load<V>(p + sizeof(V))));
+    }
+}
+
+// The first pixel of each block of two by two. False: the band is not of these, or rounding begins to matter.
+template<class T> bool copyHalves(const qvrResizeBand* b)
+{
+    const auto [left, top] = halvesOf(b);
+    if (top < 0 || b->x.count < kEvens<T> || left + 2 * b->x.count > kExactPlaces ||
+        top + 2 * b->y.count > kExactPlaces)
+        return false;
+    eachBlock<2, 1>(b, top, b->y.count, sizeof(T), kEvens<T> * sizeof(T),
+                    [=](const uint8_t* src, uint8_t* dst, Index i) {
+                        copyEvens<T>(src + left * static_cast<Index>(sizeof(T)) + 2 * i, dst + i);
+                    });
+    return true;
+}
+
 template<class T> void copyBlocks(const T* src, const Period& period, T* dst)
 {
     src += period.first;
     if (period.evens) {
-        constexpr int N = kEvens<T>;
-        for (Index x = 0; x < period.done; x += N) {
-            if constexpr (sizeof(T) == 1) {
-                using Words = Vec<uint16_t, N / 2>;
-                const auto words = [](const T* p) { return load<Words>(p) & 255; };
-                store(dst + x, packWords(words(src + 2 * x), words(src + 2 * x + N)));
-            } else {
-                using V = Vec<T, N>;
-                store(dst + x, evens(load<V>(src + 2 * x), load<V>(src + 2 * x + N)));
-            }
-        }
+        for (Index x = 0; x < period.done; x += kEvens<T>)
+            copyEvens<T>(src + 2 * x, dst + x);
     } else if constexpr (kSsse3) {
         const Block from = load<Block>(period.from);
         const Index pixels = period.pixels, outputs = period.outputs;
@@ -158,6 +177,8 @@ constexpr Index kRows = 64; // of the source that are looked up together
 
 template<class T> void nearest(const qvrResizeBand* b)
 {
+    if (copyHalves<T>(b))
+        return;
     const Index width = b->x.count, bytes = width * static_cast<Index>(sizeof(T));
     Carver carver = bufferOf(b);
     int32_t* const column = carver.take<int32_t>(width, 16);

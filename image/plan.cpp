@@ -21,69 +21,66 @@ bool isNan(double v)
     return v != v;
 }
 // Values that reach these have been clipped to less than 2^33.
-double floorOf(double v)
+int64_t truncOf(double v)
 {
-    const double t = static_cast<double>(static_cast<int64_t>(v));
-    return t > v ? t - 1 : t;
+    return static_cast<int64_t>(v);
 }
-double ceilOf(double v)
+int64_t floorOf(double v)
+{
+    const int64_t t = truncOf(v);
+    return static_cast<double>(t) > v ? t - 1 : t;
+}
+int64_t ceilOf(double v)
 {
     return -floorOf(-v);
 }
-double truncOf(double v)
-{
-    return static_cast<double>(static_cast<int64_t>(v));
-}
 
-bool validRects(qvriRect src, qvriRect dst)
+bool validRects(const qvriRect* src, const qvriRect* dst)
 {
-    return src.x >= 0 && src.y >= 0 && src.width > 0 && src.height > 0 && dst.x >= 0 && dst.y >= 0 && dst.width > 0 &&
-           dst.height > 0;
+    const auto valid = [](const qvriRect& r) { return r.x >= 0 && r.y >= 0 && r.width > 0 && r.height > 0; };
+    return valid(*src) && valid(*dst);
 }
-
-struct Extent {
-    double minF, maxF, first, end;
-};
 
 // One axis of the destination: where the region lands, cut to the destination rectangle. False: there is nothing.
-bool clip(int32_t srcLength, int32_t srcAt, int32_t srcCount, int32_t dstAt, int32_t dstCount, double factor,
-          double shift, bool edges, Extent& e)
+bool clip(int32_t length, int32_t srcAt, int32_t srcCount, int32_t dstAt, int32_t dstCount, double factor, double shift,
+          bool edges, qvrResizeAxis* axis, double* minF, double* maxF)
 {
-    const int32_t rest = srcLength - srcAt, count = rest < srcCount ? rest : srcCount;
+    const int32_t rest = length - srcAt, count = rest < srcCount ? rest : srcCount;
     const double from = srcAt * factor + shift, to = (static_cast<double>(srcAt) + count) * factor + shift;
     if (isNan(from) || isNan(to))
         return false;
     const double low = dstAt, high = static_cast<double>(dstAt) + dstCount;
-    e.minF = from > low ? from : low;
-    e.maxF = to < high ? to : high;
+    const double least = from > low ? from : low, most = to < high ? to : high;
+    *minF = least;
+    *maxF = most;
     // Both ends are in the rectangle now, or there is nothing between them.
-    if (!(e.minF <= high && e.maxF >= low))
+    if (!(least <= high && most >= low))
         return false;
-    e.first = edges ? ceilOf(e.minF - kWholeCover) : truncOf(e.minF + kStartRound);
-    e.end = edges ? floorOf(e.maxF + kWholeCover) : truncOf(e.maxF + kEndRound);
-    return e.first < e.end;
+    const int64_t first = edges ? ceilOf(least - kWholeCover) : truncOf(least + kStartRound);
+    const int64_t end = edges ? floorOf(most + kWholeCover) : truncOf(most + kEndRound);
+    *axis = {1.0 / factor, shift == 0 ? 0 : 0 - shift / factor, first, static_cast<int32_t>(end - first), length};
+    return first < end;
 }
 
 using Wide = __int128;
 
 // To a multiple of a power of two.
-Wide up(Wide value, int multiple)
+template<class N> N up(N value, int multiple)
 {
-    return (value + multiple - 1) & -static_cast<Wide>(multiple);
+    return (value + multiple - 1) & -static_cast<N>(multiple);
 }
 
 // Taps of the low-pass table: the radius grows with the reduction of the rectangles.
 Wide lowPassTaps(int radius, int32_t src, int32_t dst)
 {
     const double reach = static_cast<double>(src) / dst >= 1.0 ? static_cast<double>(radius) * src / dst : radius;
-    const double whole = truncOf(reach);
-    return 2 * static_cast<int64_t>(whole < reach ? whole + 1 : whole) + 2;
+    return 2 * ceilOf(reach) + 2;
 }
 
-Wide plainBytes(const qvrResizeMethod* method, Wide dw, Wide dh, Wide sw, Wide nc, Wide e)
+int64_t plainBytes(const qvrResizeMethod* method, int64_t dw, int64_t dh, int64_t sw, int64_t nc, int64_t e)
 {
-    const Wide index = 4 * (up(dw, 16) + up(dh, 16)); // row and column offsets
-    const auto weights = [=](Wide d, int slack) { return up(2 * method->radius * d + slack, 32) + up(d, 32); };
+    const int64_t index = 4 * (up(dw, 16) + up(dh, 16)); // row and column offsets
+    const auto weights = [=](int64_t d, int slack) { return up(2 * method->radius * d + slack, 32) + up(d, 32); };
     if (method->selector == qvriInterSuper)
         return 2 * e * nc * up(sw, 16);
     switch (method->radius) {
@@ -98,7 +95,7 @@ Wide plainBytes(const qvrResizeMethod* method, Wide dw, Wide dh, Wide sw, Wide n
     }
 }
 
-Wide lowPassBytes(const qvrResizeMethod* method, qvriRect src, qvriRect dst, Wide nc, int elementBytes)
+Wide lowPassBytes(const qvrResizeMethod* method, const qvriRect& src, const qvriRect& dst, Wide nc, int elementBytes)
 {
     const Wide dw = dst.width, dh = dst.height;
     const Wide lines = up(dw * src.height * nc, 16), line = up(dw * nc, 16);
@@ -108,65 +105,56 @@ Wide lowPassBytes(const qvrResizeMethod* method, qvriRect src, qvriRect dst, Wid
                              : 16 * lines + 8 * line + 12 * columns + 12 * rows;
 }
 
-// The selector's method and flags: qvrOk or qvrErrBadInterpolation.
-qvrStatus checkInterpolation(int32_t interpolation)
+// Null if selector or flags are none.
+const qvrResizeMethod* checkedMethod(int32_t interpolation)
 {
-    if (qvrMethodOf(interpolation & QVR_INTERPOLATION_METHOD) == nullptr)
-        return qvrErrBadInterpolation;
     int flags = 0;
     for (int32_t flag : kFlags)
         flags += (interpolation & flag) != 0;
-    return flags > 1 ? qvrErrBadInterpolation : qvrOk;
+    return flags > 1 ? nullptr : qvrMethodOf(interpolation & QVR_INTERPOLATION_METHOD);
 }
 
 } // namespace
 
 extern "C" {
 
-qvrStatus qvrMakeResizePlan(qvriSize srcSize, qvriRect srcRoi, qvriRect dstRoi, double xFactor, double yFactor,
-                            double xShift, double yShift, int32_t interpolation, qvrResizePlan* plan)
+qvrStatus qvrMakeResizePlan(qvriSize srcSize, const qvriRect* srcRoi, const qvriRect* dstRoi, double xFactor,
+                            double yFactor, double xShift, double yShift, int32_t interpolation, qvrResizePlan* plan)
 {
     if (srcSize.width <= 0 || srcSize.height <= 0 || !validRects(srcRoi, dstRoi))
         return qvrErrBadSize;
     if (0 >= xFactor || 0 >= yFactor)
         return qvrErrBadFactor;
-    if (const qvrStatus status = checkInterpolation(interpolation))
-        return status;
-    const qvrResizeMethod* method = qvrMethodOf(interpolation & QVR_INTERPOLATION_METHOD);
+    const qvrResizeMethod* method = checkedMethod(interpolation);
+    if (method == nullptr)
+        return qvrErrBadInterpolation;
     if (method->selector == qvriInterSuper && (xFactor > 1.0 || yFactor > 1.0))
         return qvrErrBadFactor;
     const int32_t least = srcSize.width < srcSize.height ? srcSize.width : srcSize.height;
     while (method->smaller != 0 && least < 2 * method->radius)
         method = qvrMethodOf(method->smaller);
-    if (srcRoi.x >= srcSize.width || srcRoi.y >= srcSize.height)
+    if (srcRoi->x >= srcSize.width || srcRoi->y >= srcSize.height)
         return qvrWarnRoiOutside;
 
-    const bool edges = (interpolation & (qvriEdgeBlend | qvriEdgeFade)) != 0;
-    Extent x, y;
-    if (!clip(srcSize.width, srcRoi.x, srcRoi.width, dstRoi.x, dstRoi.width, xFactor, xShift, edges, x) ||
-        !clip(srcSize.height, srcRoi.y, srcRoi.height, dstRoi.y, dstRoi.height, yFactor, yShift, edges, y))
-        return qvrWarnNothingToDo;
-    plan->x = {1.0 / xFactor, 0 - xShift / xFactor, static_cast<int64_t>(x.first),
-               static_cast<int32_t>(x.end - x.first), srcSize.width};
-    plan->y = {1.0 / yFactor, 0 - yShift / yFactor, static_cast<int64_t>(y.first),
-               static_cast<int32_t>(y.end - y.first), srcSize.height};
-    plan->xMinF = x.minF;
-    plan->xMaxF = x.maxF;
-    plan->yMinF = y.minF;
-    plan->yMaxF = y.maxF;
-    plan->method = method;
     plan->flags = interpolation & ~QVR_INTERPOLATION_METHOD;
-    return qvrOk;
+    plan->band.method = method;
+    plan->band.lowPass = (plan->flags & qvriAntialias) != 0;
+    const bool edges = (plan->flags & (qvriEdgeBlend | qvriEdgeFade)) != 0;
+    const bool any = clip(srcSize.width, srcRoi->x, srcRoi->width, dstRoi->x, dstRoi->width, xFactor, xShift, edges,
+                          &plan->band.x, &plan->xMinF, &plan->xMaxF) &&
+                     clip(srcSize.height, srcRoi->y, srcRoi->height, dstRoi->y, dstRoi->height, yFactor, yShift, edges,
+                          &plan->band.y, &plan->yMinF, &plan->yMaxF);
+    return any ? qvrOk : qvrWarnNothingToDo;
 }
 
-qvrStatus qvrResizeThreadBytes(qvriRect srcRoi, qvriRect dstRoi, int channels, int32_t interpolation, int elementBytes,
-                               int32_t* size)
+qvrStatus qvrResizeThreadBytes(const qvriRect* src, const qvriRect* dst, int channels, int32_t interpolation,
+                               int elementBytes, int32_t* size)
 {
     const qvrResizeMethod* const method = qvrMethodOf(interpolation & QVR_INTERPOLATION_METHOD);
     const bool antialias = (interpolation & qvriAntialias) != 0, ignored = antialias && method->radius == 0;
     const Wide bytes = antialias && !ignored
-                           ? lowPassBytes(method, srcRoi, dstRoi, channels, elementBytes)
-                           : plainBytes(method, dstRoi.width, dstRoi.height, srcRoi.width, channels, elementBytes);
+                           ? lowPassBytes(method, *src, *dst, channels, elementBytes)
+                           : plainBytes(method, dst->width, dst->height, src->width, channels, elementBytes);
     // With the slack the size is an int32, too.
     if (bytes + kBufferSlack > INT32_MAX) {
         *size = 0;
@@ -182,19 +170,19 @@ int32_t qvrResizeThreads(int32_t threadBytes)
     return most < budget ? most : budget;
 }
 
-qvrStatus qvrResizeBufferBytes(qvriRect srcRoi, qvriRect dstRoi, int channels, int32_t interpolation, int elementBytes,
-                               int* sizeOut)
+qvrStatus qvrResizeBufferBytes(const qvriRect* src, const qvriRect* dst, int channels, int32_t interpolation,
+                               int elementBytes, int* sizeOut)
 {
     if (sizeOut == nullptr)
         return qvrErrNullPointer;
-    if (!validRects(srcRoi, dstRoi))
+    if (!validRects(src, dst))
         return qvrErrBadSize;
     if (channels != 1 && channels != 3 && channels != 4)
         return qvrErrBadChannels;
-    if (const qvrStatus status = checkInterpolation(interpolation))
-        return status;
+    if (checkedMethod(interpolation) == nullptr)
+        return qvrErrBadInterpolation;
     int32_t size;
-    const qvrStatus status = qvrResizeThreadBytes(srcRoi, dstRoi, channels, interpolation, elementBytes, &size);
+    const qvrStatus status = qvrResizeThreadBytes(src, dst, channels, interpolation, elementBytes, &size);
     const int32_t total = status < 0 ? 0 : size * qvrResizeThreads(size);
     __builtin_memcpy(sizeOut, &total, sizeof total);
     return status;

@@ -42,13 +42,6 @@ typedef struct {
 // Null: there is no such method.
 QVR_HIDDEN const qvrResizeMethod* qvrMethodOf(int32_t selector);
 
-typedef struct {
-    qvrResizeAxis x, y;
-    double xMinF, xMaxF, yMinF, yMaxF; // the clipped extent of the destination in continuous coordinates
-    const qvrResizeMethod* method;
-    int32_t flags;
-} qvrResizePlan;
-
 // One horizontal band: y holds its rows.
 typedef struct {
     const char* src; // pixel 0,0
@@ -61,25 +54,32 @@ typedef struct {
     int64_t bufferBytes;
 } qvrResizeBand;
 
-// All checks behind the null pointers, and the plan. A warning other than 0 means that there is nothing to do.
-QVR_HIDDEN qvrStatus qvrMakeResizePlan(qvriSize srcSize, qvriRect srcRoi, qvriRect dstRoi, double xFactor,
+typedef struct {
+    qvrResizeBand band;                // all rows
+    double xMinF, xMaxF, yMinF, yMaxF; // the clipped extent of the destination in continuous coordinates
+    int32_t flags;
+} qvrResizePlan;
+
+// All checks behind the null pointers, and the plan but for the band's memory. A warning other than 0 means that there
+// is nothing to do.
+QVR_HIDDEN qvrStatus qvrMakeResizePlan(qvriSize srcSize, const qvriRect* srcRoi, const qvriRect* dstRoi, double xFactor,
                                        double yFactor, double xShift, double yShift, int32_t interpolation,
                                        qvrResizePlan* plan);
 
 // The work buffer of one thread, by the size rule, for element type 8u and 32f (elementBytes 4) or 64f (8). An overflow
 // gives qvrErrBadSize and *size 0; a valid size may come with qvrWarnNoAntialiasing.
-QVR_HIDDEN qvrStatus qvrResizeThreadBytes(qvriRect srcRoi, qvriRect dstRoi, int channels, int32_t interpolation,
+QVR_HIDDEN qvrStatus qvrResizeThreadBytes(const qvriRect* src, const qvriRect* dst, int channels, int32_t interpolation,
                                           int elementBytes, int32_t* size);
 
 // The query: checks, then the size for as many threads as there can be.
-QVR_HIDDEN qvrStatus qvrResizeBufferBytes(qvriRect srcRoi, qvriRect dstRoi, int channels, int32_t interpolation,
+QVR_HIDDEN qvrStatus qvrResizeBufferBytes(const qvriRect* src, const qvriRect* dst, int channels, int32_t interpolation,
                                           int elementBytes, int* sizeOut);
 
 // Number of threads that a buffer of less than 2 GiB and the budget allow.
 QVR_HIDDEN int32_t qvrResizeThreads(int32_t threadBytes);
 
 // The pixels round the produced block that the source covers in part.
-QVR_HIDDEN void qvrResizeEdges(const qvrResizePlan* plan, char* dst, int64_t dstStep, int pixel);
+QVR_HIDDEN void qvrResizeEdges(const qvrResizePlan* plan, int pixel);
 
 // The source pixels under the centres of `count` destination pixels from d on, clamped into the image.
 QVR_HIDDEN void qvrNearestOf(const qvrResizeAxis* axis, int64_t d, int64_t count, int32_t* pixels);

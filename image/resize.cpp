@@ -23,47 +23,46 @@ void runBand(const qvrResizeBand& band, int pixel)
         SLOT(ownResizeTaps)(&band, pixel);
 }
 
-qvrStatus resize(const void* src, qvriSize srcSize, int srcStep, qvriRect srcRoi, void* dst, int dstStep,
-                 qvriRect dstRoi, double xFactor, double yFactor, double xShift, double yShift, int interpolation,
-                 qvr8u* buffer, int pixel)
+// The rectangles stay where the caller put them.
+qvrStatus resize(const void* src, qvriSize srcSize, int srcStep, const qvriRect& srcRoi, void* dst, int dstStep,
+                 const qvriRect& dstRoi, double xFactor, double yFactor, double xShift, double yShift,
+                 int interpolation, qvr8u* buffer, int pixel)
 {
     if (anyNull(src, dst, buffer))
         return qvrErrNullPointer;
     qvrResizePlan plan;
     if (const qvrStatus status =
-            qvrMakeResizePlan(srcSize, srcRoi, dstRoi, xFactor, yFactor, xShift, yShift, interpolation, &plan))
+            qvrMakeResizePlan(srcSize, &srcRoi, &dstRoi, xFactor, yFactor, xShift, yShift, interpolation, &plan))
         return status;
     int32_t threadBytes;
-    const qvrStatus status = qvrResizeThreadBytes(srcRoi, dstRoi, pixel == qvrPixel_8u_C4 ? 4 : 1, interpolation,
+    const qvrStatus status = qvrResizeThreadBytes(&srcRoi, &dstRoi, pixel == qvrPixel_8u_C4 ? 4 : 1, interpolation,
                                                   pixel == qvrPixel_64f_C1 ? 8 : 4, &threadBytes);
     if (status < 0)
         return status;
-    const qvrResizeBand whole = {static_cast<const char*>(src),
-                                 static_cast<char*>(dst),
-                                 srcStep,
-                                 dstStep,
-                                 plan.x,
-                                 plan.y,
-                                 plan.method,
-                                 (plan.flags & qvriAntialias) != 0,
-                                 reinterpret_cast<char*>(buffer),
-                                 threadBytes};
-    const int threads = qvrResizeThreads(threadBytes);
-    if (plan.x.count < kThreadsFrom || plan.y.count < kThreadsFrom || threads <= 1) {
+    qvrResizeBand& whole = plan.band;
+    whole.src = static_cast<const char*>(src);
+    whole.dst = static_cast<char*>(dst);
+    whole.srcStep = srcStep;
+    whole.dstStep = dstStep;
+    whole.buffer = reinterpret_cast<char*>(buffer);
+    whole.bufferBytes = threadBytes;
+    const bool small = whole.x.count < kThreadsFrom || whole.y.count < kThreadsFrom;
+    const int threads = small ? 1 : qvrResizeThreads(threadBytes);
+    if (threads <= 1) {
         runBand(whole, pixel);
     } else {
         parallelTeam(threads, [&](int t, int team) {
             qvrResizeBand band = whole;
-            const int rows = plan.y.count / team;
+            const int rows = whole.y.count / team;
             band.y.first += Index{t} * rows;
-            band.y.count = t == team - 1 ? rows + plan.y.count % team : rows;
+            band.y.count = t == team - 1 ? rows + whole.y.count % team : rows;
             band.bufferBytes = Index{threadBytes} * threads / team;
             band.buffer += t * band.bufferBytes;
             runBand(band, pixel);
         });
     }
     if (plan.flags & (qvriEdgeBlend | qvriEdgeFade))
-        qvrResizeEdges(&plan, static_cast<char*>(dst), dstStep, pixel);
+        qvrResizeEdges(&plan, pixel);
     return status;
 }
 
@@ -86,10 +85,10 @@ QVR_RESIZE(qvriResizeSqrPixel_64f_C1R, qvr64f, qvrPixel_64f_C1)
 extern "C" qvrStatus SLOT(qvriResizeGetBufSize)(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation,
                                                 int* sizeOut)
 {
-    return qvrResizeBufferBytes(srcRoi, dstRoi, nChannel, interpolation, 4, sizeOut);
+    return qvrResizeBufferBytes(&srcRoi, &dstRoi, nChannel, interpolation, 4, sizeOut);
 }
 extern "C" qvrStatus SLOT(qvriResizeGetBufSize_64f)(qvriRect srcRoi, qvriRect dstRoi, int nChannel, int interpolation,
                                                     int* sizeOut)
 {
-    return qvrResizeBufferBytes(srcRoi, dstRoi, nChannel, interpolation, 8, sizeOut);
+    return qvrResizeBufferBytes(&srcRoi, &dstRoi, nChannel, interpolation, 8, sizeOut);
 }

@@ -483,7 +483,7 @@ template<class T, int NC, class A> void superBand(Super<A>& s)
 template<class T, int NC> void super(const qvrResizeBand* b)
 {
     if constexpr (sizeof(T) == 1)
-        if (b->x.inv == 2 && b->y.inv == 2 && halveBand<NC>(b))
+        if (halveBand<NC>(b))
             return;
     Super<double> s = {};
     s.band = b;
