@@ -34,12 +34,16 @@ template<class Tap> constexpr Index firDirectLimit(Index taps)
 // than the short stretches of outputs on both sides of a cut. On mx, where a sum depends on its window's address, none.
 constexpr Index kFirShortRun = kSlot == qvrSlot_mx ? 0 : 256;
 
-// Zeros behind the newest sample in a delay buffer: a full vector of outputs may be computed for fewer wanted.
-constexpr int kFirSlack = kVecBytes / 4;
+// Output vectors to a step: with four taps and a sample vector they fill the sixteen registers.
+constexpr int kFirStep = 8;
+// Elements in a delay buffer up to which zeros follow fewer new samples: a step may be computed for fewer outputs.
+template<class Tap> constexpr int kFirSlack = kFirStep * kLanes<Tap>;
 constexpr Index firBuffered(Index limit)
 {
     return limit > kFirShortRun ? limit : kFirShortRun;
 }
+// How far the delay line moves on in its buffer before it is moved back. On mx its place is the sums' order.
+constexpr Index kFirSlide = kSlot == qvrSlot_mx ? 0 : 512;
 
 // The type forms. mixed: the samples are not of the taps' type.
 struct Fir32f {
@@ -141,7 +145,7 @@ template<class V> QVR_INLINE Vec<int16_t, lanes<V>> roundedTo16(V v)
 extern "C" {
 
 // y[i] = sum over k of t[k] x[i + k], for i below n. The order of each sum is the same wherever a run is cut, but on
-// mx. With slack x is readable, without a NaN of old, for kFirSlack elements more.
+// mx. With slack x is readable, without a NaN of old, as for kFirSlack outputs.
 QVR_HIDDEN void SLOT(ownFirOutputs_32f)(const float* x, float* y, int64_t n, const float* t, int64_t taps, bool slack);
 QVR_HIDDEN void SLOT(ownFirOutputs_64f)(const double* x, double* y, int64_t n, const double* t, int64_t taps,
                                         bool slack);

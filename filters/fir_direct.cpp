@@ -13,9 +13,6 @@
 
 namespace {
 
-// Output vectors to a step: with four taps and a sample vector they fill the sixteen registers.
-constexpr int kStep = 8;
-
 // acc[r] += products of the taps k + jW for k from `from` to `to` - 1, j below J.
 template<int W, int J, int R, class V>
 QVR_INLINE void addSets(V* acc, const Elem<V>* x, const Elem<V>* t, Index from, Index to)
@@ -70,7 +67,7 @@ template<int R, class T> QVR_INLINE void step(const T* x, T* y, const T* t, Inde
         store(y + r * W, acc[r]);
 }
 
-// Fewer outputs than a vector has lanes, by falling powers of two.
+// No more outputs than a vector has lanes, by falling powers of two.
 template<int N, class T> inline void fewOutputs(const T* x, T* y, Index n, const T* t, Index taps)
 {
     if constexpr (N >= 1) {
@@ -86,31 +83,50 @@ template<int N, class T> inline void fewOutputs(const T* x, T* y, Index n, const
     }
 }
 
-template<class T> inline void outputs(const T* x, T* y, Index n, const T* t, Index taps, bool slack)
+// Outputs that R vectors hold, and more than half of them do. A chain of sums takes as long in one vector as in eight,
+// so what is too few for a step takes one step with outputs beyond them, that are left, or two that overlap.
+template<int R, class T> inline void lastOutputs(const T* x, T* y, Index n, const T* t, Index taps, bool slack)
 {
     using V = Full<T>;
     constexpr int W = kLanes<T>;
-    Index i = 0;
-    const auto whole = [&](Index at) QVR_ALWAYS { step<kStep>(x + at, y + at, t, taps); };
-    eachBlock<kStep * W>(i, n, whole, y, x);
-    for (; i + kStep / 2 * W <= n; i += kStep / 2 * W)
-        step<kStep / 2>(x + i, y + i, t, taps);
-    for (; i + 2 * W <= n; i += 2 * W)
-        step<2>(x + i, y + i, t, taps);
-    for (; i + W <= n; i += W)
-        step<1>(x + i, y + i, t, taps);
-    if (i == n)
-        return;
-    if (i > 0) {
-        // The last vector of outputs, some of them a second time with the same result.
-        step<1>(x + n - W, y + n - W, t, taps);
+    if (R > 1 && n <= R / 2 * W) {
+        lastOutputs<(R > 1 ? R / 2 : 1)>(x, y, n, t, taps, slack);
     } else if (slack) {
-        V acc{};
-        sumTaps<W, 1>(&acc, x, t, taps);
-        storePartial(y, acc, static_cast<int>(n));
+        V acc[R] = {};
+        sumTaps<W, R>(acc, x, t, taps);
+        for (int r = 0; r < R; r++)
+            if (n >= (r + 1) * W)
+                store(y + r * W, acc[r]);
+            else if (n > r * W)
+                storePartial(y + r * W, acc[r], static_cast<int>(n - r * W));
+    } else if constexpr (R > 1) {
+        step<R / 2>(x, y, t, taps);
+        step<R / 2>(x + n - R / 2 * W, y + n - R / 2 * W, t, taps);
     } else {
-        fewOutputs<W / 2>(x, y, n, t, taps);
+        fewOutputs<W>(x, y, n, t, taps);
     }
+}
+
+// The last n of `all` outputs, as many as R vectors hold at most, and some before them again with the same result.
+template<int R, class T> inline void againOutputs(const T* x, T* y, Index all, Index n, const T* t, Index taps)
+{
+    constexpr int W = kLanes<T>;
+    if (R > 1 && n <= R / 2 * W)
+        againOutputs<(R > 1 ? R / 2 : 1)>(x, y, all, n, t, taps);
+    else
+        step<R>(x + all - R * W, y + all - R * W, t, taps);
+}
+
+template<class T> inline void outputs(const T* x, T* y, Index n, const T* t, Index taps, bool slack)
+{
+    constexpr Index B = kFirStep * kLanes<T>;
+    Index i = 0;
+    const auto whole = [&](Index at) QVR_ALWAYS { step<kFirStep>(x + at, y + at, t, taps); };
+    eachBlock<B>(i, n, whole, y, x);
+    if (i == 0)
+        lastOutputs<kFirStep>(x, y, n, t, taps, slack);
+    else if (i < n)
+        againOutputs<kFirStep>(x, y, n, n - i, t, taps);
 }
 
 // ---- mx -------------------------------------------------------------------------------------------------------------

@@ -55,9 +55,13 @@ inline void directRun(typename Form::State* state, const typename Form::Data* sr
         results = dst;
     if (c <= firBuffered(limit)) {
         widen(src, d + L, c);
-        zeroElements(d + L + c, kFirSlack);
+        zeroElements(d + L + c, kFirSlack<Tap> - c);
         firOutputs(d + 1, results, c, t, L, true);
-        moveElements(d + c, state->delayStore, L);
+        const Index next = d + c - state->delayStore;
+        if (next <= kFirSlide)
+            state->delayIndex = static_cast<int32_t>(next);
+        else
+            moveElements(d + c, state->delayStore, L);
         deliver(results, dst, c, scale);
         return;
     }

@@ -124,7 +124,7 @@ qvrStatus create(typename Form::State** statePtr, const typename Form::Tap* taps
     const Index N = planned ? Index{1} << order : 0;
     const TapCopies copies = tapCopies<Tap>(L);
     const Index limit = firDirectLimit<Tap>(L);
-    const Index used = L + firBuffered(limit) + kFirSlack, delay = 3 * L > used ? 3 * L : used;
+    const Index used = kFirSlide + L + firBuffered(limit) + kFirSlack<Tap>, delay = 3 * L > used ? 3 * L : used;
     constexpr Index scratchPerThread = sizeof(Tap) == 8 ? 2 : 4;
 
     State* state;

@@ -32,8 +32,8 @@ template<class Tap, class Data, class Plan> struct FirStateRecord {
     int32_t prologueOutputs; // outputs before a multi-rate run reads its windows from the source
     Plan* fftPlan;
     Tap* tapSpectrum;
-    int32_t fftLen; // -1 without a plan
-    int32_t delayIndex;
+    int32_t fftLen;     // -1 without a plan
+    int32_t delayIndex; // of the oldest sample in delayStore
     int32_t* phaseTable;
     Tap* laneTaps; // one rate: each tap repeated; multi-rate: polyphase taps
     int32_t phaseTapsLen;

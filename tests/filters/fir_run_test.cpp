@@ -91,6 +91,31 @@ TYPED_TEST(FirRun, DirectRunsExactly)
     });
 }
 
+// Runs of all lengths by one state, whose delay line moves through its buffer and back: the first outputs of long
+// runs are beside those of short ones.
+TYPED_TEST(FirRun, RunAfterRun)
+{
+    using Form = TypeParam;
+    using Data = typename Form::Data;
+    eachSlot<Form>([&](int slot) {
+        for (int L : {1, 3, 17, 40, 300}) {
+            const auto taps = exactTaps<Form>(L);
+            auto state = create<Form>(slot, taps);
+            Model<Form> model(taps);
+            for (int i = 0; i < 511; i++) {
+                const int n = 1 + i * 200 % 511; // each of 1 .. 511 once
+                const auto x = exactValues<Data>(n, i);
+                SCOPED_TRACE(testing::Message() << L << " taps, " << n << " samples, run " << i);
+                expectExact<Form>(runGuarded<Form>(slot, state.get(), x, i % 17, i % 5 == 0),
+                                  model.run(x.data(), x.size()), 0);
+                expectDelay<Form>(state.get(), model);
+                if (this->HasFatalFailure())
+                    return;
+            }
+        }
+    });
+}
+
 // Any alignment of long runs, on both paths.
 TYPED_TEST(FirRun, AnyAddress)
 {
