@@ -18,6 +18,7 @@ constexpr Index kMostCover = 127;    // a signed byte, and so is the sum of two
 constexpr Index kTogether = 4;       // rows that are summed at a time
 constexpr Index kRatioRows = 8;      // lines: those of an output row and what is summed ahead
 constexpr Index kRatioWindows = 160; // of a strip
+constexpr Index kQuarterBytes = 16 << 10;
 
 using Sums = Vec<uint16_t, kWords>;
 
@@ -215,6 +216,105 @@ template<int NC> bool averageRatios(const qvrResizeBand* b, const qvrSuperAxis* 
         }
     }
     return true;
+}
+
+// Even windows begin with the first pixel they need and odd ones end with the last: two of them read no pixel outside.
+struct Quarters {
+    struct Phase {
+        int32_t at[4]; // first pixels of the windows, from that of output 0 on
+        alignas(32) uint8_t bytes[64];
+        alignas(32) int8_t covers[64], thrice[64];
+    } phase[3];
+};
+template<int NC> constexpr Quarters makeQuarters()
+{
+    constexpr int outputs = 8 / NC, pixels = 16 / NC;
+    Quarters q{};
+    for (int p = 0; p < 3; p++)
+        for (int w = 0; w < 4; w++) {
+            const int x = p + outputs * w;
+            const int base = w % 2 == 0 ? 4 * x / 3 : (4 * (x + outputs) - 1) / 3 + 1 - pixels;
+            q.phase[p].at[w] = base;
+            for (int i = 0; i < 16; i++) {
+                const int unit = 4 * (x + i / (2 * NC)), byte = (unit / 3 - base + i % 2) * NC + i / 2 % NC;
+                const int cover = i % 2 == 0 ? 3 - unit % 3 : 1 + unit % 3;
+                q.phase[p].bytes[16 * w + i] = static_cast<uint8_t>(byte);
+                q.phase[p].covers[16 * w + i] = static_cast<int8_t>(cover);
+                q.phase[p].thrice[16 * w + i] = static_cast<int8_t>(3 * cover);
+            }
+        }
+    return q;
+}
+template<int NC> constexpr Quarters kQuarters = makeQuarters<NC>();
+
+// `Halves` halves of a block down `groups` groups of rows.
+template<int NC, int Halves>
+QVR_INLINE void quarterBlock(const Quarters::Phase& phase, const uint8_t* src, Index step, uint8_t* dst, Index down,
+                             Index groups)
+{
+    if constexpr (kSsse3) {
+        using Covers = Vec<int8_t, kHalveBytes>;
+        constexpr int perHalf = kHalveBytes / 16;
+        HalveBytes bytes[Halves];
+        Covers covers[Halves], thrice[Halves];
+        for (int k = 0; k < Halves; k++) {
+            bytes[k] = load<HalveBytes>(phase.bytes + k * kHalveBytes);
+            covers[k] = load<Covers>(phase.covers + k * kHalveBytes);
+            thrice[k] = load<Covers>(phase.thrice + k * kHalveBytes);
+        }
+        for (; groups > 0; groups--, src += 4 * step, dst += 3 * down) {
+            HalveWords out[3][Halves];
+            for (int k = 0; k < Halves; k++) {
+                const auto sums = [&](Index row, Covers by) {
+                    const auto window = [&](int w) {
+                        return load<Vec<uint8_t, 16>>(src + row * step + Index{phase.at[w]} * NC);
+                    };
+                    HalveBytes both;
+                    if constexpr (perHalf == 2)
+                        both = concat(window(2 * k), window(2 * k + 1));
+                    else
+                        both = window(k);
+                    return addBytePairs(shuffleBytes(both, bytes[k]), by);
+                };
+                const HalveWords one = sums(1, covers[k]), two = sums(2, covers[k]);
+                out[0][k] = shiftedRound<4>(sums(0, thrice[k]) + one);
+                out[1][k] = shiftedRound<3>(one + two);
+                out[2][k] = shiftedRound<4>(two + sums(3, thrice[k]));
+            }
+            if constexpr (Halves == 2) {
+                for (int r = 0; r < 3; r++)
+                    store(dst + r * down, packWords(out[r][0], out[r][1]));
+            } else {
+                const HalveBytes upper = packWords(out[0][0], out[1][0]);
+                store(dst, lo(upper));
+                store(dst + down, hi(upper));
+                store(dst + 2 * down, lo(packWords(out[2][0], out[2][0])));
+            }
+        }
+    }
+}
+
+// Groups of rows of a band from row `row` and source row `top` on; unit 4 d + at is the first of output d of a row, no
+// shorter than 16 bytes.
+template<int NC> void averageQuarters(const qvrResizeBand* b, Index at, Index row, Index top, Index groups)
+{
+    // Outputs are counted from one on that begins with a pixel.
+    const Index unit = 4 * b->x.first + at, from = unit % 3, left = (unit - 4 * from) / 3, n = b->x.count * NC;
+    const Index step = b->srcStep, down = b->dstStep, pass = 1 + kQuarterBytes / (4 * n);
+    for (Index g = 0; g < groups; g += pass) {
+        const uint8_t* const src = reinterpret_cast<const uint8_t*>(sourceRow(b, top + 4 * g)) + left * NC;
+        uint8_t* const dst = reinterpret_cast<uint8_t*>(outputRow(b, row + 3 * g, NC));
+        const auto block = [&]<int Halves>(Index i) {
+            const auto x = static_cast<uint64_t>(from + i / NC);
+            quarterBlock<NC, Halves>(kQuarters<NC>.phase[x % 3], src + static_cast<Index>(x / 3) * 4 * NC, step,
+                                     dst + i, down, groups - g < pass ? groups - g : pass);
+            return i + Halves * kWords;
+        };
+        for (Index i = 0; i < n;)
+            i = kAvx2 && (n - i <= kWords || n < 2 * kWords)
+                    ? block.template operator()<1>(i + kWords <= n ? i : n - kWords)
+                    : block.template operator()<2>(i + 2 * kWords <= n ? i : n - 2 * kWords);
+    }
 }
 
 } // namespace

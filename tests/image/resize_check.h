@@ -1,8 +1,8 @@
 // One resize call on images between unreadable pages, every byte of the destination compared with the model.
 #pragma once
 
-#include "model/resize.h"
 #include "image/slot_tables.h"
+#include "model/resize.h"
 #include "support/guarded.h"
 #include "support/slots.h"
 #include "support/values.h"
@@ -23,6 +23,7 @@ struct Placing {
     size_t bufferBack = 0;      // distance of the work buffer's end from the unreadable page
     size_t offset = 0;          // of the images from element alignment
     bool exact = false;         // all sums are exact: results must be, too
+    bool inFront = false;       // the images begin at an unreadable page, and do not end at one
 };
 
 inline std::string describe(const Job& j)
@@ -36,7 +37,7 @@ inline std::string describe(const Job& j)
         .GetString();
 }
 
-// An image in guarded memory whose last byte is the last one before the unreadable page.
+// An image in guarded memory whose last byte is the last one before the unreadable page, or first the first behind it.
 template<class T> struct Image {
     char* first; // pixel 0, 0
     int step;
@@ -58,7 +59,7 @@ template<class T> Image<T> makeImage(Guarded& memory, int width, int height, int
 {
     const int row = width * channels * int(sizeof(T)), step = row + gap * int(sizeof(T)) + int(p.offset);
     const size_t bytes = size_t(step) * size_t(height - 1) + size_t(row);
-    char* base = memory.atEnd<char>(bytes, p.offset);
+    char* base = p.inFront ? memory.atFront<char>(bytes, p.offset) : memory.atEnd<char>(bytes, p.offset);
     if (p.upsideDown)
         return {base + int64_t{height - 1} * step, -step, width, height, channels};
     return {base, step, width, height, channels};

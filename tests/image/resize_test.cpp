@@ -62,6 +62,27 @@ TEST(Resize, SmallRatios)
             }
 }
 
+// Ratios whose rows are made in groups: all widths round the vectors, every phase of the first and of the last row and
+// column, images that end and that begin at an unreadable page.
+TEST(Resize, GroupsOfRows)
+{
+    const auto check = [](int n, int rows, int x, int y, double f, int method) {
+        const int w = int(std::lround((n + x) / f)), h = int(std::lround((rows + y) / f));
+        const Job j = {{w, h}, {0, 0, w, h}, {x, y, n, rows}, f, f, 0, 0, method};
+        const Placing p = {.srcGap = n % 4, .dstGap = n % 3, .upsideDown = n % 5 == 0, .inFront = n % 2 == 0};
+        checkForm<uint8_t, 1>(j, p);
+        checkForm<uint8_t, 4>(j, p);
+    };
+    for (double f : {0.5, 0.75})
+        for (int method : {qvriInterNearest, qvriInterLinear, qvriInterSuper})
+            for (int n = 1; n <= 100 && !HasFailure(); n++) {
+                check(n, 3 + n % 5, n % 7, n % 6, f, method);
+                check(n, 6, 0, 0, f, method);
+            }
+    // More rows than are made in one pass.
+    check(1000, 31, 1, 2, 0.75, qvriInterSuper);
+}
+
 // From source pixel 2^20 on rounding takes the centres on a pixel's border to the next pixel.
 TEST(Resize, NearestFarToTheRight)
 {
