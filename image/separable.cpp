@@ -220,8 +220,9 @@ void makePlaces(const Job& j, Index from, qvrColumns& c)
     }
 }
 
-// The low pass at position d. Bytes times nothing are nothing: zeros at the ends are left out, one at the front, so
-// that first taps ascend, and one stands behind the list.
+// The low pass at position d. Bytes times nothing are nothing: zeros at the ends are left out, and one stands behind
+// the list. At the front just one where the support ends: another may have a weight in the next column, and first taps
+// ascend.
 qvrTaps makeList(const qvrFilter* f, Index d, bool wide, bool bytes, double* list, int32_t& steady)
 {
     qvrTaps taps;
@@ -235,7 +236,7 @@ qvrTaps makeList(const qvrFilter* f, Index d, bool wide, bool bytes, double* lis
     }
     if (!bytes)
         return taps;
-    if (taps.count > 1 && list[0] == 0) {
+    if (taps.count > 1 && list[0] == 0 && taps.centre - static_cast<double>(taps.first - taps.shift) > f->reach - 0.5) {
         taps.first++;
         taps.count--;
         for (Index t = 0; t < taps.count; t++)
@@ -346,6 +347,7 @@ void resizeColumns(Job& j, Index from, Index width)
     const Index rows = b->y.count;
     const auto nextWeights = [&](Index n, Index& first, Index& count, double* to) {
         const double* w = nextRow(lists, b->y.first, n, rows, first, count, to);
+        const Index begin = first;
         if (ofBytes(k)) {
             guardRow(j, r.c, first, count, w, r.rows);
             own.at = b->y.first + n;
@@ -355,15 +357,16 @@ void resizeColumns(Job& j, Index from, Index width)
         }
         for (Index t = 0; t < count; t++)
             to[t] = w[t];
+        return begin;
     };
     Index done = 0, slot = 0; // rows below are filtered, as far as they are needed; line of row `done`
     for (Index n = 0; n < rows; n++) {
         Index first, count;
-        nextWeights(n, first, count, r.rows.weight);
-        const Index low = clampIndex(first, j.y.length);
+        // The row where the list begins, which may lack a zero there that the next list has a weight for.
+        const Index low = clampIndex(nextWeights(n, first, count, r.rows.weight), j.y.length);
         Index high = clampIndex(first + count - 1, j.y.length), all = count;
         r.rows.count = count;
-        r.rows.apart = high - low == count - 1;
+        r.rows.apart = high - clampIndex(first, j.y.length) == count - 1;
         if (k->elementBytes == 1) {
             for (Index t = 0; t < least(count, kRun); t++)
                 r.rows.source[t] = b->src + clampIndex(first + t, j.y.length) * b->srcStep;

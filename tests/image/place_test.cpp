@@ -1,4 +1,6 @@
 // What an output is must not depend on where it is computed: tiles, strips, work buffers, levels. And extreme factors.
+#include <random>
+
 #include "image/resize_check.h"
 
 namespace {
@@ -83,6 +85,60 @@ TEST(ResizePlace, TilesAreTheWhole)
     checkTiles<uint8_t, 4>();
     checkTiles<float, 1>();
     checkTiles<double, 1>();
+}
+
+// Any region, shift and factor, and tiles of any size, which begin where rows and columns have taps of weight 0.
+template<class T, int NC> void checkAnyTiles(uint32_t seed)
+{
+    std::mt19937 random(seed);
+    const auto upTo = [&](int n) { return static_cast<int>(random() % uint32_t(n)); };
+    const double factors[] = {0.1, 0.2, 0.5, 0.625, 0.75, 1, 1.25, 4.0 / 3, 1.5, 2, 2.5, 3, 0.37, 1.7};
+    const int methods[] = {qvriInterNearest,
+                           qvriInterLinear,
+                           qvriInterCubic,
+                           qvriInterSuper,
+                           qvriInterLanczos,
+                           qvriInterLinear | int(qvriAntialias),
+                           qvriInterCubicCatmullRom | int(qvriAntialias),
+                           qvriInterLanczos | int(qvriAntialias)};
+    for (int turn = 0; turn < 250; turn++) {
+        const int method = methods[upTo(8)];
+        double fx = factors[upTo(14)], fy = factors[upTo(14)];
+        if (method == qvriInterSuper) {
+            fx = std::min(fx, 1 / fx);
+            fy = std::min(fy, 1 / fy);
+        }
+        const Source<T, NC> s = {1 + upTo(120), 1 + upTo(40)};
+        const double xShift = upTo(2) * (upTo(40) - 20) * 0.25, yShift = upTo(2) * (upTo(40) - 20) * 0.25;
+        const qvriRect from = {upTo(s.w), upTo(s.h), s.w, s.h};
+        const int dw = int(s.w * fx + std::abs(xShift)) + 2, dh = int(s.h * fy + std::abs(yShift)) + 2;
+        std::vector<int> xs = {0}, ys = {0};
+        while (xs.back() < dw)
+            xs.push_back(std::min(dw, xs.back() + 1 + upTo(70)));
+        while (ys.back() < dh)
+            ys.push_back(std::min(dh, ys.back() + 1 + upTo(15)));
+        slots::each(tableOf<T, NC>(), [&](auto resize, int) {
+            std::vector<T> whole(size_t(dw) * dh * NC, T(99)), tiles = whole;
+            resizeInto(resize, s, from, whole, dw, {0, 0, dw, dh}, fx, fy, xShift, yShift, method);
+            for (size_t i = 1; i < ys.size(); i++)
+                for (size_t k = 1; k < xs.size(); k++)
+                    resizeInto(resize, s, from, tiles, dw, {xs[k - 1], ys[i - 1], xs[k] - xs[k - 1], ys[i] - ys[i - 1]},
+                               fx, fy, xShift, yShift, method);
+            EXPECT_EQ(memcmp(whole.data(), tiles.data(), whole.size() * sizeof(T)), 0)
+                << "method " << std::hex << method << std::dec << " factors " << fx << " " << fy << " shifts " << xShift
+                << " " << yShift << " from " << s.w << "x" << s.h << " at " << from.x << " " << from.y;
+        });
+        if (testing::Test::HasFailure())
+            return;
+    }
+}
+
+TEST(ResizePlace, AnyTilesAreTheWhole)
+{
+    checkAnyTiles<uint8_t, 1>(1);
+    checkAnyTiles<uint8_t, 4>(2);
+    checkAnyTiles<float, 1>(3);
+    checkAnyTiles<double, 1>(4);
 }
 
 // A region of one source pixel, of which just one output has its centre inside: no list fits the work buffer.
