@@ -201,9 +201,109 @@ void filterGroup(const qvrColumns* c, const char* const* rows, char* const* line
         turnBack<NC, R>(sums, end - x, lines, count, x);
     }
 }
+// ---- Low pass: along a row, at a half -------------------------------------------------------------------------------
+
+// All columns have one list of up to 13 taps. Pixels of even and odd number from the first tap on are dealt to a stream
+// each, so part h of column i is the sum of element i + m of stream h times weight 2 m + h, and columns are the lanes.
+constexpr Index kStream = 1024, kHalfLanes = 4 * kLanes<double>;
+struct HalfList {
+    const double* weight;
+    Index from[2], end[2]; // m
+};
+
+// Columns from element 0 of the streams on; whether all are finite.
+QVR_APART bool addHalf(const HalfList& l, const double* streams, Index n, float* line)
+{
+    using V = Vec<double, kHalfLanes>;
+    using F = Vec<float, kHalfLanes>;
+    const double *const even = streams + l.from[0], *const odd = streams + kStream + l.from[1];
+    const double *const u = l.weight + 2 * l.from[0], *const v = l.weight + 2 * l.from[1] + 1;
+    Mask<F> most = {}; // of magnitudes, which are ordered as their bits
+    const auto sums = [=, &most](Index evens, Index odds) __attribute__((always_inline)) {
+        for (Index x = 0; x < n; x += kHalfLanes) {
+            const Index i = x < n - kHalfLanes ? x : n - kHalfLanes;
+            V part[2] = {};
+            for (Index m = 0; m < evens; m++)
+                part[0] = fma(load<V>(even + i + m), splat<V>(u[2 * m]), part[0]);
+            for (Index m = 0; m < odds; m++)
+                part[1] = fma(load<V>(odd + i + m), splat<V>(v[2 * m]), part[1]);
+            const F sum = convert<float>(part[0] + part[1]);
+            most = max(most, bitcast<Mask<F>>(abs(sum)));
+            store(line + i, sum);
+        }
+    };
+    const Index evens = l.end[0] - l.from[0], odds = l.end[1] - l.from[1];
+    if (evens == 1 && odds == 2) // linear
+        sums(1, 2);
+    else
+        sums(evens, odds);
+    return !anyTrue(most >= bitcast<Mask<F>>(splat<F>(__builtin_inff())));
+}
+
+void filterHalf(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
+{
+    using V = Vec<float, 4>;
+    alignas(64) double streams[2 * kStream];
+    int32_t edge[64], pixel[64];
+    const double* const w = static_cast<const double*>(c->weights);
+    const Index taps = c->count[0], reach = taps / 2, most = kStream - reach - kHalfLanes;
+    const HalfList all = {w, {0, 0}, {taps - reach, reach}};
+    // Zeros at the ends are left out, if no pixel but some at the ends of the row gets lost.
+    HalfList list = all;
+    for (Index h = 0; h < 2; h++) {
+        while (list.from[h] < list.end[h] && w[2 * list.from[h] + h] == 0)
+            list.from[h]++;
+        while (list.from[h] < list.end[h] && w[2 * list.end[h] - 2 + h] == 0)
+            list.end[h]--;
+    }
+    if (list.from[0] == list.end[0] || list.from[1] == list.end[1])
+        list = all;
+    *c->finite = 1;
+    for (Index done = 0, x, n; done < c->width; done = x + n) {
+        x = done < c->width - kHalfLanes ? done : c->width - kHalfLanes;
+        n = c->width - x < most ? c->width - x : most;
+        // Blocks of elements are inside the image; the others come one by one.
+        const Index from = c->first[x], begin = from < 0 ? (1 - from) / 2 : 0, inside = (c->length - from) / 2;
+        const Index end = begin + ((inside < n + reach ? inside : n + reach) - begin) / 4 * 4;
+        Index edges = 0;
+        for (Index i = begin > 0 ? 0 : end; i < n + reach; i = i + 1 == begin ? end : i + 1)
+            for (Index h = 0; h < 2; h++, edges++) {
+                edge[edges] = static_cast<int32_t>(h * kStream + i);
+                pixel[edges] = static_cast<int32_t>(clampIndex(from + 2 * i + h, c->length));
+            }
+        double* const s = streams + (-begin & 7);
+        for (Index r = 0; r < count; r++) {
+            const float *const row = reinterpret_cast<const float*>(rows[r]), *const at = row + from;
+#pragma clang loop unroll_count(4)
+            for (Index i = begin; i < end; i += 4) {
+                const V a = load<V>(at + 2 * i), b = load<V>(at + 2 * i + 4);
+                store(s + i, convert<double>(shuffleBlocks<0, 2, 4, 6>(a, b)));
+                store(s + kStream + i, convert<double>(shuffleBlocks<1, 3, 5, 7>(a, b)));
+            }
+            for (Index e = 0; e < edges; e++)
+                s[edge[e]] = load<Vec<float, 1>>(row + pixel[e])[0];
+            double none = 0; // of the pixels that have no weight in any column
+            for (Index h = 0; h < 2; h++) {
+                for (Index i = 0; i < list.from[h]; i++)
+                    none += s[h * kStream + i] * 0;
+                for (Index i = n - 1 + list.end[h]; i < n - 1 + all.end[h]; i++)
+                    none += s[h * kStream + i] * 0;
+            }
+            float* const line = reinterpret_cast<float*>(lines[r]) + x;
+            if (!addHalf(list, s, n, line) || !(none == 0)) {
+                addHalf(all, s, n, line);
+                *c->finite = 0;
+            }
+        }
+    }
+}
+
 template<class T, int NC>
 void filterLowPass(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
 {
+    if constexpr (sizeof(T) == 4)
+        if (c->lists == 1 && c->pixels == 2 && c->width >= 4 * kHalfLanes)
+            return filterHalf(c, rows, lines, count);
     constexpr Index kMany = kTogether<T, NC>, kFew = NC == 1 ? 4 : 1;
     if (count > kFew)
         filterGroup<T, NC, kMany>(c, rows, lines, count);

@@ -359,6 +359,9 @@ void resizeColumns(Job& j, Index from, Index width)
             to[t] = w[t];
         return begin;
     };
+    int32_t finite = 0;
+    r.c.finite = &finite;
+    Index tame = 0;           // lines of rows from here on are finite
     Index done = 0, slot = 0; // rows below are filtered, as far as they are needed; line of row `done`
     for (Index n = 0; n < rows; n++) {
         Index first, count;
@@ -399,12 +402,15 @@ void resizeColumns(Job& j, Index from, Index width)
                 rowsOf[i] = b->src + (done + i) * b->srcStep;
                 to[i] = lineAt(done + i);
             }
+            finite = 0;
             k->filter(&r.c, rowsOf, to, many);
             done += many;
+            tame = finite ? tame : done;
             slot = slot + many < j.held ? slot + many : slot + many - j.held;
         }
         for (Index t = 0; t < all; t++)
             r.rows.line[t] = lineAt(clampIndex(first + t, j.y.length));
+        r.rows.finite = low >= tame;
         k->blend(&r.c, &r.rows, dst);
     }
 }

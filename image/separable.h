@@ -19,6 +19,7 @@ typedef struct {
     int64_t from, to;       // what `prepare` makes of them: columns inside the image
     void* extra;            // and more
     void* weights;          // plain, one channel: by tap, then by column; else list by list
+    int32_t* finite;        // set by a kernel that knows its lines to be finite
     double magnitude;       // the largest sum of magnitudes of a list
     // Bytes: the lists of the columns' own places, which differ in the last bits from those that repeat; made by
     // qvrMakeOwnList when they are asked for. A count of 0: not yet.
@@ -43,8 +44,9 @@ typedef struct {
     const char** source; // of up to 512
     double* weight;
     float* single;
-    int32_t apart; // the taps are different rows
-    float guard;   // how far a sum of singles may be from the prescribed one
+    int32_t finite; // a line times nothing is nothing
+    int32_t apart;  // the taps are different rows
+    float guard;    // how far a sum of singles may be from the prescribed one
     qvrOwnRow* own;
     // Floats: the next output row, if it is formed with this one; its taps begin at line `lag`.
     char* next;

@@ -65,15 +65,14 @@ QVR_APART void addStreams(const S* const* s, Index offset, const Index (&from)[R
             else
                 store(to + i, convert<O>(sum));
         };
-        Index k = first;
-        for (const Index alone = R == 2 ? second : firstEnd; k < alone; k++)
+        for (Index k = first; k < firstEnd && (R == 1 || k < second); k++)
             add(at(k), w0[k], sum0);
-        for (; R == 2 && k < firstEnd; k++) {
+        for (Index k = second; R == 2 && k < firstEnd; k++) {
             const auto x = at(k);
             add(x, w0[k], sum0);
             add(x, w1[k], sum1);
         }
-        for (; R == 2 && k < secondEnd; k++)
+        for (Index k = second > firstEnd ? second : firstEnd; R == 2 && k < secondEnd; k++)
             add(at(k), w1[k], sum1);
         put(out0, sum0);
         if (R == 2)
@@ -91,11 +90,18 @@ template<class A, bool Products, class O> void addRows(const qvrColumns* c, cons
     const Line<O>* const* const line = reinterpret_cast<const Line<O>* const*>(rows->line);
     O* const out = reinterpret_cast<O*>(to);
     const Index n = c->width * c->channels;
+    Index from[2] = {0, rows->lag}, end[2] = {rows->count, rows->lag + rows->nextCount};
+    const double* weight[2] = {rows->weight, rows->nextWeight};
+    for (int r = 0; r < 2 && rows->finite; r++) {
+        for (; end[r] - from[r] > 1 && *weight[r] == 0; weight[r]++)
+            from[r]++;
+        while (end[r] - from[r] > 1 && weight[r][end[r] - from[r] - 1] == 0)
+            end[r]--;
+    }
     if (rows->next == nullptr)
-        addStreams<A, Products>(line, 0, rows->weight, rows->count, out, n);
+        addStreams<A, Products, 1>(line, 0, {from[0]}, {end[0]}, {weight[0]}, {out}, n);
     else
-        addStreams<A, Products, 2>(line, 0, {0, rows->lag}, {rows->count, rows->lag + rows->nextCount},
-                                   {rows->weight, rows->nextWeight}, {out, reinterpret_cast<O*>(rows->next)}, n);
+        addStreams<A, Products, 2>(line, 0, from, end, weight, {out, reinterpret_cast<O*>(rows->next)}, n);
 }
 
 // ---- Pixels ---------------------------------------------------------------------------------------------------------

@@ -141,6 +141,44 @@ TEST(ResizePlace, AnyTilesAreTheWhole)
     checkAnyTiles<double, 1>(4);
 }
 
+// Long rows at a half take a way of their own, narrow pieces do not. Zeros at the ends of lists are left out there,
+// unless pixels times nothing are no numbers, or lines are that overflow.
+TEST(ResizePlace, LongRowsOfHalvesAreTheirPieces)
+{
+    for (int width : {154, 155, 515, 2034})
+        for (bool wild : {false, true}) {
+            Source<float, 1> s = {width, 80};
+            const float values[] = {INFINITY, -INFINITY, NAN, 3.3e38f, -3.3e38f};
+            const int rows[] = {0, 15, 31, 46, 79}; // the last of those that are filtered together, too
+            for (int i = 0; i < 5 && wild; i++)
+                for (int x : {i, 7 + i % 3, width / (i + 2), width - 13 + i % 3, width - 1 - i})
+                    s.values[size_t(s.elementAt(x, rows[i]))] = values[i];
+            for (int method : {qvriInterLinear, qvriInterCubicCatmullRom, qvriInterCubicBSpline, qvriInterLanczos})
+                for (double shift : {0.0, 0.25, -3.0})
+                    for (double fy : {0.5, 0.37}) {
+                        const qvriRect all = {0, 0, s.w, s.h};
+                        const int dw = s.w / 2, dh = int(s.h * fy), selector = method | int(qvriAntialias);
+                        slots::each(tableOf<float, 1>(), [&](auto resize, int) {
+                            std::vector<float> whole(size_t(dw) * dh), pieces(whole.size());
+                            resizeInto(resize, s, all, whole, dw, {0, 0, dw, dh}, 0.5, fy, shift, 0, selector);
+                            for (int x = 0; x < dw; x += 13)
+                                resizeInto(resize, s, all, pieces, dw, {x, 0, std::min(13, dw - x), dh}, 0.5, fy, shift,
+                                           0, selector);
+                            std::vector<float> inner = pieces;
+                            resizeInto(resize, s, all, inner, dw, {5, 0, dw - 12, dh}, 0.5, fy, shift, 0, selector);
+                            const auto same = [](float a, float b) {
+                                return std::isnan(a) ? std::isnan(b) : memcmp(&a, &b, sizeof a) == 0;
+                            };
+                            int wrong = 0;
+                            for (size_t i = 0; i < whole.size(); i++)
+                                wrong += !same(whole[i], pieces[i]) || !same(inner[i], pieces[i]);
+                            EXPECT_EQ(wrong, 0) << width << " pixels, method " << std::hex << method << " shift "
+                                                << shift << " down " << fy << " wild " << wild;
+                        });
+                    }
+        }
+}
+
 // A region of one source pixel, of which just one output has its centre inside: no list fits the work buffer.
 TEST(ResizePlace, LeastWorkBuffers)
 {

@@ -43,6 +43,17 @@ TEST(Resize, WideRows)
             }
 }
 
+// At a half, long rows of singles take a way of their own.
+TEST(Resize, WideRowsOfHalves)
+{
+    for (int method : kMethods)
+        for (int width : {130, 131, 531, 2310}) {
+            checkAllForms(wholeImage(width, 7, 0.5, 0.5, method | int(qvriAntialias)));
+            if (HasFailure())
+                return;
+        }
+}
+
 // Ratios whose columns repeat after a few, at whole and broken shifts and from any column on.
 TEST(Resize, SmallRatios)
 {
@@ -276,36 +287,38 @@ TEST(Resize, WhatIsNoNumberReachesAllItsOutputs)
     struct Place {
         int x, y;
     };
-    constexpr int kWidth = 70, kHeight = 40;
-    const qvriRect from = {0, 0, kWidth, kHeight}, to = {0, 0, kWidth / 2, kHeight / 2};
+    constexpr int kHeight = 40;
     const auto reaches = [](int pixel, int length, int output, int radius) {
         const int low = 2 * output + 1 - 2 * radius, high = 2 * output + 1 + 2 * radius;
         return std::clamp(low, 0, length - 1) <= pixel && pixel <= std::clamp(high, 0, length - 1);
     };
-    const auto run = [&]<class T>(auto resize, T) {
+    const auto run = [&]<class T>(auto resize, T, int width) {
+        const qvriRect from = {0, 0, width, kHeight}, to = {0, 0, width / 2, kHeight / 2};
         for (int radius = 1; radius <= 3; radius++)
             for (T wild : {T(NAN), T(INFINITY)})
-                for (Place p : {Place{0, 0}, {kWidth - 1, kHeight - 1}, {1, 2}, {34, 20}, {35, 21}, {68, 5}}) {
+                for (Place p : {Place{0, 0}, {width - 1, kHeight - 1}, {1, 2}, {34, 20}, {35, 21}, {width - 2, 5}}) {
                     const int method = radius == 1 ? qvriInterLinear : radius == 2 ? qvriInterCubic : qvriInterLanczos;
-                    std::vector<T> src(size_t(kWidth * kHeight), T(1)), dst(src.size() / 4);
-                    src[size_t(p.y * kWidth + p.x)] = wild;
+                    std::vector<T> src(size_t(width * kHeight), T(1)), dst(src.size() / 4);
+                    src[size_t(p.y * width + p.x)] = wild;
                     int bytes = 0;
                     resize_check::bufferSize<T>(from, to, 1, method | qvriAntialias, &bytes);
                     std::vector<uint8_t> buffer(static_cast<size_t>(bytes));
-                    ASSERT_EQ(resize(src.data(), {kWidth, kHeight}, kWidth * int(sizeof(T)), from, dst.data(),
+                    ASSERT_EQ(resize(src.data(), {width, kHeight}, width * int(sizeof(T)), from, dst.data(),
                                      to.width * int(sizeof(T)), to, 0.5, 0.5, 0, 0, method | qvriAntialias,
                                      buffer.data()),
                               qvrOk);
                     for (int y = 0; y < to.height; y++)
                         for (int x = 0; x < to.width; x++)
                             ASSERT_EQ(!std::isfinite(dst[size_t(y * to.width + x)]),
-                                      reaches(p.x, kWidth, x, radius) && reaches(p.y, kHeight, y, radius))
+                                      reaches(p.x, width, x, radius) && reaches(p.y, kHeight, y, radius))
                                 << wild << " at " << p.x << "," << p.y << ", radius " << radius << ": " << x << ","
                                 << y;
                 }
     };
-    slots::each(qvrTable_qvriResizeSqrPixel_32f_C1R, [&](auto resize, int) { run(resize, float{}); });
-    slots::each(qvrTable_qvriResizeSqrPixel_64f_C1R, [&](auto resize, int) { run(resize, double{}); });
+    for (int width : {70, 530}) {
+        slots::each(qvrTable_qvriResizeSqrPixel_32f_C1R, [&](auto resize, int) { run(resize, float{}, width); });
+        slots::each(qvrTable_qvriResizeSqrPixel_64f_C1R, [&](auto resize, int) { run(resize, double{}, width); });
+    }
 }
 
 // Nothing is computed from what the work buffer held before.
