@@ -551,9 +551,9 @@ constexpr qvrRowKernels kLowPassOf = {
 constexpr qvrRowKernels kLowPass[] = {kLowPassOf<uint8_t, 1>, kLowPassOf<uint8_t, 4>, kLowPassOf<float, 1>,
                                       kLowPassOf<double, 1>};
 constexpr qvrRowKernels kWords[] = {
-    {1, 1, 4, qvrWeights_double, 0, kFma, 1, kRowsOfWords, wordsBytes, makeWords<1>, filterWords<1>, blendWords,
+    {1, 1, 4, qvrWeights_double, 0, kFma, 1, kRowsOfWords, wordsBytes, makeWords<1>, filterWords<1>, blendWords<1>,
      nullptr, &kLowPass[qvrPixel_8u_C1]},
-    {1, 4, 4, qvrWeights_double, 0, kFma, 1, kRowsOfWords, wordsBytes, makeWords<4>, filterWords<4>, blendWords,
+    {1, 4, 4, qvrWeights_double, 0, kFma, 1, kRowsOfWords, wordsBytes, makeWords<4>, filterWords<4>, blendWords<4>,
      nullptr, &kLowPass[qvrPixel_8u_C4]},
 };
 

@@ -174,7 +174,7 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     if (k->weights == qvrWeights_plain && c.most == 2)
         c.stride = 1;
     else
-        c.stride = c.most + ofBytes(k); // a zero behind the list
+        c.stride = c.most + 2 * ofBytes(k); // a zero and an error behind the list
     c.first = space.take<int32_t>(width);
     if (k->weights == qvrWeights_double)
         c.count = space.take<int32_t>(c.lists);
@@ -186,6 +186,9 @@ void layOut(const Job& j, Index width, Space& space, Range& r)
     }
     c.extra = space.take<char>(k->extraBytes != nullptr ? k->extraBytes(&c) : 0);
     r.lineBytes = qvrAlignUp(width * k->channels * k->lineBytes, Index{64});
+    c.marks = r.lineBytes;
+    if (ofBytes(k))
+        r.lineBytes += qvrAlignUp(width * k->channels, Index{512}) / 8;
     r.lines = space.take<char>(j.held * r.lineBytes);
     if (j.y.most > kRun) {
         r.rows.line = space.take<const char*>(j.y.most);
@@ -220,19 +223,23 @@ void makePlaces(const Job& j, Index from, qvrColumns& c)
     }
 }
 
-// The low pass at position d. Bytes times nothing are nothing: zeros at the ends are left out, and one stands behind
-// the list. At the front just one where the support ends: another may have a weight in the next column, and first taps
-// ascend.
-qvrTaps makeList(const qvrFilter* f, Index d, bool wide, bool bytes, double* list, int32_t& steady)
+// The low pass at position d. Bytes times nothing are nothing: zeros at the ends are left out, and the list is filled
+// with them. At the front just one where the support ends: another may have a weight in the next column, and first taps
+// ascend. The error is how far sums of bytes may be from those with the weights of the place itself: these are other
+// singles or taps beyond the ends.
+qvrTaps makeList(const qvrFilter* f, Index d, bool wide, bool bytes, double* list, double& error)
 {
     qvrTaps taps;
     qvrTapsOf(f, d, &taps);
     for (Index t = 0; t < taps.count; t += kRun)
         qvrWeightsOf(f, &taps, t, least(taps.count - t, kRun), list + t);
+    const auto single = [](double v) { return static_cast<double>(static_cast<float>(v)); };
+    const auto isWhole = [&](double v) { return magnitudeOf(v - __builtin_rint(v)) <= f->doubt; };
+    const bool mayGrow = isWhole(taps.centre - f->reach) || isWhole(taps.centre + f->reach);
+    error = mayGrow ? 255 * 3 * f->doubt : 0;
     for (Index t = 0; t < taps.count && !wide; t++) {
-        steady &= magnitudeOf(list[t]) <= f->doubt ||
-                  static_cast<float>(list[t] - f->doubt) == static_cast<float>(list[t] + f->doubt);
-        list[t] = static_cast<double>(static_cast<float>(list[t]));
+        error += 255 * (single(list[t] + f->doubt) - single(list[t] - f->doubt));
+        list[t] = single(list[t]);
     }
     if (!bytes)
         return taps;
@@ -244,17 +251,16 @@ qvrTaps makeList(const qvrFilter* f, Index d, bool wide, bool bytes, double* lis
     }
     while (taps.count > 1 && list[taps.count - 1] == 0)
         taps.count--;
-    list[taps.count] = 0;
+    for (Index t = taps.count; t <= f->most; t++)
+        list[t] = 0;
     return taps;
 }
-
 void makeColumns(Job& j, Index from, qvrColumns& c)
 {
-    c.magnitude = 0;
+    c.magnitude = c.error = 0;
     if (!j.x.lowPass)
         return makePlaces(j, from, c);
     j.exact = true;
-    c.steady = 1;
     Index most = 0; // taps that are left
     for (Index x = 0; x < c.width; x++) {
         if (x >= c.lists) {
@@ -262,7 +268,11 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
             continue;
         }
         double* const list = static_cast<double*>(c.weights) + x * c.stride;
-        const qvrTaps taps = makeList(&j.x, from + x, j.k->wide, ofBytes(j.k), list, c.steady);
+        double error;
+        const qvrTaps taps = makeList(&j.x, from + x, j.k->wide, ofBytes(j.k), list, error);
+        if (ofBytes(j.k))
+            list[c.stride - 1] = error;
+        c.error = error > c.error ? error : c.error;
         double magnitude = 0;
         for (Index t = 0; t < taps.count; t++)
             magnitude += magnitudeOf(list[t]);
@@ -285,20 +295,25 @@ char* outputAt(const Job& j, Index n, Index x)
     return b->dst + (b->y.first + n) * b->dstStep + (b->x.first + x) * j.k->channels * j.k->elementBytes;
 }
 
-// Bytes times nothing are nothing; and how far sums of singles may be from the prescribed ones: by the roundings of
-// weights, products and sums on both ways, and the 1e-7 of the step to a byte.
+// Bytes times nothing are nothing; and how far sums of singles may be from the prescribed ones. Lines are within
+// 255 (1 + magnitude) / 2 of 0, so a rounding is 2^-24 of that times the magnitude of the weights that it concerns: of
+// lines one, and one of this side, five where those of lanes are added, and 2^-6 a tap for what words lack; of weights
+// and products one; of the sums up to each tap two. Then other weights of the columns, and the 1e-7 of the step to a
+// byte.
 void guardRow(const Job& j, const qvrColumns& c, Index& first, Index& count, const double*& w, qvrRowTaps& rows)
 {
     for (; count > 1 && *w == 0; w++, first++)
         count--;
     while (count > 1 && w[count - 1] == 0)
         count--;
-    double magnitude = 0;
-    for (Index t = 0; t < count; t++)
+    double magnitude = 0, sums = 0;
+    for (Index t = 0; t < count; t++) {
         magnitude += magnitudeOf(w[t]);
-    const double roundings = (static_cast<double>(2 * count + 12) + static_cast<double>(c.most) / 64) * 0x1.1p-24;
-    rows.guard =
-        j.exact && areShort(w, count) ? 0 : static_cast<float>(roundings * magnitude * c.magnitude * 255 + 2e-7);
+        sums += magnitude;
+    }
+    const double roundings = 2 * sums + (8 + static_cast<double>(c.most) / 64) * magnitude;
+    const double most = roundings * 0x1.1p-24 * 255 * (1 + c.magnitude) / 2 + magnitude * c.error + 2e-7;
+    rows.guard = j.exact && areShort(w, count) ? 0 : static_cast<float>(most);
 }
 
 // The row behind the last one that the band needs.
@@ -335,7 +350,7 @@ void resizeColumns(Job& j, Index from, Index width)
     r.rows.single = singles;
     qvrOwnRow own;
     own.filter = &j.ownY;
-    own.differs = j.x.doubt > 0 || j.y.doubt > 0;
+    own.differs = j.y.doubt > 0;
     r.rows.own = &own;
     layOut(j, width, space, r);
     makeColumns(j, b->x.first + from, r.c);
@@ -504,8 +519,8 @@ extern "C" {
 
 void qvrMakeOwnList(const qvrColumns* c, int64_t x)
 {
-    int32_t steady;
-    const qvrTaps taps = makeList(c->filter, c->at + x, false, true, c->own + x * c->stride, steady);
+    double error;
+    const qvrTaps taps = makeList(c->filter, c->at + x, false, true, c->own + x * c->stride, error);
     c->ownFirst[x] = static_cast<int32_t>(taps.first);
     c->ownCount[x] = static_cast<int32_t>(taps.count);
 }

@@ -21,20 +21,21 @@ typedef struct {
     void* weights;          // plain, one channel: by tap, then by column; else list by list
     int32_t* finite;        // set by a kernel that knows its lines to be finite
     double magnitude;       // the largest sum of magnitudes of a list
-    // Bytes: the lists of the columns' own places, which differ in the last bits from those that repeat; made by
-    // qvrMakeOwnList when they are asked for. A count of 0: not yet.
+    double error;           // the largest of what is behind lists of bytes
+    // Bytes. Behind a list, a zero and how far sums of bytes with the weights of a column's own place may be from those
+    // with the list, which repeats; the former made by qvrMakeOwnList when they are asked for. A count of 0: not yet.
     int32_t *ownFirst, *ownCount;
     double* own;             // null: there is no difference
-    int32_t steady;          // singles are the same, but for weights that are nothing in one of them
     const qvrFilter* filter; // of places themselves
     int64_t at;              // the place of column 0
+    int64_t marks;           // bytes of a line before the kernels' marks, one for every eight elements
 } qvrColumns;
 
 // The weights of an output row's own place, made when they are asked for.
 typedef struct {
     const qvrFilter* filter;
     int64_t at, first, count; // the place; of the row's taps
-    int32_t made, differs;    // already; from those that repeat, on one of the axes
+    int32_t made, differs;    // already; from those that repeat
     double weight[512];
 } qvrOwnRow;
 

@@ -1,13 +1,20 @@
 // The low pass of bytes: along a row by products of 16-bit words, down the columns by singles.
 //
 // A weight is hi 2^-14 + lo 2^-29, so a column has two whole sums, which are joined to a single. From 1/64 on weights
-// are multiples of 2^-29, smaller ones are off by 2^-30 at most. A sum too near to a step between two bytes is formed
-// anew as prescribed, so the bytes are the prescribed ones on every level.
+// are multiples of 2^-29, smaller ones are off by 2^-30 at most. Where a sum down the columns is too near to a step
+// between two bytes, it and its neighbours are formed anew as prescribed, so the bytes are the prescribed ones on every
+// level.
+//
+// The prescribed sum along a row is the exact one, rounded once, as long as products are multiples of 2^-44 and sums
+// below 2^9: then they have 53 bits, in whatever order. Third words of weights, tiny 2^-44, give that sum; what else
+// weights hold bounds its error, and sums that the error may round otherwise are formed tap by tap. Where third words
+// are nothing and the sums of lo are singles, the two whole sums give the prescribed one at once.
 //
 // Tables are groups of columns in steps of 16 products each. Two windows of 16 bytes hold the pixels of half of a group
-// each; a stored shuffle brings those of a step to their place, two taps of a column and channel into 32 bits, and both
-// windows move on by the taps of a step. One channel has eight columns in a group, below a quarter four with twice the
-// taps in a step, below a tenth two; sums of a column in several lanes are added at the end. Four channels have two.
+// each, or one all of them; a stored shuffle brings those of a step to their place, two taps of a column and channel
+// into 32 bits, and windows move on by the taps of a step. One channel has eight columns in a group, below a quarter
+// four with twice the taps in a step, below a tenth two; sums of a column in several lanes are added at the end. Four
+// channels have two.
 #ifndef QVR_IMAGE_WORDS_H
 #define QVR_IMAGE_WORDS_H
 
@@ -15,19 +22,21 @@
 
 namespace {
 
-constexpr Index kSums = 512; // of an output row at a time
-constexpr Index kMostTaps = 512;
+constexpr Index kSums = 1024;   // of an output row at a time
 constexpr int kRowsOfWords = 4; // that are filtered together
 
 using Words = Vec<int16_t, 16>;
 using WordSums = Vec<int32_t, 8>;
 struct WordStep {
-    alignas(32) int16_t hi[16], lo[16];
+    alignas(32) int16_t word[3][16]; // hi, lo, tiny
 };
+enum class Windows { two, one, ordered }; // ordered: one, whose pixels need no shuffle
 struct alignas(64) WordTable {
     Index columns, taps; // of a group; of a column in a step
-    Index groups, steps; // steps of a group, behind one that holds its shuffle
-    bool low, halves;    // some lo is not zero; pixels of a step are all in order
+    Index groups, steps; // steps of a group, behind one that holds its shuffle and the errors of its columns' sums
+    Windows windows;
+    bool low;            // some lo is not zero
+    bool exact, certain; // sums of two words, rounded once, are the prescribed ones within the errors; there are none
 };
 WordTable tableOf(const qvrColumns* c)
 {
@@ -40,8 +49,10 @@ WordTable tableOf(const qvrColumns* c)
             taps,
             groups < all && c->lists < c->width ? groups : all,
             (c->most + taps - 1) / taps,
+            Windows::two,
             false,
-            columns == 8 && c->lists == 1 && c->pixels == 2};
+            true,
+            true};
 }
 Index wordsBytes(const qvrColumns* c)
 {
@@ -53,36 +64,57 @@ template<int NC> void makeWords(qvrColumns* c)
 {
     WordTable& table = *static_cast<WordTable*>(c->extra);
     table = tableOf(c);
+    const Index columns = table.columns, lanes = 16 / columns;
     // Whole groups, whose last columns nobody takes.
     for (Index x = c->width; x < qvrAlignUp(c->width, Index{8}); x++)
         c->first[x] = c->first[x - 1];
+    Index widest = 0;
+    for (Index g = 0; g < table.groups; g++) {
+        const Index pixels = c->first[g * columns + columns - 1] - c->first[g * columns] + table.taps;
+        widest = pixels > widest ? pixels : widest;
+    }
+    if (widest * NC <= 16)
+        table.windows = columns == 8 && c->lists == 1 && c->pixels == 2 ? Windows::ordered : Windows::one;
     WordStep* step = reinterpret_cast<WordStep*>(&table + 1);
     for (Index g = 0; g < table.groups; g++) {
-        const Index columns = table.columns, lanes = 16 / columns;
         const int32_t* const first = c->first + g * columns;
-        uint8_t* const shuffle = reinterpret_cast<uint8_t*>(step++);
+        uint8_t* const shuffle = reinterpret_cast<uint8_t*>(step->word[0]);
+        float* const error = reinterpret_cast<float*>(step->word[1]);
         for (Index i = 0; i < 16; i++) {
             const Index column = i / lanes, tap = i % table.taps, channel = i % lanes / table.taps;
-            const Index pixel = first[column] - first[i / 8 * (columns / 2)] + tap;
-            shuffle[2 * i] = static_cast<uint8_t>(pixel * NC + channel);
+            const Index base = table.windows == Windows::two ? i / 8 * (columns / 2) : 0;
+            shuffle[2 * i] = static_cast<uint8_t>((first[column] - first[base] + tap) * NC + channel);
             shuffle[2 * i + 1] = 128;
         }
+        step++;
         __builtin_memset(step, 0, static_cast<size_t>(table.steps) * sizeof(WordStep));
         for (Index i = 0; i < columns; i++) {
-            const Index x = g * columns + i, list = c->lists < c->width ? x % c->lists : x;
-            for (Index t = 0; list < c->lists && t < c->count[list]; t++) {
-                const float w =
-                    static_cast<float>(static_cast<const double*>(c->weights)[list * c->stride + t]) * 0x1p14f;
-                const auto nearest = [](float v) { return static_cast<int16_t>(v + (v < 0 ? -0.5f : 0.5f)); };
-                const int16_t hi = nearest(w);
-                const int16_t lo = nearest((w - static_cast<float>(hi)) * 0x1p15f);
-                table.low |= lo != 0;
-                for (Index k = 0; k < NC; k++) {
-                    const Index at = i * lanes + k * table.taps + t % table.taps;
-                    step[t / table.taps].hi[at] = hi;
-                    step[t / table.taps].lo[at] = lo;
+            const Index x = g * columns + i, index = c->lists < c->width ? x % c->lists : x;
+            if (index >= c->lists)
+                continue;
+            const double* const list = static_cast<const double*>(c->weights) + index * c->stride;
+            float of[3] = {}, rest = 0; // sums of magnitudes
+            for (Index t = 0; t < c->count[index]; t++) {
+                float w = static_cast<float>(list[t]) * 0x1p14f;
+                for (int n = 0; n < 3; n++, w *= 0x1p15f) {
+                    const int16_t v = static_cast<int16_t>(w + (w < 0 ? -0.5f : 0.5f));
+                    for (Index k = 0; k < NC; k++)
+                        step[t / table.taps].word[n][i * lanes + k * table.taps + t % table.taps] = v;
+                    w -= v;
+                    of[n] += __builtin_fabsf(static_cast<float>(v));
                 }
+                rest += __builtin_fabsf(w);
             }
+            float most = static_cast<float>(list[c->stride - 1]) + rest * 0x1p-51f;
+            if (most > 0)
+                most += static_cast<float>(c->count[index]) * 0x1p-40f;
+            if (of[0] >= 0x1p15f)
+                most = 512;
+            for (Index k = 0; k < NC; k++)
+                error[i * NC + k] = most;
+            table.low |= of[1] > 0;
+            table.exact &= of[2] == 0 && of[1] * 255 <= 0x1p24f && columns * NC == 8;
+            table.certain &= most == 0;
         }
         step += table.steps;
     }
@@ -110,43 +142,57 @@ template<int NC> QVR_INLINE Words pixelsAt(const uint8_t* p, const int32_t* firs
                           : pixelsAt<uint64_t>(p, first);
 }
 
-// Columns from .. to - 1 of R rows; lines have room for whole groups.
-template<int NC, int R, bool Low, bool Halves>
-QVR_APART void filterGroups(const qvrColumns* c, const uint8_t* const* row, Index from, Index to, float* const* line)
+// The whole sums of the first N words of a group's weights, from column x on, for R rows.
+template<int NC, int R, int N, Windows W>
+QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const WordStep* step, Index x,
+                         const uint8_t* const* row, WordSums (&sum)[N][R])
 {
     using Window = Vec<uint8_t, 16>;
+    const Index steps = table.steps, columns = table.columns, move = table.taps * NC, low = Index{c->first[x]} * NC;
+    const Index high = table.windows == Windows::two ? Index{c->first[x + columns / 2]} * NC : low;
+    const auto shuffle = load<Vec<uint8_t, 32>>((step++)->word[0]);
+    for (Index k = 0; k < steps; k++, step++) {
+        Words w[N];
+        for (int n = 0; n < N; n++)
+            w[n] = load<Words>(step->word[n]);
+        for (int r = 0; r < R; r++) {
+            const uint8_t* const p = row[r] + move * k;
+            Words pixels;
+            if constexpr (W == Windows::ordered) {
+                pixels = convert<int16_t>(load<Window>(p + low));
+            } else if constexpr (kSsse3) {
+                const auto window = load<Window>(p + low), other = W == Windows::one ? window : load<Window>(p + high);
+                pixels = bitcast<Words>(shuffleBytes(concat(window, other), shuffle));
+            } else {
+                pixels = pixelsAt<NC>(p, c->first + x, columns);
+            }
+            for (int n = 0; n < N; n++)
+                sum[n][r] += addProductPairs(pixels, w[n]);
+        }
+    }
+}
+QVR_INLINE const WordStep* groupOf(const WordTable& table, Index group)
+{
+    return reinterpret_cast<const WordStep*>(&table + 1) + group * (1 + table.steps);
+}
+
+// Columns from .. to - 1 of R rows; lines have room for whole groups.
+template<int NC, int R, int N, Windows W>
+QVR_APART void filterGroups(const qvrColumns* c, const uint8_t* const* row, Index from, Index to, float* const* line)
+{
     using V = Vec<float, 8>;
     const WordTable& table = *static_cast<const WordTable*>(c->extra);
-    const WordStep* const all = reinterpret_cast<const WordStep*>(&table + 1);
-    const Index columns = table.columns, steps = table.steps, move = table.taps * NC;
+    const Index columns = table.columns;
     Index group = from == 0 ? 0 : from / columns % table.groups;
     for (Index x = from; x < to; x += columns) {
-        const WordStep* step = all + group * (1 + steps);
+        WordSums whole[N][R] = {};
+        const WordStep* const step = groupOf(table, group);
+        addSteps<NC, R, N, W>(c, table, step, x, row, whole);
         group = group + 1 < table.groups ? group + 1 : 0;
-        const auto shuffle = load<Vec<uint8_t, 32>>(step++);
-        const Index low = Index{c->first[x]} * NC, high = Index{c->first[x + columns / 2]} * NC;
-        WordSums hi[R] = {}, lo[R] = {};
-        for (Index k = 0; k < steps; k++, step++) {
-            const Words h = load<Words>(step->hi), l = load<Words>(step->lo);
-            for (int r = 0; r < R; r++) {
-                const uint8_t* const p = row[r] + move * k;
-                Words pixels;
-                if constexpr (Halves)
-                    pixels = convert<int16_t>(load<Window>(p + low));
-                else if constexpr (kSsse3)
-                    pixels =
-                        bitcast<Words>(shuffleBytes(concat(load<Window>(p + low), load<Window>(p + high)), shuffle));
-                else
-                    pixels = pixelsAt<NC>(p, c->first + x, columns);
-                hi[r] += addProductPairs(pixels, h);
-                if constexpr (Low)
-                    lo[r] += addProductPairs(pixels, l);
-            }
-        }
         for (int r = 0; r < R; r++) {
-            V sum = convert<float>(hi[r]) * splat<V>(0x1p-14f);
-            if constexpr (Low)
-                sum = fma(convert<float>(lo[r]), splat<V>(0x1p-29f), sum);
+            V sum = convert<float>(whole[0][r]) * splat<V>(0x1p-14f);
+            if constexpr (N > 1)
+                sum = fma(convert<float>(whole[1][r]), splat<V>(0x1p-29f), sum);
             float* const out = line[r] + x * NC;
             if (NC == 4 || columns == 8) {
                 store(out, sum);
@@ -161,11 +207,14 @@ QVR_APART void filterGroups(const qvrColumns* c, const uint8_t* const* row, Inde
     }
 }
 
-template<int NC, int R, bool Low, bool Halves>
+template<int NC, int R, int N, Windows W>
 void filterRows(const qvrColumns* c, const uint8_t* const* row, float* const* line)
 {
+    // Of eight sums each: whether they are the prescribed ones.
+    for (int r = 0; r < R; r++)
+        __builtin_memset(reinterpret_cast<char*>(line[r]) + c->marks, 0, static_cast<size_t>(c->width * NC + 7) / 8);
     const auto part = [&](const uint8_t* const* s, Index from, Index to) {
-        filterGroups<NC, R, Low, Halves>(c, s, from, to, line);
+        filterGroups<NC, R, N, W>(c, s, from, to, line);
     };
     eachOutside<R>(c, row, 0, c->from, part);
     part(row, c->from, c->to);
@@ -179,88 +228,161 @@ template<int NC> void filterWords(const qvrColumns* c, const char* const* rows, 
         row[r] = reinterpret_cast<const uint8_t*>(rows[r]);
         line[r] = reinterpret_cast<float*>(lines[r]);
     }
-    const auto all = [&]<bool Low, bool Halves>() {
-        if (count == kRowsOfWords)
-            return filterRows<NC, kRowsOfWords, Low, Halves>(c, row, line);
-        for (Index r = 0; r < count; r++)
-            filterRows<NC, 1, Low, Halves>(c, row + r, line + r);
-    };
     const WordTable& table = *static_cast<const WordTable*>(c->extra);
-    if constexpr (NC == 1)
-        if (table.halves)
-            return table.low ? all.template operator()<true, true>() : all.template operator()<false, true>();
-    if (table.low)
-        all.template operator()<true, false>();
+    const auto all = [&]<int N, Windows W>() {
+        if (count == kRowsOfWords)
+            return filterRows<NC, kRowsOfWords, N, W>(c, row, line);
+        for (Index r = 0; r < count; r++)
+            filterRows<NC, 1, N, W>(c, row + r, line + r);
+    };
+    const auto byWords = [&]<Windows W>() {
+        if (table.low)
+            all.template operator()<2, W>();
+        else
+            all.template operator()<1, W>();
+    };
+    if (NC == 1 && table.windows == Windows::ordered)
+        byWords.template operator()<Windows::ordered>();
+    else if (table.windows == Windows::two)
+        byWords.template operator()<Windows::two>();
     else
-        all.template operator()<false, false>();
+        byWords.template operator()<Windows::one>();
 }
 
-// The prescribed sum of element i of an output row, with weights of its own place or with those that repeat.
-float sumAsPrescribed(const qvrColumns* c, const qvrRowTaps* rows, uint32_t i, bool ownPlace)
+// ---- As prescribed --------------------------------------------------------------------------------------------------
+
+// Element i of a row's line, tap by tap, with the weights of its own place.
+template<int NC> QVR_INLINE float sumOfTaps(const qvrColumns* c, const uint8_t* row, uint32_t i)
 {
     using P = Vec<double, 2>;
-    const uint32_t nc = static_cast<uint32_t>(c->channels), x = i / nc;
-    const bool own = c->own != nullptr && (ownPlace || !c->steady);
+    const uint32_t x = i / NC;
+    const bool own = c->own != nullptr;
     if (own && c->ownCount[x] == 0)
         qvrMakeOwnList(c, x);
     const uint32_t list = own ? x : x % static_cast<uint32_t>(c->lists);
-    const Index n = (own ? c->ownCount : c->count)[list], first = own ? c->ownFirst[x] : c->first[x];
-    const bool inside = first >= 0 && first + n < c->length;
+    const Index n = c->stride - 2, first = own ? c->ownFirst[x] : c->first[x];
     const double* const w = (own ? c->own : static_cast<const double*>(c->weights)) + list * c->stride;
-    const double* const weight = ownPlace ? rows->own->weight : rows->weight;
-    float acc = 0;
-    for (Index k = 0; k < rows->count; k++) {
-        const uint8_t* s = reinterpret_cast<const uint8_t*>(rows->source[k]) + first * nc + i % nc;
-        uint8_t pixels[kMostTaps + 8];
-        for (Index t = 0; t <= n && !inside; t++)
-            pixels[t] = s[(clampIndex(first + t, c->length) - first) * nc];
-        s = inside ? s : pixels;
-        P part = {};
-        for (Index t = 0, at = 0, next = inside ? nc : 1; t < n; t += 2, at += 2 * next) // a zero follows
-            part += P{static_cast<double>(s[at]), static_cast<double>(s[at + next])} * load<P>(w + t);
-        acc += static_cast<float>(static_cast<double>(static_cast<float>(part[0] + part[1])) * weight[k]);
-    }
-    return acc;
-}
-QVR_APART float prescribedSum(const qvrColumns* c, const qvrRowTaps* rows, uint32_t i)
-{
-    qvrOwnRow* const own = rows->own;
-    if (!own->differs || !own->made || (c->own != nullptr && c->ownCount[i / c->channels] == 0)) {
-        // Lists that repeat give a sum that differs by roundings of lines, products and sums in the last place.
-        const float sum = sumAsPrescribed(c, rows, i, false);
-        const float step = sum - static_cast<float>(static_cast<int32_t>(sum)) - 0.5f;
-        if (!own->differs || __builtin_fabsf(step) > static_cast<float>(2 * rows->count + 2) * 0x1p-16f)
-            return sum;
-        if (!own->made)
-            qvrMakeOwnRow(own);
-    }
-    return sumAsPrescribed(c, rows, i, true);
+    const uint8_t* const s = row + first * NC + i % NC;
+    P part = {};
+    if (first >= 0 && first + n < c->length)
+        for (Index t = 0; t < n; t += 2) // zeros follow
+            part += P{static_cast<double>(s[t * NC]), static_cast<double>(s[(t + 1) * NC])} * load<P>(w + t);
+    else
+        for (Index t = 0; t < n; t++)
+            part[t % 2] += static_cast<double>(s[(clampIndex(first + t, c->length) - first) * NC]) * w[t];
+    return static_cast<float>(part[0] + part[1]);
 }
 
-// Of n sums of a row from element `from` on, those too near to a step between two bytes are formed anew.
-QVR_APART void guardSums(const qvrColumns* c, const qvrRowTaps* rows, float* sum, Index from, Index n)
+// Eights of a row's sums as prescribed. Exact: the two whole sums are, up to errors.
+template<int NC, bool Exact>
+QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const uint32_t* eights, Index count, float* line)
+{
+    using V = Vec<float, 8>;
+    using D = Vec<double, 8>;
+    constexpr int N = Exact ? 2 : 3;
+    const WordTable& table = *static_cast<const WordTable*>(c->extra);
+    const uint32_t columns = Exact ? 8 / NC : static_cast<uint32_t>(table.columns);
+    const uint32_t groups = static_cast<uint32_t>(table.groups), all = 8 / (columns * NC); // of an eight
+    uint32_t doubtful[kSums + 8];
+    Index many = 0;
+    for (Index k = 0; k < count; k++) {
+        const uint32_t x = eights[k] * (8 / NC);
+        const uint8_t* s = row;
+        uint8_t pixels[4096 + 64];
+        if (x < c->from || x >= c->to) {
+            const Index base = c->first[x], last = x + 8 / NC < c->width ? x + 8 / NC - 1 : c->width - 1;
+            fetch(c, row, base, c->first[last] + c->most - base, pixels);
+            s = reinterpret_cast<const uint8_t*>(reinterpret_cast<uintptr_t>(pixels) -
+                                                 static_cast<uintptr_t>(base * NC));
+        }
+        WordSums whole[N][4];
+        alignas(32) float errors[16];
+        uint32_t group = x / columns % groups;
+        for (uint32_t g = 0; g < all; g++) {
+            const WordStep* const step = groupOf(table, group);
+            WordSums sums[N][1] = {};
+            addSteps<NC, 1, N, Windows::two>(c, table, step, x + g * columns, &s, sums);
+            for (int n = 0; n < N; n++)
+                whole[n][g] = sums[n][0];
+            store(errors + g * columns * NC, load<V>(step->word[1]));
+            group = group + 1 < groups ? group + 1 : 0;
+        }
+        for (uint32_t left = all / 2; left > 0; left /= 2)
+            for (auto& of : whole)
+                for (uint32_t g = 0; g < left; g++)
+                    of[g] = evens(of[2 * g], of[2 * g + 1]) + odds(of[2 * g], of[2 * g + 1]);
+        const V error = load<V>(errors);
+        V low, high; // what is prescribed is between them
+        if constexpr (Exact) {
+            const V most = convert<float>(whole[0][0]) * splat<V>(0x1p-14f), rest = convert<float>(whole[1][0]);
+            const V sum = fma(rest, splat<V>(0x1p-29f), most), left = fma(rest, splat<V>(0x1p-29f), most - sum);
+            low = sum + (left - error);
+            high = sum + (left + error);
+        } else {
+            const D sum = (convert<double>(whole[0][0]) * splat<D>(0x1p30) +
+                           convert<double>(whole[1][0]) * splat<D>(0x1p15) + convert<double>(whole[2][0])) *
+                          splat<D>(0x1p-44);
+            low = convert<float>(sum - convert<double>(error));
+            high = convert<float>(sum + convert<double>(error));
+        }
+        store(line + Index{x} * NC, low);
+        const uint32_t doubts = byteBits(low != high), left = static_cast<uint32_t>(c->width) - x;
+        for (uint32_t lane = 0; lane < 8 && doubts != 0; lane++) {
+            doubtful[many] = x * NC + lane;
+            many += (doubts >> 4 * lane & 1) & (lane / NC < left);
+        }
+    }
+    for (Index k = 0; k < many; k++)
+        line[doubtful[k]] = sumOfTaps<NC>(c, row, doubtful[k]);
+}
+
+// Of n sums down the columns from element `from` on, those too near to a step between two bytes are formed anew, with
+// their neighbours.
+template<int NC> QVR_APART void guardSums(const qvrColumns* c, const qvrRowTaps* rows, float* sum, Index from, Index n)
 {
     using V = Full<float>;
     constexpr int N = lanes<V>;
     const V limit = splat<V>(0.5f - rows->guard);
-    const auto near = [&](Index i) {
-        const V v = load<V>(sum + i);
-        return abs(v - roundNearest(v)) > limit;
-    };
     for (Index k = n; k % N != 0; k++)
         sum[k] = 0;
     // They are looked for first, so that the processor works on several at a time.
     Index found[kSums / N + 1], count = 0;
     for (Index i = 0; i < n; i += N) {
+        const V v = load<V>(sum + i);
         found[count] = i;
-        count += anyTrue(near(i)) != 0;
+        count += anyTrue(abs(v - roundNearest(v)) > limit) != 0;
     }
-    for (Index k = 0; k < count; k++)
-        for (uint32_t lanes = byteBits(near(found[k])); lanes != 0;) {
-            const int lane = __builtin_ctz(lanes) / 4;
-            lanes &= ~(15u << 4 * lane);
-            sum[found[k] + lane] = prescribedSum(c, rows, static_cast<uint32_t>(from + found[k] + lane));
+    if (count == 0)
+        return;
+    qvrOwnRow* const own = rows->own;
+    if (own->differs && !own->made)
+        qvrMakeOwnRow(own);
+    const double* const weight = own->differs ? own->weight : rows->weight;
+    const WordTable& table = *static_cast<const WordTable*>(c->extra);
+    for (Index t = 0; t < rows->count && !(table.exact && table.certain); t++) {
+        char* const line = const_cast<char*>(rows->line[t]);
+        uint32_t eights[kSums / 8 + 1];
+        Index many = 0;
+        for (Index k = 0; k < count; k++) {
+            eights[many] = static_cast<uint32_t>((from + found[k]) / 8);
+            char& mark = line[c->marks + eights[many]];
+            many += mark == 0;
+            mark = 1;
         }
+        const uint8_t* const row = reinterpret_cast<const uint8_t*>(rows->source[t]);
+        if (table.exact)
+            sumEights<NC, true>(c, row, eights, many, reinterpret_cast<float*>(line));
+        else
+            sumEights<NC, false>(c, row, eights, many, reinterpret_cast<float*>(line));
+    }
+    for (Index k = 0; k < count; k++) {
+        V acc = {};
+        for (Index t = 0; t < rows->count; t++)
+            acc += convert<float>(
+                convert<double>(load<V>(reinterpret_cast<const float*>(rows->line[t]) + from + found[k])) *
+                splat<Vec<double, N>>(weight[t]));
+        store(sum + found[k], acc);
+    }
 }
 
 QVR_APART void roundBytes(const float* sum, Index n, uint8_t* dst)
@@ -275,7 +397,7 @@ QVR_APART void roundBytes(const float* sum, Index n, uint8_t* dst)
                      static_cast<int>(n - i));
 }
 
-void blendWords(const qvrColumns* c, const qvrRowTaps* rows, char* to)
+template<int NC> void blendWords(const qvrColumns* c, const qvrRowTaps* rows, char* to)
 {
     uint8_t* const dst = reinterpret_cast<uint8_t*>(to);
     const float* const* const line = reinterpret_cast<const float* const*>(rows->line);
@@ -286,7 +408,7 @@ void blendWords(const qvrColumns* c, const qvrRowTaps* rows, char* to)
     for (Index i = 0; i < n; i += kSums) {
         const Index count = n - i < kSums ? n - i : kSums;
         addStreams<float, false>(line, i, rows->single, rows->count, sum, count);
-        guardSums(c, rows, sum, i, count);
+        guardSums<NC>(c, rows, sum, i, count);
         roundBytes(sum, count, dst + i);
     }
 }
