@@ -70,8 +70,11 @@ QVR_INLINE Index wholeStart(const qvrResizeAxis& a, Index p, Index q, Index at)
     return from >= 0 && from % q == 0 && from + p * a.count <= q * a.length ? from / q : -1;
 }
 
+constexpr Index kNarrow = 128;
+
 // block(source, destination, i) for `bytes` bytes of each output row from byte i on, so that all are made, some twice.
-// Each P source rows from `top` on make Q; a row is no shorter than a block.
+// Each P source rows from `top` on make Q; a row is no shorter than a block. Narrow columns are walked down: that
+// leaves one loop.
 template<int P, int Q, class F>
 QVR_INLINE void eachBlock(const qvrResizeBand* b, Index top, Index groups, Index pixelBytes, Index bytes,
                           const F& block)
@@ -79,7 +82,10 @@ QVR_INLINE void eachBlock(const qvrResizeBand* b, Index top, Index groups, Index
     const uint8_t* src = reinterpret_cast<const uint8_t*>(sourceRow(b, top));
     uint8_t* dst = reinterpret_cast<uint8_t*>(outputRow(b, 0, pixelBytes));
     const Index n = b->x.count * pixelBytes, srcStep = b->srcStep, dstStep = b->dstStep;
-    for (; groups > 0; groups--, src += P * srcStep, dst += Q * dstStep) {
+    for (Index i = 0; n <= kNarrow && i < n; i += bytes)
+        for (Index k = 0; k < groups; k++)
+            block(src + k * P * srcStep, dst + k * Q * dstStep, i + bytes <= n ? i : n - bytes);
+    for (; n > kNarrow && groups > 0; groups--, src += P * srcStep, dst += Q * dstStep) {
         Index i = 0;
         for (; i + bytes <= n; i += bytes)
             block(src, dst, i);
