@@ -148,15 +148,16 @@ QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const Word
                          const uint8_t* const* row, WordSums (&sum)[N][R])
 {
     using Window = Vec<uint8_t, 16>;
-    const Index steps = table.steps, columns = table.columns, move = table.taps * NC, low = Index{c->first[x]} * NC;
-    const Index high = table.windows == Windows::two ? Index{c->first[x + columns / 2]} * NC : low;
+    const Index steps = table.steps, columns = table.columns, move = table.taps * NC;
+    Index low = Index{c->first[x]} * NC;
+    Index high = table.windows == Windows::two ? Index{c->first[x + columns / 2]} * NC : low;
     const auto shuffle = load<Vec<uint8_t, 32>>((step++)->word[0]);
-    for (Index k = 0; k < steps; k++, step++) {
+    const auto take = [&]<bool First>(Index k) __attribute__((always_inline)) {
         Words w[N];
         for (int n = 0; n < N; n++)
-            w[n] = load<Words>(step->word[n]);
+            w[n] = load<Words>(step[k].word[n]);
         for (int r = 0; r < R; r++) {
-            const uint8_t* const p = row[r] + move * k;
+            const uint8_t* const p = row[r];
             Words pixels;
             if constexpr (W == Windows::ordered) {
                 pixels = convert<int16_t>(load<Window>(p + low));
@@ -164,12 +165,19 @@ QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const Word
                 const auto window = load<Window>(p + low), other = W == Windows::one ? window : load<Window>(p + high);
                 pixels = bitcast<Words>(shuffleBytes(concat(window, other), shuffle));
             } else {
-                pixels = pixelsAt<NC>(p, c->first + x, columns);
+                pixels = pixelsAt<NC>(p + move * k, c->first + x, columns);
             }
             for (int n = 0; n < N; n++)
-                sum[n][r] += addProductPairs(pixels, w[n]);
+                sum[n][r] = First ? addProductPairs(pixels, w[n]) : sum[n][r] + addProductPairs(pixels, w[n]);
         }
-    }
+        low += move;
+        high += move;
+        __asm__("" : "+r"(low), "+r"(high)); // offsets of all rows, not a pointer for each
+    };
+    take.template operator()<true>(0);
+#pragma nounroll
+    for (Index k = 1; k < steps; k++)
+        take.template operator()<false>(k);
 }
 QVR_INLINE const WordStep* groupOf(const WordTable& table, Index group)
 {
@@ -185,7 +193,7 @@ QVR_APART void filterGroups(const qvrColumns* c, const uint8_t* const* row, Inde
     const Index columns = table.columns;
     Index group = from == 0 ? 0 : from / columns % table.groups;
     for (Index x = from; x < to; x += columns) {
-        WordSums whole[N][R] = {};
+        WordSums whole[N][R];
         const WordStep* const step = groupOf(table, group);
         addSteps<NC, R, N, W>(c, table, step, x, row, whole);
         group = group + 1 < table.groups ? group + 1 : 0;
@@ -300,7 +308,7 @@ QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const uint32_t
         uint32_t group = x / columns % groups;
         for (uint32_t g = 0; g < all; g++) {
             const WordStep* const step = groupOf(table, group);
-            WordSums sums[N][1] = {};
+            WordSums sums[N][1];
             addSteps<NC, 1, N, Windows::two>(c, table, step, x + g * columns, &s, sums);
             for (int n = 0; n < N; n++)
                 whole[n][g] = sums[n][0];
@@ -336,24 +344,11 @@ QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const uint32_t
         line[doubtful[k]] = sumOfTaps<NC>(c, row, doubtful[k]);
 }
 
-// Of n sums down the columns from element `from` on, those too near to a step between two bytes are formed anew, with
-// their neighbours.
-template<int NC> QVR_APART void guardSums(const qvrColumns* c, const qvrRowTaps* rows, float* sum, Index from, Index n)
+// Eights of an output row as prescribed.
+template<int NC>
+QVR_APART void formAnew(const qvrColumns* c, const qvrRowTaps* rows, const uint32_t* eights, Index count, uint8_t* dst)
 {
-    using V = Full<float>;
-    constexpr int N = lanes<V>;
-    const V limit = splat<V>(0.5f - rows->guard);
-    for (Index k = n; k % N != 0; k++)
-        sum[k] = 0;
-    // They are looked for first, so that the processor works on several at a time.
-    Index found[kSums / N + 1], count = 0;
-    for (Index i = 0; i < n; i += N) {
-        const V v = load<V>(sum + i);
-        found[count] = i;
-        count += anyTrue(abs(v - roundNearest(v)) > limit) != 0;
-    }
-    if (count == 0)
-        return;
+    using V = Vec<float, 8>;
     qvrOwnRow* const own = rows->own;
     if (own->differs && !own->made)
         qvrMakeOwnRow(own);
@@ -361,55 +356,66 @@ template<int NC> QVR_APART void guardSums(const qvrColumns* c, const qvrRowTaps*
     const WordTable& table = *static_cast<const WordTable*>(c->extra);
     for (Index t = 0; t < rows->count && !(table.exact && table.certain); t++) {
         char* const line = const_cast<char*>(rows->line[t]);
-        uint32_t eights[kSums / 8 + 1];
+        uint32_t left[kSums / 8];
         Index many = 0;
         for (Index k = 0; k < count; k++) {
-            eights[many] = static_cast<uint32_t>((from + found[k]) / 8);
-            char& mark = line[c->marks + eights[many]];
+            left[many] = eights[k];
+            char& mark = line[c->marks + eights[k]];
             many += mark == 0;
             mark = 1;
         }
         const uint8_t* const row = reinterpret_cast<const uint8_t*>(rows->source[t]);
         if (table.exact)
-            sumEights<NC, true>(c, row, eights, many, reinterpret_cast<float*>(line));
+            sumEights<NC, true>(c, row, left, many, reinterpret_cast<float*>(line));
         else
-            sumEights<NC, false>(c, row, eights, many, reinterpret_cast<float*>(line));
+            sumEights<NC, false>(c, row, left, many, reinterpret_cast<float*>(line));
     }
     for (Index k = 0; k < count; k++) {
-        V acc = {};
-        for (Index t = 0; t < rows->count; t++)
-            acc += convert<float>(
-                convert<double>(load<V>(reinterpret_cast<const float*>(rows->line[t]) + from + found[k])) *
-                splat<Vec<double, N>>(weight[t]));
-        store(sum + found[k], acc);
+        const Index i = Index{eights[k]} * 8, left = c->width * NC - i;
+        V sum = {};
+        for (Index t = 0; t < rows->count; t++) {
+            const auto line = convert<double>(load<V>(reinterpret_cast<const float*>(rows->line[t]) + i));
+            sum += convert<float>(line * splat<Vec<double, 8>>(weight[t]));
+        }
+        storeFirst(dst + i, packBytes(roundToByte(sum)), left < 8 ? static_cast<int>(left) : 8);
     }
 }
 
-QVR_APART void roundBytes(const float* sum, Index n, uint8_t* dst)
-{
-    constexpr int N = 4 * kLanes<float>;
-    using V = Vec<float, N>;
-    Index i = 0;
-    for (; i + N <= n; i += N)
-        store(dst + i, packBytes(roundToByte(load<V>(sum + i))));
-    if (i < n)
-        storePartial(dst + i, packBytes(roundToByte(loadPartial<V>(sum + i, static_cast<int>(n - i)))),
-                     static_cast<int>(n - i));
-}
-
+// An output row. Eights with a sum too near to a step between two bytes are looked for first, so that the processor
+// works on several at a time.
 template<int NC> void blendWords(const qvrColumns* c, const qvrRowTaps* rows, char* to)
 {
     uint8_t* const dst = reinterpret_cast<uint8_t*>(to);
     const float* const* const line = reinterpret_cast<const float* const*>(rows->line);
-    const Index n = c->width * c->channels;
+    const Index n = c->width * NC, taps = rows->count;
     if (rows->guard == 0)
-        return addStreams<float, false>(line, 0, rows->single, rows->count, dst, n);
-    alignas(64) float sum[kSums + 64];
-    for (Index i = 0; i < n; i += kSums) {
-        const Index count = n - i < kSums ? n - i : kSums;
-        addStreams<float, false>(line, i, rows->single, rows->count, sum, count);
-        guardSums<NC>(c, rows, sum, i, count);
-        roundBytes(sum, count, dst + i);
+        return addStreams<float, false>(line, 0, rows->single, taps, dst, n);
+    const float limit = 0.5f - rows->guard, *const weight = rows->single;
+    uint32_t found[kSums / 8 + 1];
+    Index count = 0;
+    const auto block = [&]<int E>(Index i, Index size) {
+        using V = Vec<float, 8 * E>;
+        V sum = {};
+        for (Index t = 0; t < taps; t++) {
+            const float* const s = line[t] + i;
+            sum = fma(size == 8 * E ? load<V>(s) : loadPartial<V>(s, static_cast<int>(size)), splat<V>(weight[t]), sum);
+        }
+        sum = max(sum, V{});
+        const auto bytes = toIntTruncate(sum + splat<V>(0.5f));
+        const auto near = abs(sum - convert<float>(bytes)) > splat<V>(limit);
+        [&]<int... K>(Indices<K...>) __attribute__((always_inline)) {
+            ((found[count] = static_cast<uint32_t>(i / 8 + K), count += anyTrue(slice<8 * K, 8>(near)) != 0), ...);
+        }(Iota<E>{});
+        storeFirst(dst + i, packBytes(bytes), static_cast<int>(size));
+    };
+    for (Index i = 0, end; i < n; i = end) {
+        for (end = i + kSums < n ? i + kSums : n; i + 32 <= end; i += 32)
+            block.template operator()<4>(i, 32);
+        for (; i < end; i += 8)
+            block.template operator()<1>(i, end - i < 8 ? end - i : 8);
+        if (count > 0)
+            formAnew<NC>(c, rows, found, count, dst);
+        count = 0;
     }
 }
 
