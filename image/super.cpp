@@ -16,8 +16,8 @@
 
 namespace {
 
-// Rows of bytes that 16-bit sums hold.
-constexpr Index kRowsIn16 = 257;
+// Rows of bytes that 16-bit sums hold, and as many as are best added at a time where their order does not matter.
+constexpr Index kRowsIn16 = 257, kRowsAtOnce = 16;
 
 // Outputs of a strip, long enough to read whole pages of a row: their columns take 45 KiB of the stack.
 template<class A> constexpr Index kStrip = sizeof(A) == 8 ? 512 : 640;
@@ -33,7 +33,7 @@ template<class A> struct Strip {
     Index most, taps; // of the longest output; in fours, 0: more than kTaps
     bool few;         // all outputs are of 2 to kFew pixels
     int32_t start[kStrip<A>], count[kStrip<A>];
-    double head[kStrip<A>], tail[kStrip<A>];
+    A head[kStrip<A>], tail[kStrip<A>];
     A weight[kTaps][kStrip<A>];
 };
 
@@ -44,10 +44,10 @@ template<class A> struct Super {
     A* line;
     Index room; // pixels in a line
     int whole;  // covers are counted in parts of a pixel
-    double unitX, unitY;
-    double mean, half; // the output is sum * mean, for bytes + half, cut off
-    bool narrow;       // in singles
-    qvrCover rows;     // of the output row at hand
+    A unitX, unitY;
+    A mean, half;  // the output is sum * mean, for bytes + half, cut off; if whole, sum + half over `parts`
+    A parts;       // of an output
+    qvrCover rows; // of the output row at hand
 };
 
 // Sums of singles are whole and fuse at will; those of doubles are the same on every level.
@@ -104,29 +104,30 @@ template<class V> struct Pairwise {
 
 // ---- Down the columns -----------------------------------------------------------------------------------------------
 
-// Bytes: whole rows in 16 bits.
-template<class A, class V> QVR_INLINE void sumBytes(const Super<A>& s, const uint8_t* p, Index i, A* line, V)
+// Bytes: rows `from` to `to` - 1 of the output's, whole rows in 16 bits. The lines of as many further on are asked for.
+template<class A, class V>
+QVR_INLINE void sumBytes(const Super<A>& s, const uint8_t* p, Index i, V, Index from, Index to)
 {
     constexpr int W = lanes<V>;
-    const Index step = s.band->srcStep;
-    const auto part = [&](const uint8_t* row, double cover, V sum) {
-        return addProduct(convert<A>(convert<int32_t>(load<Vec<uint8_t, W>>(row))), splat<V>(static_cast<A>(cover)),
-                          sum);
+    const Index step = s.band->srcStep, last = s.rows.count - 1;
+    const auto part = [&](Index k, double cover, V sum) {
+        const auto bytes = convert<int32_t>(load<Vec<uint8_t, W>>(p + k * step + i));
+        return addProduct(convert<A>(bytes), splat<V>(static_cast<A>(cover)), sum);
     };
-    p += i;
-    V sum = part(p, s.rows.head, V{});
-    p += step;
-    for (Index left = s.rows.count - 2; left > 0;) {
-        const Index rows = left < kRowsIn16 ? left : kRowsIn16;
+    V sum = from == 0 ? part(0, s.rows.head, V{}) : load<V>(s.line + i);
+    const Index first = from == 0 ? 1 : from, end = to > last ? last : to;
+    if (first < end) {
         Vec<uint16_t, W> words = {};
-        for (Index k = 0; k < rows; k++, p += step)
-            words += convert<uint16_t>(load<Vec<uint8_t, W>>(p));
-        sum = addProduct(convert<A>(convert<int32_t>(words)), splat<V>(static_cast<A>(s.unitY)), sum);
-        left -= rows;
+        for (Index k = first; k < end; k++) {
+            if (to <= last)
+                __builtin_prefetch(p + (k + kRowsAtOnce) * step + i);
+            words += convert<uint16_t>(load<Vec<uint8_t, W>>(p + k * step + i));
+        }
+        sum = addProduct(convert<A>(convert<int32_t>(words)), splat<V>(s.unitY), sum);
     }
-    if (s.rows.count > 1)
-        sum = part(p, s.rows.tail, sum);
-    store(line + i, sum);
+    if (last > 0 && to > last)
+        sum = part(last, s.rows.tail, sum);
+    store(s.line + i, sum);
 }
 // M vectors: of many rows eight at a time for all of them. Each row is in pages of its own, which nothing else fetches.
 template<class T, class V, int M> QVR_INLINE void sumFloats(const Super<double>& s, const T* p, Index i, double* line)
@@ -164,23 +165,28 @@ template<class T, class V, int M> QVR_INLINE void sumFloats(const Super<double>&
 // The line for `n` elements of the source row's element `from` on.
 template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from, Index n)
 {
-    constexpr int N = (sizeof(T) == 1 ? 8 : 4) * kLanes<A>, M = sizeof(T) == 1 ? 1 : 8;
+    constexpr int N = sizeof(T) == 1 ? 64 : 4 * kLanes<A>, M = sizeof(T) == 1 ? 1 : 8;
     const T* const p = reinterpret_cast<const T*>(sourceRow(s.band, s.rows.first)) + from;
-    const auto block = [&]<class V, int Many = 1>(Index at, V v) {
-        if constexpr (sizeof(T) == 1)
-            sumBytes(s, p, at, s.line, v);
-        else
-            sumFloats<T, V, Many>(s, p, at, s.line);
-    };
+    const Index count = s.rows.count, rows = s.whole ? kRowsAtOnce : kRowsIn16;
     Index i = 0;
-    for (; i + M * N <= n; i += M * N)
-        block.template operator()<Vec<A, N>, M>(i, {});
-    for (; i + N <= n; i += N)
-        block(i, Vec<A, N>{});
-    for (; i + kLanes<A> <= n; i += kLanes<A>)
-        block(i, Full<A>{});
-    for (; i < n; i++)
-        block(i, Vec<A, 1>{});
+    for (Index k = 0, to; k < count; k = to) {
+        to = sizeof(T) != 1 || k + rows + 2 >= count ? count : k + rows + (k == 0);
+        const auto block = [&]<class V, int Many = 1>(Index at, V v) {
+            if constexpr (sizeof(T) == 1)
+                sumBytes(s, p, at, v, k, to);
+            else
+                sumFloats<T, V, Many>(s, p, at, s.line);
+        };
+        i = 0;
+        for (; i + M * N <= n; i += M * N)
+            block.template operator()<Vec<A, N>, M>(i, {});
+        for (; i + N <= n; i += N)
+            block(i, Vec<A, N>{});
+        for (; i + kLanes<A> <= n; i += kLanes<A>)
+            block(i, Full<A>{});
+        for (; i < n; i++)
+            block(i, Vec<A, 1>{});
+    }
     for (Index k = 0; k < kPast; k++)
         s.line[i + k] = 0;
 }
@@ -189,16 +195,20 @@ template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from
 
 template<class T, class A, class V> QVR_INLINE void putOutput(const Super<A>& s, T* dst, V sum)
 {
-    const auto put = [&]<class P>(P v) {
-        const P mean = splat<P>(static_cast<Elem<P>>(s.mean)), half = splat<P>(static_cast<Elem<P>>(s.half));
-        store(dst, packBytes(toIntTruncate(addProduct(v, mean, half))));
-    };
-    if constexpr (sizeof(T) != 1)
+    if constexpr (sizeof(T) != 1) {
         store(dst, convert<T>(sum * s.mean));
-    else if (sizeof(A) == 4 && s.narrow)
-        put(sum);
-    else
-        put(convert<double>(sum));
+    } else if constexpr (sizeof(A) == 4) {
+        // Whole numbers below 2^24. The mean is high by less than 2^-21 of it: the quotient is right where the distance
+        // to the next one is 2^-12, else right or one more.
+        const V raised = sum + s.half;
+        const auto quotient = toIntTruncate(raised * s.mean);
+        if (s.parts <= 4096)
+            store(dst, packBytes(quotient));
+        else
+            store(dst, packBytes(quotient + (fma(convert<A>(quotient), splat<V>(-s.parts), raised) < 0)));
+    } else {
+        store(dst, packBytes(toIntTruncate(sum * s.mean + s.half)));
+    }
 }
 
 // An output longer than the line, or one of many pixels, which are then at `line`.
@@ -219,8 +229,7 @@ QVR_APART void longOutput(const Super<A>& s, const qvrCover& c, Index room, cons
             if (j == 0)
                 sum = pixel * static_cast<A>(c.head);
             else if (j == c.count - 1)
-                sum = addProduct(pixel, splat<P>(static_cast<A>(c.tail)),
-                                 sum + between.total() * static_cast<A>(s.unitX));
+                sum = addProduct(pixel, splat<P>(static_cast<A>(c.tail)), sum + between.total() * s.unitX);
             else
                 between.add(pixel);
         }
@@ -251,11 +260,11 @@ template<int N> QVR_INLINE Vec<double, N> sumFew(const Super<double>& s, const S
 }
 
 // Neighbouring outputs of one channel.
-template<int N, class A> QVR_INLINE Vec<A, N> sumTaps(const Super<A>& s, const Strip<A>& strip, Index x)
+template<int N, int Taps, class A> QVR_INLINE Vec<A, N> sumTaps(const Super<A>& s, const Strip<A>& strip, Index x)
 {
     using V = Vec<A, N>;
     V sum = {};
-    for (Index k = 0; k < strip.taps; k += 4) {
+    for (Index k = 0; k < Taps; k += 4) {
         V t[4];
         if constexpr (N == 1) {
             for (int i = 0; i < 4; i++)
@@ -277,16 +286,20 @@ template<class T, int NC, class A> QVR_APART void stripOutputs(const Super<A>& s
     const Index outputs = strip.to - strip.from;
     Index x = 0;
     if constexpr (sizeof(T) == 1 && NC == 1) {
-        if (strip.taps > 0) {
+        const auto sums = [&]<int Taps>() {
             constexpr int N = kLanes<A>;
-            for (; x + 4 * N <= outputs; x += 4 * N) {
-                const auto low = concat(sumTaps<N>(s, strip, x), sumTaps<N>(s, strip, x + N));
-                const auto high = concat(sumTaps<N>(s, strip, x + 2 * N), sumTaps<N>(s, strip, x + 3 * N));
-                putOutput(s, dst + x, concat(low, high));
+            const auto some = [&](Index at) { return sumTaps<N, Taps>(s, strip, x + at * N); };
+            for (; x < outputs && outputs >= 4 * N; x += 4 * N) {
+                x = x + 4 * N <= outputs ? x : outputs - 4 * N;
+                putOutput(s, dst + x, concat(concat(some(0), some(1)), concat(some(2), some(3))));
             }
             for (; x < outputs; x++)
-                putOutput(s, dst + x, sumTaps<1>(s, strip, x));
-        }
+                putOutput(s, dst + x, sumTaps<1, Taps>(s, strip, x));
+        };
+        if (strip.taps == 4)
+            sums.template operator()<4>();
+        else if (strip.taps == kTaps)
+            sums.template operator()<kTaps>();
     }
     if constexpr (sizeof(T) != 1) {
         constexpr int N = kLanes<double>;
@@ -302,12 +315,11 @@ template<class T, int NC, class A> QVR_APART void stripOutputs(const Super<A>& s
             longOutput<T, NC>(s, c, c.count, p, dst + x * NC);
             continue;
         }
-        P sum = load<P>(p) * static_cast<A>(strip.head[x]), between = {};
+        P sum = load<P>(p) * strip.head[x], between = {};
         for (Index j = 1; j < last; j++)
             between += load<P>(p + j * NC);
         if (last > 0)
-            sum = addProduct(load<P>(p + last * NC), splat<P>(static_cast<A>(strip.tail[x])),
-                             sum + between * static_cast<A>(s.unitX));
+            sum = addProduct(load<P>(p + last * NC), splat<P>(strip.tail[x]), sum + between * s.unitX);
         putOutput(s, dst + x * NC, sum);
     }
 }
@@ -432,8 +444,8 @@ template<class A> QVR_APART void makeStrip(const Super<A>& s, Index from, bool n
         strip.span = span;
         strip.start[x] = static_cast<int32_t>(c.first - strip.base);
         strip.count[x] = static_cast<int32_t>(c.count);
-        strip.head[x] = c.head;
-        strip.tail[x] = c.tail;
+        strip.head[x] = static_cast<A>(c.head);
+        strip.tail[x] = static_cast<A>(c.tail);
         strip.most = c.count > strip.most ? c.count : strip.most;
         least = c.count < least ? c.count : least;
     }
@@ -442,8 +454,7 @@ template<class A> QVR_APART void makeStrip(const Super<A>& s, Index from, bool n
     for (Index x = 0; x < strip.to - from; x++)
         for (Index k = 0; k < strip.taps; k++) {
             const Index last = strip.count[x] - 1;
-            const double w = k == 0 ? strip.head[x] : k < last ? s.unitX : k == last ? strip.tail[x] : 0;
-            strip.weight[k][x] = static_cast<A>(w);
+            strip.weight[k][x] = k == 0 ? strip.head[x] : k < last ? s.unitX : k == last ? strip.tail[x] : 0;
         }
 }
 
@@ -526,17 +537,19 @@ template<class T, int NC> void super(const qvrResizeBand* b)
         // Sums are at most 255 times the parts of an output. sum / parts + 1/2 is a multiple of 1 / (2 parts): with
         // half of that more, no rounding takes it to the other side of a whole number.
         const double parts = static_cast<double>(s.x.p) * static_cast<double>(s.y.p);
+        if (parts > 0 && parts <= 0x1p16) {
+            const auto unit = [](const qvrSuperAxis& a) { return static_cast<float>(a.q); };
+            const float whole = static_cast<float>(parts), half = static_cast<float>(s.x.p * s.y.p / 2);
+            Super<float> f = {b,    s.x,   s.y, nullptr, 0, 1, unit(s.x), unit(s.y), (1 + 0x1p-22f) / whole,
+                              half, whole, {}};
+            return superBand<T, NC>(f);
+        }
         if (parts > 0 && parts < 0x1p44) {
             s.whole = 1;
             s.unitX = static_cast<double>(s.x.q);
             s.unitY = static_cast<double>(s.y.q);
             s.mean = 1 / parts;
             s.half = 0.5 + 0.25 / parts;
-            if (parts * 255 < 0x1p24) {
-                // In single the error is below 4e-5.
-                Super<float> f = {b, s.x, s.y, nullptr, 0, 1, s.unitX, s.unitY, s.mean, s.half, parts <= 4096, {}};
-                return superBand<T, NC>(f);
-            }
         }
     }
     superBand<T, NC>(s);
