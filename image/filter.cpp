@@ -337,25 +337,34 @@ template<class T> void blendLowPass(const qvrColumns* c, const qvrRowTaps* rows,
 
 // ---- Without antialiasing -------------------------------------------------------------------------------------------
 
-// The taps of the columns at[0], at[1], ..., sorted by tap; nothing is read behind s[length - 1].
-template<int NT, class V> QVR_INLINE void tapsAt(const Elem<V>* s, const int32_t* at, Index length, V* t)
+// Two rows at a time, where there are: places and weights, too many for the first cache, are loaded once for both. AVX
+// takes bytes to floats by halves of registers, of which it has too few for that.
+template<class T> constexpr int kPair = sizeof(T) == 1 && kAvx && !kAvx2 ? 1 : 2;
+
+// The taps of the columns at[0], at[1], ... of R rows, sorted by tap; nothing is read behind s[r][length - 1].
+template<int NT, int R, class V>
+QVR_INLINE void tapsAt(const Elem<V>* const* s, const int32_t* at, Index length, V (*t)[NT])
 {
     constexpr bool fours = sizeof(Elem<V>) == 4 && NT > 2;
     if constexpr (kAvx2 && lanes<V> == 8)
         // Enlarging: all of one tap come out of one load.
         if (at[7] - at[0] < 8 && at[0] + NT + 7 <= length) {
             const auto from = load<Vec<int32_t, 8>>(at) - at[0];
-            for (int k = 0; k < NT; k++)
-                t[k] = choose8(load<V>(s + at[0] + k), from);
+            for (int r = 0; r < R; r++)
+                for (int k = 0; k < NT; k++)
+                    t[r][k] = choose8(load<V>(s[r] + at[0] + k), from);
             return;
         }
-    if constexpr (fours)
-        fourColumns([=](int i) { return s + at[i]; }, t);
-    for (int k = fours ? 4 : 0; k < NT; k += 2)
-        pairColumns([=](int i) { return s + at[i] + k; }, t[k], t[k + 1]);
+    for (int r = 0; r < R; r++) {
+        if constexpr (fours)
+            fourColumns([=](int i) { return s[r] + at[i]; }, t[r]);
+        for (int k = fours ? 4 : 0; k < NT; k += 2)
+            pairColumns([=](int i) { return s[r] + at[i] + k; }, t[r][k], t[r][k + 1]);
+    }
 }
 // Bytes: from one load where the columns are near, else from four bytes at each place.
-template<int NT, class V> QVR_INLINE void tapsAt(const uint8_t* s, const int32_t* at, Index length, V* t)
+template<int NT, int R, class V>
+QVR_INLINE void tapsAt(const uint8_t* const* s, const int32_t* at, Index length, V (*t)[NT])
 {
     constexpr int N = lanes<V>;
     using I = Vec<int32_t, N>;
@@ -363,44 +372,51 @@ template<int NT, class V> QVR_INLINE void tapsAt(const uint8_t* s, const int32_t
         if (at[N - 1] - at[0] < 16 && at[0] + NT + 15 <= length) {
             // Each 32-bit lane picks its byte and three zeros.
             const auto from = bitcast<Vec<uint8_t, 4 * N>>((load<I>(at) - at[0]) | static_cast<int32_t>(0x80808000));
-            for (int k = 0; k < NT; k++) {
-                const auto bytes = load<Vec<uint8_t, 16>>(s + at[0] + k);
-                if constexpr (N == 8)
-                    t[k] = convert<float>(bitcast<I>(shuffleBytes(concat(bytes, bytes), from)));
-                else
-                    t[k] = convert<float>(bitcast<I>(shuffleBytes(bytes, from)));
-            }
+            for (int r = 0; r < R; r++)
+                for (int k = 0; k < NT; k++) {
+                    const auto bytes = load<Vec<uint8_t, 16>>(s[r] + at[0] + k);
+                    if constexpr (N == 8)
+                        t[r][k] = convert<float>(bitcast<I>(shuffleBytes(concat(bytes, bytes), from)));
+                    else
+                        t[r][k] = convert<float>(bitcast<I>(shuffleBytes(bytes, from)));
+                }
             return;
         }
     }
-    for (int k = 0; k < NT; k += k + 4 < NT ? NT - 4 : 4) {
-        Vec<uint32_t, N> v;
-        for (int i = 0; i < N; i++)
-            v[i] = load<Vec<uint32_t, 1>>(s + at[i] + k)[0];
-        for (int i = 0; i < 4; i++)
-            t[k + i] = convert<float>(bitcast<I>((v >> (8u * i)) & 255u));
-    }
+    for (int r = 0; r < R; r++)
+        for (int k = 0; k < NT; k += k + 4 < NT ? NT - 4 : 4) {
+            Vec<uint32_t, N> v;
+            for (int i = 0; i < N; i++)
+                v[i] = load<Vec<uint32_t, 1>>(s[r] + at[i] + k)[0];
+            for (int i = 0; i < 4; i++)
+                t[r][k + i] = convert<float>(bitcast<I>((v >> (8u * i)) & 255u));
+        }
 }
 
 // One channel: neighbouring columns are the lanes.
-template<int NT, class T> QVR_APART void filterColumns(const qvrColumns* c, const T* s, Line<T>* line)
+template<int NT, int R, class T>
+QVR_APART void filterColumns(const qvrColumns* c, const T* const (&rows)[R], Line<T>* const (&lines)[R])
 {
     using A = Line<T>;
     using V = Full<A>;
     const A* const w = static_cast<const A*>(c->weights);
     const int32_t* const first = c->first;
     const Index from = c->from, to = c->to, length = c->length, width = c->width;
+    const T* const s[2] = {rows[0], rows[R - 1]};
+    A* const line[2] = {lines[0], lines[R - 1]};
     const auto block = [=](Index x) {
-        V t[NT], sum;
-        tapsAt<NT>(s, first + x, length, t);
-        if constexpr (NT == 2) {
-            sum = fma(t[1] - t[0], load<V>(w + x), t[0]);
-        } else {
-            sum = load<V>(w + x) * t[0];
-            for (int k = 1; k < NT; k++)
-                sum = fma(load<V>(w + k * width + x), t[k], sum);
-        }
-        store(line + x, sum);
+        V t[R][NT], sum[R];
+        tapsAt<NT, R>(s, first + x, length, t);
+        for (int r = 0; r < R; r++)
+            if constexpr (NT == 2) {
+                sum[r] = fma(t[r][1] - t[r][0], load<V>(w + x), t[r][0]);
+            } else {
+                sum[r] = load<V>(w + x) * t[r][0];
+                for (int k = 1; k < NT; k++)
+                    sum[r] = fma(load<V>(w + k * width + x), t[r][k], sum[r]);
+            }
+        for (int r = 0; r < R; r++)
+            store(line[r] + x, sum[r]);
     };
     // On whole registers of the tables, but for the first and the last.
     constexpr Index L = lanes<V>;
@@ -427,10 +443,13 @@ template<int K, int N> QVR_INLINE Vec<float, N> pixelOf(Vec<uint8_t, 4 * N> v)
 }
 
 // Four channels: one pixel in four lanes, two in eight.
-template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t* s, float* line)
+template<int NT, int R>
+QVR_APART void filterPixels(const qvrColumns* c, const uint8_t* const (&rows)[R], float* const (&lines)[R])
 {
     const float* const w = static_cast<const float*>(c->weights);
     const int32_t* const first = c->first;
+    const uint8_t* const s[2] = {rows[0], rows[R - 1]};
+    float* const line[2] = {lines[0], lines[R - 1]};
     constexpr int P = kLanes<float> / 4;
     const auto block = [=](Index x) {
         const auto both = [&]<class X>(X, const auto* a, const auto* b) {
@@ -440,21 +459,27 @@ template<int NT> QVR_APART void filterPixels(const qvrColumns* c, const uint8_t*
                 return load<X>(a);
         };
         using V = Vec<float, 4 * P>;
-        const uint8_t *const a = s + 4 * Index{first[x]}, *const b = s + 4 * Index{first[x + P - 1]};
+        const Index a = 4 * Index{first[x]}, b = 4 * Index{first[x + P - 1]};
         const float *const u = w + x * NT, *const v = w + (x + P - 1) * NT;
-        const auto pixels = both(Vec<uint8_t, 16>{}, a, b);
-        V four = both(Vec<float, 4>{}, u, v), sum = shuffleBlocks<0, 0, 0, 0>(four) * pixelOf<0, 4 * P>(pixels);
-        sum = fma(shuffleBlocks<1, 1, 1, 1>(four), pixelOf<1, 4 * P>(pixels), sum);
-        sum = fma(shuffleBlocks<2, 2, 2, 2>(four), pixelOf<2, 4 * P>(pixels), sum);
-        sum = fma(shuffleBlocks<3, 3, 3, 3>(four), pixelOf<3, 4 * P>(pixels), sum);
+        V sum[R], four = both(Vec<float, 4>{}, u, v);
+        for (int r = 0; r < R; r++) {
+            const auto pixels = both(Vec<uint8_t, 16>{}, s[r] + a, s[r] + b);
+            sum[r] = shuffleBlocks<0, 0, 0, 0>(four) * pixelOf<0, 4 * P>(pixels);
+            sum[r] = fma(shuffleBlocks<1, 1, 1, 1>(four), pixelOf<1, 4 * P>(pixels), sum[r]);
+            sum[r] = fma(shuffleBlocks<2, 2, 2, 2>(four), pixelOf<2, 4 * P>(pixels), sum[r]);
+            sum[r] = fma(shuffleBlocks<3, 3, 3, 3>(four), pixelOf<3, 4 * P>(pixels), sum[r]);
+        }
         if constexpr (NT == 6) {
             // The last two taps are the last of the four from the third on.
-            const auto more = both(Vec<uint8_t, 16>{}, a + 8, b + 8);
             four = both(Vec<float, 4>{}, u + 2, v + 2);
-            sum = fma(shuffleBlocks<2, 2, 2, 2>(four), pixelOf<2, 4 * P>(more), sum);
-            sum = fma(shuffleBlocks<3, 3, 3, 3>(four), pixelOf<3, 4 * P>(more), sum);
+            for (int r = 0; r < R; r++) {
+                const auto more = both(Vec<uint8_t, 16>{}, s[r] + a + 8, s[r] + b + 8);
+                sum[r] = fma(shuffleBlocks<2, 2, 2, 2>(four), pixelOf<2, 4 * P>(more), sum[r]);
+                sum[r] = fma(shuffleBlocks<3, 3, 3, 3>(four), pixelOf<3, 4 * P>(more), sum[r]);
+            }
         }
-        store(line + 4 * x, sum);
+        for (int r = 0; r < R; r++)
+            store(line[r] + 4 * x, sum[r]);
     };
     const Index to = c->to - P;
     for (Index x = c->from; x < to; x += P)
@@ -492,31 +517,37 @@ template<class T, int NC, int NT> void filterOutside(const qvrColumns* c, const 
     store(line + x * NC, sum);
 }
 
-template<class T, int NC, int NT> void filterRow(const qvrColumns* c, const T* row, Line<T>* line)
+template<class T, int NC, int NT, int R>
+void filterRows(const qvrColumns* c, const T* const (&rows)[R], Line<T>* const (&lines)[R])
 {
-    for (Index x = 0; x < c->from; x++)
-        filterOutside<T, NC, NT>(c, row, x, line);
+    for (int r = 0; r < R; r++)
+        for (Index x = c->from > 0 ? 0 : c->to; x < c->width; x = x + 1 == c->from ? c->to : x + 1)
+            filterOutside<T, NC, NT>(c, rows[r], x, lines[r]);
     if (c->from == c->to)
         return;
     if constexpr (NC == 4)
-        filterPixels<NT>(c, row, line);
+        filterPixels<NT, R>(c, rows, lines);
     else
-        filterColumns<NT>(c, row, line);
-    for (Index x = c->to; x < c->width; x++)
-        filterOutside<T, NC, NT>(c, row, x, line);
+        filterColumns<NT, R>(c, rows, lines);
+}
+template<class T, int NC, int NT>
+void filterTapsOf(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
+{
+    const auto row = [=](Index r) { return reinterpret_cast<const T*>(rows[r]); };
+    const auto line = [=](Index r) { return reinterpret_cast<Line<T>*>(lines[r]); };
+    if constexpr (kPair<T> == 2)
+        if (count == 2)
+            return filterRows<T, NC, NT, 2>(c, {row(0), row(1)}, {line(0), line(1)});
+    filterRows<T, NC, NT, 1>(c, {row(0)}, {line(0)});
 }
 template<class T, int NC> void filterTaps(const qvrColumns* c, const char* const* rows, char* const* lines, Index count)
 {
-    for (Index r = 0; r < count; r++) {
-        const T* const row = reinterpret_cast<const T*>(rows[r]);
-        Line<T>* const line = reinterpret_cast<Line<T>*>(lines[r]);
-        if (c->most == 6)
-            filterRow<T, NC, 6>(c, row, line);
-        else if (c->most == 4)
-            filterRow<T, NC, 4>(c, row, line);
-        else if constexpr (sizeof(T) > 1)
-            filterRow<T, NC, 2>(c, row, line);
-    }
+    if (c->most == 6)
+        filterTapsOf<T, NC, 6>(c, rows, lines, count);
+    else if (c->most == 4)
+        filterTapsOf<T, NC, 4>(c, rows, lines, count);
+    else if constexpr (sizeof(T) > 1)
+        filterTapsOf<T, NC, 2>(c, rows, lines, count);
 }
 
 template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, char* to)
@@ -542,7 +573,7 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
 template<class T, int NC>
 constexpr qvrRowKernels kTapsOf = {
     sizeof(T), NC,      sizeof(Line<T>), qvrWeights_plain,  sizeof(T) == 8, kFma,    1,
-    1,         nullptr, findTaps,        filterTaps<T, NC>, blendTaps<T>,   nullptr, nullptr};
+    kPair<T>,  nullptr, findTaps,        filterTaps<T, NC>, blendTaps<T>,   nullptr, nullptr};
 constexpr qvrRowKernels kTaps[] = {kTapsOf<uint8_t, 1>, kTapsOf<uint8_t, 4>, kTapsOf<float, 1>, kTapsOf<double, 1>};
 template<class T, int NC>
 constexpr qvrRowKernels kLowPassOf = {

@@ -412,7 +412,11 @@ void resizeColumns(Job& j, Index from, Index width)
         for (done = done > low ? done : low; done <= high;) {
             const char* rowsOf[kTogether];
             char* to[kTogether];
-            const Index many = least(least(end - done, j.held - (done - low)), k->together);
+            // All rows are needed, unless output rows are further apart than their taps reach.
+            const Index ahead = j.y.lowPass || j.y.inv <= static_cast<double>(j.y.most - 1)
+                                    ? k->together
+                                    : least(k->together, high + 1 - done);
+            const Index many = least(least(end - done, j.held - (done - low)), ahead);
             for (Index i = 0; i < many; i++) {
                 rowsOf[i] = b->src + (done + i) * b->srcStep;
                 to[i] = lineAt(done + i);
