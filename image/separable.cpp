@@ -360,11 +360,21 @@ void resizeColumns(Job& j, Index from, Index width)
     RowLists lists;
     startRows(&j.y, lists);
     const Index rows = b->y.count;
+    Index skipped = 0, trimmed = 0;
     const auto nextWeights = [&](Index n, Index& first, Index& count, double* to) {
         const double* w = nextRow(lists, b->y.first, n, rows, first, count, to);
         const Index begin = first;
         if (ofBytes(k)) {
-            guardRow(j, r.c, first, count, w, r.rows);
+            // A single list is trimmed once.
+            if (lists.lists != 1 || trimmed == 0) {
+                guardRow(j, r.c, first, count, w, r.rows);
+                skipped = first - begin;
+                trimmed = count;
+            } else {
+                first += skipped;
+                w += skipped;
+                count = trimmed;
+            }
             own.at = b->y.first + n;
             own.first = first;
             own.count = count;
@@ -427,9 +437,12 @@ void resizeColumns(Job& j, Index from, Index width)
             tame = finite ? tame : done;
             slot = slot + many < j.held ? slot + many : slot + many - j.held;
         }
-        for (Index t = 0; t < all; t++)
-            r.rows.line[t] = lineAt(clampIndex(first + t, j.y.length));
-        r.rows.finite = low >= tame;
+        char* line = lineAt(clampIndex(first, j.y.length));
+        for (Index t = 0; t < all; t++) {
+            r.rows.line[t] = line;
+            if (first + t >= 0 && first + t < j.y.length - 1)
+                line = line + r.lineBytes < r.lines + j.held * r.lineBytes ? line + r.lineBytes : r.lines;
+        }
         k->blend(&r.c, &r.rows, dst);
     }
 }

@@ -117,7 +117,7 @@ template<class T> QVR_APART void fetch(const qvrColumns* c, const T* row, Index 
     const auto repeat = [=](Index first, Index count, const T* pixel) {
         T edge[4];
         for (Index k = 0; k < 4; k++)
-            edge[k] = get(pixel, k % nc);
+            edge[k] = get(pixel, nc == 1 ? 0 : k);
         for (Index i = 0; i < count * nc; i++)
             to[first * nc + i] = edge[i % 4];
     };

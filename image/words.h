@@ -64,13 +64,13 @@ template<int NC> void makeWords(qvrColumns* c)
 {
     WordTable& table = *static_cast<WordTable*>(c->extra);
     table = tableOf(c);
-    const Index columns = table.columns, lanes = 16 / columns;
+    const Index columns = table.columns, taps = table.taps, lanes = taps * NC;
     // Whole groups, whose last columns nobody takes.
     for (Index x = c->width; x < qvrAlignUp(c->width, Index{8}); x++)
         c->first[x] = c->first[x - 1];
     Index widest = 0;
     for (Index g = 0; g < table.groups; g++) {
-        const Index pixels = c->first[g * columns + columns - 1] - c->first[g * columns] + table.taps;
+        const Index pixels = c->first[g * columns + columns - 1] - c->first[g * columns] + taps;
         widest = pixels > widest ? pixels : widest;
     }
     if (widest * NC <= 16)
@@ -78,32 +78,49 @@ template<int NC> void makeWords(qvrColumns* c)
     WordStep* step = reinterpret_cast<WordStep*>(&table + 1);
     for (Index g = 0; g < table.groups; g++) {
         const int32_t* const first = c->first + g * columns;
-        uint8_t* const shuffle = reinterpret_cast<uint8_t*>(step->word[0]);
+        uint8_t* shuffle = reinterpret_cast<uint8_t*>(step->word[0]);
         float* const error = reinterpret_cast<float*>(step->word[1]);
-        for (Index i = 0; i < 16; i++) {
-            const Index column = i / lanes, tap = i % table.taps, channel = i % lanes / table.taps;
-            const Index base = table.windows == Windows::two ? i / 8 * (columns / 2) : 0;
-            shuffle[2 * i] = static_cast<uint8_t>((first[column] - first[base] + tap) * NC + channel);
-            shuffle[2 * i + 1] = 128;
+        for (Index i = 0; i < columns; i++) {
+            const Index pixel = first[i] - first[table.windows == Windows::two && i >= columns / 2 ? columns / 2 : 0];
+            for (Index k = 0; k < lanes; k++, shuffle += 2) {
+                shuffle[0] = static_cast<uint8_t>((pixel + (k & (taps - 1))) * NC + (NC == 1 ? 0 : k / 2));
+                shuffle[1] = 128;
+            }
         }
         step++;
         __builtin_memset(step, 0, static_cast<size_t>(table.steps) * sizeof(WordStep));
-        for (Index i = 0; i < columns; i++) {
-            const Index x = g * columns + i, index = c->lists < c->width ? x % c->lists : x;
+        Index index = c->lists < c->width ? g * columns % c->lists : g * columns;
+        for (Index i = 0; i < columns; i++, index++) {
+            if (index == c->lists && c->lists < c->width)
+                index = 0;
             if (index >= c->lists)
+                break;
+            if (i > 0 && c->lists == 1) {
+                int16_t* word = step->word[0];
+                for (Index n = 0; n < 3 * table.steps; n++, word += 16)
+                    for (Index k = 0; k < lanes; k++)
+                        word[i * lanes + k] = word[k];
+                for (Index k = 0; k < NC; k++)
+                    error[i * NC + k] = error[k];
                 continue;
+            }
             const double* const list = static_cast<const double*>(c->weights) + index * c->stride;
             float of[3] = {}, rest = 0; // sums of magnitudes
-            for (Index t = 0; t < c->count[index]; t++) {
+            WordStep* to = step;
+            for (Index t = 0, lane = i * lanes; t < c->count[index]; t++) {
                 float w = static_cast<float>(list[t]) * 0x1p14f;
                 for (int n = 0; n < 3; n++, w *= 0x1p15f) {
                     const int16_t v = static_cast<int16_t>(w + (w < 0 ? -0.5f : 0.5f));
                     for (Index k = 0; k < NC; k++)
-                        step[t / table.taps].word[n][i * lanes + k * table.taps + t % table.taps] = v;
+                        to->word[n][lane + k * taps] = v;
                     w -= v;
                     of[n] += __builtin_fabsf(static_cast<float>(v));
                 }
                 rest += __builtin_fabsf(w);
+                if (++lane == i * lanes + taps) {
+                    lane = i * lanes;
+                    to++;
+                }
             }
             float most = static_cast<float>(list[c->stride - 1]) + rest * 0x1p-51f;
             if (most > 0)
