@@ -151,6 +151,17 @@ struct RatioMean {
     Index parts, m;
     int shift;
 };
+// The largest shift for which m is below 2^16; none for a power of two, for which m is one, too. False: it is not
+// exact, which it is up to 128 parts.
+QVR_INLINE bool makeMean(Index parts, RatioMean& mean)
+{
+    mean = {parts, 0, 0};
+    while ((parts & (parts - 1)) != 0 && (Index{2} << mean.shift) <= parts)
+        mean.shift++;
+    const Index power = Index{1} << (16 + mean.shift), largest = 255 * parts + parts / 2;
+    mean.m = (power + parts - 1) / parts;
+    return mean.m <= 65535 && largest * (mean.m * parts - power) < power;
+}
 // n outputs of the row at `place`, from R lines.
 template<int R, bool Shift>
 QVR_APART void averageRows(const RatioStrip& strip, const qvrSuperAxis* y, const RatioPlace& place,
@@ -182,13 +193,8 @@ template<int NC> bool averageRatios(const qvrResizeBand* b, const qvrSuperAxis* 
     if (!kSsse3 || x->q == 0 || y->q == 0 || x->p > 2 * x->q || x->p > kMostCover || x->p * y->p > kRatioParts ||
         y->p > (kRatioRows - kTogether) * y->q || x->length < 16 / NC)
         return false;
-    // The largest shift for which m is below 2^16; none for a power of two, for which m is one, too.
-    RatioMean mean = {x->p * y->p, 0, 0};
-    while ((mean.parts & (mean.parts - 1)) != 0 && (Index{2} << mean.shift) <= mean.parts)
-        mean.shift++;
-    const Index power = Index{1} << (16 + mean.shift), largest = 255 * mean.parts + mean.parts / 2;
-    mean.m = (power + mean.parts - 1) / mean.parts;
-    if (mean.m > 65535 || largest * (mean.m * mean.parts - power) >= power)
+    RatioMean mean;
+    if (!makeMean(x->p * y->p, mean))
         return false;
     const RatioPlace behind = ratioPlace(y, b->y.first + b->y.count);
     const Index last = behind.pixel < y->length ? behind.pixel : y->length; // rows before are needed

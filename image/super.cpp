@@ -328,22 +328,22 @@ template<class T, int NC, class A> QVR_APART void stripOutputs(const Super<A>& s
 
 constexpr Index kBlockPixels = 0x7FFF / 255;
 
-// words[i] = sum of `rows` bytes from p[i] down.
+// words[i] = sum of `rows` bytes from p[i] down. The lines of the rows below are asked for: each row is in pages of its
+// own, which nothing else fetches.
 QVR_INLINE void addDown(const char* p, Index step, Index rows, uint16_t* words, Index n)
 {
-    const auto block = [&]<class V>(V, Index i) {
-        constexpr int W = lanes<V>;
-        const auto pixels = [&](Index k) { return convert<uint16_t>(load<Vec<uint8_t, W>>(p + k * step + i)); };
-        V sum = pixels(0);
-        for (Index k = 1; k < rows; k++)
-            sum += pixels(k);
+    const auto block = [&]<class V>(V sum, Index i) {
+        for (Index k = 0; k < rows; k++) {
+            const char* const at = p + k * step + i;
+            __builtin_prefetch(at + rows * step);
+            sum += convert<uint16_t>(load<Vec<uint8_t, lanes<V>>>(at));
+        }
         store(words + i, sum);
     };
-    constexpr int N = kAvx2 ? 32 : 16;
-    Index i = 0;
-    for (; i + N <= n; i += N)
-        block(Vec<uint16_t, N>{}, i);
-    for (; i < n; i++)
+    constexpr int N = 64;
+    for (Index i = 0; i < n && n >= N; i += N)
+        block(Vec<uint16_t, N>{}, i + N <= n ? i : n - N);
+    for (Index i = 0; i < n && n < N; i++)
         block(Vec<uint16_t, 1>{}, i);
 }
 
@@ -408,21 +408,12 @@ template<int NC> QVR_APART bool smallBlocks(const Super<float>& s, const Strip<f
         addPairs<NC>(words, outputs * width / 2);
     if (width > 1)
         addAlong<NC>(words, width, outputs);
-    constexpr int N = 32;
-    const auto each = [&](const auto& put) {
-        Index i = 0;
-        for (; i + N <= n; i += N)
-            put(i, load<Vec<uint16_t, N>>(words + i));
-        for (; i < n; i++)
-            put(i, load<Vec<uint16_t, 1>>(words + i));
-    };
-    if ((pixels & (pixels - 1)) == 0) {
-        const auto half = static_cast<uint16_t>(pixels / 2);
-        const auto shift = static_cast<uint16_t>(__builtin_ctzll(static_cast<unsigned long long>(pixels)));
-        each([&](Index i, auto w) { store(dst + i, convert<uint8_t>((w + half) >> shift)); });
-    } else {
-        each([&](Index i, auto w) { putOutput(s, dst + i, convert<float>(convert<int32_t>(w))); });
-    }
+    RatioMean mean;
+    makeMean(pixels, mean);
+    putRow(n, dst, [&](Index i) {
+        const Sums raised = load<Sums>(words + i) + static_cast<uint16_t>(pixels / 2);
+        return mulHigh(raised, splat<Sums>(static_cast<uint16_t>(mean.m))) >> static_cast<uint16_t>(mean.shift);
+    });
     return true;
 }
 
