@@ -262,11 +262,7 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
         return makePlaces(j, from, c);
     j.exact = true;
     Index most = 0; // taps that are left
-    for (Index x = 0; x < c.width; x++) {
-        if (x >= c.lists) {
-            c.first[x] = c.first[x - c.lists] + static_cast<int32_t>(c.pixels);
-            continue;
-        }
+    for (Index x = 0; x < c.lists; x++) {
         double* const list = static_cast<double*>(c.weights) + x * c.stride;
         double error;
         const qvrTaps taps = makeList(&j.x, from + x, j.k->wide, ofBytes(j.k), list, error);
@@ -281,6 +277,12 @@ void makeColumns(Job& j, Index from, qvrColumns& c)
         c.count[x] = static_cast<int32_t>(taps.count);
         c.magnitude = magnitude > c.magnitude ? magnitude : c.magnitude;
         most = taps.count > most ? taps.count : most;
+    }
+    for (Index x = c.lists, list = 0, shift = c.pixels; x < c.width; x++) {
+        c.first[x] = c.first[list] + static_cast<int32_t>(shift);
+        const bool next = ++list == c.lists;
+        list = next ? 0 : list;
+        shift += next ? c.pixels : 0;
     }
     c.most = most;
     c.filter = &j.ownX;
