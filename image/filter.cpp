@@ -235,6 +235,10 @@ QVR_APART bool addHalf(const HalfList& l, const double* streams, Index n, float*
     const Index evens = l.end[0] - l.from[0], odds = l.end[1] - l.from[1];
     if (evens == 1 && odds == 2) // linear
         sums(1, 2);
+    else if (evens == 1 && odds == 4) // cubic
+        sums(1, 4);
+    else if (evens == 5 && odds == 6) // Lanczos
+        sums(5, 6);
     else
         sums(evens, odds);
     return !anyTrue(most >= bitcast<Mask<F>>(splat<F>(__builtin_inff())));
