@@ -34,9 +34,9 @@ enum class Windows { two, one, ordered }; // ordered: one, whose pixels need no 
 struct alignas(64) WordTable {
     Index columns, taps; // of a group; of a column in a step
     Index groups, steps; // steps of a group, behind one that holds its shuffle and the errors of its columns' sums
-    Windows windows;
-    bool low;            // some lo is not zero
-    bool exact, certain; // sums of two words, rounded once, are the prescribed ones within the errors; there are none
+    Windows windows = Windows::two;
+    bool low = false;                  // some lo is not zero
+    bool exact = true, certain = true; // sums of two words are the prescribed ones within the errors; there are none
 };
 WordTable tableOf(const qvrColumns* c)
 {
@@ -45,14 +45,8 @@ WordTable tableOf(const qvrColumns* c)
     Index groups = c->lists; // until the lists are those of the first group again
     for (Index n = columns; n > 1 && groups % 2 == 0; n /= 2)
         groups /= 2;
-    return {columns,
-            taps,
-            groups < all && c->lists < c->width ? groups : all,
-            (c->most + taps - 1) / taps,
-            Windows::two,
-            false,
-            true,
-            true};
+    groups = groups < all && c->lists < c->width ? groups : all;
+    return {columns, taps, groups, (c->most + taps - 1) / taps};
 }
 Index wordsBytes(const qvrColumns* c)
 {
@@ -78,6 +72,7 @@ template<int NC> void makeWords(qvrColumns* c)
     WordStep* step = reinterpret_cast<WordStep*>(&table + 1);
     for (Index g = 0; g < table.groups; g++) {
         const int32_t* const first = c->first + g * columns;
+        __builtin_memset(step, 0, static_cast<size_t>(1 + table.steps) * sizeof(WordStep));
         uint8_t* shuffle = reinterpret_cast<uint8_t*>(step->word[0]);
         float* const error = reinterpret_cast<float*>(step->word[1]);
         for (Index i = 0; i < columns; i++) {
@@ -88,7 +83,6 @@ template<int NC> void makeWords(qvrColumns* c)
             }
         }
         step++;
-        __builtin_memset(step, 0, static_cast<size_t>(table.steps) * sizeof(WordStep));
         Index index = c->lists < c->width ? g * columns % c->lists : g * columns;
         for (Index i = 0; i < columns; i++, index++) {
             if (index == c->lists && c->lists < c->width)

@@ -298,26 +298,62 @@ template<int NC> std::vector<uint8_t> prescribedBytes(const Source<uint8_t, NC>&
     return bytes;
 }
 
+// Blocks of two bytes: sums next to their edges are halves, or singles between which a sum is just in the middle.
+template<int NC> Source<uint8_t, NC> blocks(int w, int h, int side, uint8_t low, uint8_t high)
+{
+    Source<uint8_t, NC> s = {w, h};
+    for (int y = 0; y < h; y++)
+        for (int x = 0; x < w; x++)
+            for (int c = 0; c < NC; c++)
+                s.values[size_t(s.elementAt(x, y) + c)] =
+                    (x / side + y / side + (x / side * y / side + c) / 3) % 2 ? high : low;
+    return s;
+}
+
 TEST(ResizePlace, LowPassBytesAreThePrescribed)
 {
-    const auto check = [&]<int NC>(const Source<uint8_t, NC>& s) {
+    const auto check = [&]<int NC>(const Source<uint8_t, NC>& s, std::initializer_list<double> factors, double shift) {
         for (int method : {qvriInterLinear, qvriInterCubicCatmullRom, qvriInterLanczos})
-            for (double f : {0.5, 0.75, 0.625, 0.37, 0.2, 1.3}) {
-                const Job j = wholeImage(s.w, s.h, f, f, method | int(qvriAntialias));
+            for (double f : factors) {
+                Job j = wholeImage(s.w, s.h, f, f, method | int(qvriAntialias));
+                j.xShift = j.yShift = shift;
                 const std::vector<uint8_t> want = prescribedBytes(s, j);
                 slots::each(tableOf<uint8_t, NC>(), [&](auto resize, int) {
                     std::vector<uint8_t> got(want.size());
-                    resizeInto(resize, s, j.srcRoi, got, j.dstRoi.width, j.dstRoi, f, f, 0, 0, j.interpolation);
+                    resizeInto(resize, s, j.srcRoi, got, j.dstRoi.width, j.dstRoi, f, f, shift, shift, j.interpolation);
                     int wrong = 0;
                     for (size_t i = 0; i < want.size(); i++)
                         wrong += got[i] != want[i];
-                    EXPECT_EQ(wrong, 0) << NC << " channels, method " << method << " factor " << f;
+                    EXPECT_EQ(wrong, 0) << NC << " channels, method " << method << " factor " << f << " shift "
+                                        << shift;
                 });
             }
     };
-    check(Source<uint8_t, 1>{421, 317});
-    check(Source<uint8_t, 4>{190, 123});
-    check(ramp());
+    const auto usual = {0.5, 0.75, 0.625, 0.37, 0.2, 1.3};
+    check(Source<uint8_t, 1>{421, 317}, usual, 0);
+    check(Source<uint8_t, 4>{190, 123}, usual, 0);
+    check(ramp(), usual, 0);
+    const auto more = {0.5, 0.75, 0.625, 0.8, 0.37, 0.45, 1.0 / 3, 0.2, 0.13, 0.08};
+    for (int side : {1, 2, 5, 11}) {
+        check(blocks<1>(203, 97, side, 0, 255), more, 0);
+        check(blocks<1>(203, 97, side, 17, 210), more, 0);
+        check(blocks<4>(101, 67, side, 0, 255), more, 0);
+    }
+    check(Source<uint8_t, 1>{203, 97, std::vector<uint8_t>(203 * 97, 255)}, more, 0);
+    check(Source<uint8_t, 1>{203, 97}, more, 0);
+    // Sums along rows in the middle of two singles, and columns with weights next to nothing.
+    Source<uint8_t, 1> slope = {1493, 23}, stripes = {875, 48};
+    for (int y = 0; y < 48; y++)
+        for (int x = 0; x < 1493; x++) {
+            if (y < slope.h)
+                slope.values[size_t(slope.elementAt(x, y))] = uint8_t(x + y * 3 / 2);
+            if (x < stripes.w)
+                stripes.values[size_t(stripes.elementAt(x, y))] = (x / 2 + y) % 2 ? 176 : 103;
+        }
+    check(slope, {0.75, 0.625, 0.45, 1.0 / 3}, 0);
+    check(stripes, {0.75, 0.625, 1.0 / 3}, 0);
+    for (double shift : {0.25, 0.375, 0.1})
+        check(blocks<1>(203, 97, 2, 0, 255), more, shift);
 }
 
 // ---- Means against whole numbers -----------------------------------------------------------------------------------
