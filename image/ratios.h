@@ -18,7 +18,7 @@ constexpr Index kMostCover = 127;    // a signed byte, and so is the sum of two
 constexpr Index kTogether = 4;       // rows that are summed at a time
 constexpr Index kRatioRows = 8;      // lines: those of an output row and what is summed ahead
 constexpr Index kRatioWindows = 160; // of a strip
-constexpr Index kQuarterBytes = 16 << 10;
+constexpr Index kPassBytes = 16 << 10;
 
 using Sums = Vec<uint16_t, kWords>;
 
@@ -253,30 +253,29 @@ template<int NC> constexpr Quarters makeQuarters()
 }
 template<int NC> constexpr Quarters kQuarters = makeQuarters<NC>();
 
-// `Halves` halves of a block down `groups` groups of rows.
-template<int NC, int Halves>
+// A block, of two vectors of sums or of one, down `groups` groups of rows.
+template<int NC, int Vectors>
 QVR_INLINE void quarterBlock(const Quarters::Phase& phase, const uint8_t* src, Index step, uint8_t* dst, Index down,
                              Index groups)
 {
     if constexpr (kSsse3) {
         using Covers = Vec<int8_t, kHalveBytes>;
-        constexpr int perHalf = kHalveBytes / 16;
-        HalveBytes bytes[Halves];
-        Covers covers[Halves], thrice[Halves];
-        for (int k = 0; k < Halves; k++) {
+        HalveBytes bytes[Vectors];
+        Covers covers[Vectors], thrice[Vectors];
+        for (int k = 0; k < Vectors; k++) {
             bytes[k] = load<HalveBytes>(phase.bytes + k * kHalveBytes);
             covers[k] = load<Covers>(phase.covers + k * kHalveBytes);
             thrice[k] = load<Covers>(phase.thrice + k * kHalveBytes);
         }
         for (; groups > 0; groups--, src += 4 * step, dst += 3 * down) {
-            HalveWords out[3][Halves];
-            for (int k = 0; k < Halves; k++) {
+            HalveWords out[3][Vectors];
+            for (int k = 0; k < Vectors; k++) {
                 const auto sums = [&](Index row, Covers by) {
                     const auto window = [&](int w) {
                         return load<Vec<uint8_t, 16>>(src + row * step + Index{phase.at[w]} * NC);
                     };
                     HalveBytes both;
-                    if constexpr (perHalf == 2)
+                    if constexpr (kAvx2)
                         both = concat(window(2 * k), window(2 * k + 1));
                     else
                         both = window(k);
@@ -287,7 +286,7 @@ QVR_INLINE void quarterBlock(const Quarters::Phase& phase, const uint8_t* src, I
                 out[1][k] = shiftedRound<3>(one + two);
                 out[2][k] = shiftedRound<4>(two + sums(3, thrice[k]));
             }
-            if constexpr (Halves == 2) {
+            if constexpr (Vectors == 2) {
                 for (int r = 0; r < 3; r++)
                     store(dst + r * down, packWords(out[r][0], out[r][1]));
             } else {
@@ -300,27 +299,47 @@ QVR_INLINE void quarterBlock(const Quarters::Phase& phase, const uint8_t* src, I
     }
 }
 
-// Groups of rows of a band from row `row` and source row `top` on; unit 4 d + at is the first of output d of a row, no
-// shorter than 16 bytes.
-template<int NC> void averageQuarters(const qvrResizeBand* b, Index at, Index row, Index top, Index groups)
+// Groups of rows of a band from source row `top` on; unit 4 d + at is the first of output d of a row.
+template<int NC> void averageGroups(const qvrResizeBand* b, Index at, Index top)
 {
     // Outputs are counted from one on that begins with a pixel.
     const Index unit = 4 * b->x.first + at, from = unit % 3, left = (unit - 4 * from) / 3, n = b->x.count * NC;
-    const Index step = b->srcStep, down = b->dstStep, pass = 1 + kQuarterBytes / (4 * n);
+    const Index groups = b->y.count / 3, pass = 1 + kPassBytes / (4 * n);
     for (Index g = 0; g < groups; g += pass) {
         const uint8_t* const src = reinterpret_cast<const uint8_t*>(sourceRow(b, top + 4 * g)) + left * NC;
-        uint8_t* const dst = reinterpret_cast<uint8_t*>(outputRow(b, row + 3 * g, NC));
-        const auto block = [&]<int Halves>(Index i) {
+        uint8_t* const dst = reinterpret_cast<uint8_t*>(outputRow(b, 3 * g, NC));
+        const auto block = [&]<int Vectors>(Index i) {
             const auto x = static_cast<uint64_t>(from + i / NC);
-            quarterBlock<NC, Halves>(kQuarters<NC>.phase[x % 3], src + static_cast<Index>(x / 3) * 4 * NC, step,
-                                     dst + i, down, groups - g < pass ? groups - g : pass);
-            return i + Halves * kWords;
+            quarterBlock<NC, Vectors>(kQuarters<NC>.phase[x % 3], src + static_cast<Index>(x / 3) * 4 * NC, b->srcStep,
+                                      dst + i, b->dstStep, groups - g < pass ? groups - g : pass);
+            return i + Vectors * kWords;
         };
         for (Index i = 0; i < n;)
             i = kAvx2 && (n - i <= kWords || n < 2 * kWords)
                     ? block.template operator()<1>(i + kWords <= n ? i : n - kWords)
                     : block.template operator()<2>(i + 2 * kWords <= n ? i : n - 2 * kWords);
     }
+}
+
+// A band at 3 : 4 along both axes whose columns are inside the image; false if it is none. Rows that do not belong to
+// a whole group are averaged by themselves.
+template<int NC> bool averageQuarters(const qvrResizeBand* b, const qvrSuperAxis* x, const qvrSuperAxis* y)
+{
+    const Index from = 4 * b->x.first + x->at, to = from + 4 * b->x.count;
+    if (!kSsse3 || x->q != 3 || x->p != 4 || y->q != 3 || y->p != 4 || b->x.count * NC < 16 || from < 0 ||
+        to > 3 * x->length)
+        return false;
+    qvrResizeBand rows = *b;
+    for (Index left = b->y.count; left > 0; left -= rows.y.count, rows.y.first += rows.y.count) {
+        const Index unit = 4 * rows.y.first + y->at, inside = (3 * y->length - unit) / 12;
+        const Index groups = unit < 0 || unit % 3 != 0 ? 0 : left / 3 < inside ? left / 3 : inside;
+        rows.y.count = groups > 0 ? static_cast<int32_t>(3 * groups) : 1;
+        if (groups > 0)
+            averageGroups<NC>(&rows, x->at, unit / 3);
+        else
+            averageRatios<NC>(&rows, x, y);
+    }
+    return true;
 }
 
 } // namespace

@@ -482,32 +482,6 @@ template<class T, int NC, class A> void superBand(Super<A>& s)
     }
 }
 
-template<class T, int NC> void super(const qvrResizeBand* b);
-
-// Three rows of four at 3 : 4, and apart those before and behind; false if there are none.
-template<int NC> bool averageGroups(const qvrResizeBand* b, const qvrSuperAxis& x, const qvrSuperAxis& y)
-{
-    if (!kSsse3 || x.q != 3 || x.p != 4 || y.q != 3 || y.p != 4 || b->x.count * NC < 16)
-        return false;
-    const Index left = 4 * b->x.first + x.at, units = 4 * b->y.first + y.at;
-    const Index before = units > 0 ? (3 - units % 3) % 3 : 0, groups = (b->y.count - before) / 3;
-    const Index top = (units + 4 * before) / 3;
-    if (left < 0 || left + 4 * b->x.count > 3 * x.length || units < 0 || groups < 1 || top + 4 * groups > y.length)
-        return false;
-    averageQuarters<NC>(b, x.at, before, top, groups);
-    const auto rest = [&](Index from, Index count) {
-        qvrResizeBand rows = *b;
-        rows.y.first += from;
-        rows.y.count = static_cast<int32_t>(count);
-        super<uint8_t, NC>(&rows);
-    };
-    if (before > 0)
-        rest(0, before);
-    if (const Index done = before + 3 * groups; done < b->y.count)
-        rest(done, b->y.count - done);
-    return true;
-}
-
 template<class T, int NC> void super(const qvrResizeBand* b)
 {
     if constexpr (sizeof(T) == 1)
@@ -523,7 +497,7 @@ template<class T, int NC> void super(const qvrResizeBand* b)
     if constexpr (sizeof(T) == 1) {
         if (s.x.p * s.y.p == 1)
             return SLOT(ownResizeNearest)(b, NC == 1 ? qvrPixel_8u_C1 : qvrPixel_8u_C4);
-        if (averageGroups<NC>(b, s.x, s.y) || averageRatios<NC>(b, &s.x, &s.y))
+        if (averageQuarters<NC>(b, &s.x, &s.y) || averageRatios<NC>(b, &s.x, &s.y))
             return;
         // Sums are at most 255 times the parts of an output. sum / parts + 1/2 is a multiple of 1 / (2 parts): with
         // half of that more, no rounding takes it to the other side of a whole number.
