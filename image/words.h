@@ -11,10 +11,10 @@
 // are nothing and the sums of lo are singles, the two whole sums give the prescribed one at once.
 //
 // Tables are groups of columns in steps of 16 products each. Two windows of 16 bytes hold the pixels of half of a group
-// each, or one all of them; a stored shuffle brings those of a step to their place, two taps of a column and channel
-// into 32 bits, and windows move on by the taps of a step. One channel has eight columns in a group, below a quarter
-// four with twice the taps in a step, below a tenth two; sums of a column in several lanes are added at the end. Four
-// channels have two.
+// each, for two steps, or one all of them; a stored shuffle brings those of a step to their place, two taps of a column
+// and channel into 32 bits, and windows move on by the taps of steps. One channel has eight columns in a group, below a
+// quarter four with twice the taps in a step, below an eighth two; sums of a column in several lanes are added at the
+// end. Four channels have two.
 #ifndef QVR_IMAGE_WORDS_H
 #define QVR_IMAGE_WORDS_H
 
@@ -40,7 +40,7 @@ struct alignas(64) WordTable {
 };
 WordTable tableOf(const qvrColumns* c)
 {
-    const Index columns = c->channels == 4 ? 2 : c->inv <= 4 ? 8 : c->inv <= 10 ? 4 : 2;
+    const Index columns = c->channels == 4 ? 2 : c->inv <= 4 ? 8 : c->inv <= 8 ? 4 : 2;
     const Index all = (c->width + columns - 1) / columns, taps = 16 / (columns * c->channels);
     Index groups = c->lists; // until the lists are those of the first group again
     for (Index n = columns; n > 1 && groups % 2 == 0; n /= 2)
@@ -161,34 +161,45 @@ QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const Word
     using Window = Vec<uint8_t, 16>;
     const Index steps = table.steps, columns = table.columns, move = table.taps * NC;
     Index low = Index{c->first[x]} * NC;
-    Index high = table.windows == Windows::two ? Index{c->first[x + columns / 2]} * NC : low;
-    const auto shuffle = load<Vec<uint8_t, 32>>((step++)->word[0]);
-    const auto take = [&]<bool First>(Index k) __attribute__((always_inline)) {
-        Words w[N];
-        for (int n = 0; n < N; n++)
-            w[n] = load<Words>(step[k].word[n]);
+    Index high = W == Windows::two ? Index{c->first[x + columns / 2]} * NC : low;
+    using Shuffle = Vec<uint8_t, 32>;
+    const Shuffle shuffle = load<Shuffle>((step++)->word[0]), second = shuffle + static_cast<uint8_t>(move);
+    const auto take = [&]<bool First, int K>(Index k) __attribute__((always_inline)) {
         for (int r = 0; r < R; r++) {
             const uint8_t* const p = row[r];
-            Words pixels;
-            if constexpr (W == Windows::ordered) {
-                pixels = convert<int16_t>(load<Window>(p + low));
-            } else if constexpr (kSsse3) {
-                const auto window = load<Window>(p + low), other = W == Windows::one ? window : load<Window>(p + high);
-                pixels = bitcast<Words>(shuffleBytes(concat(window, other), shuffle));
-            } else {
-                pixels = pixelsAt<NC>(p + move * k, c->first + x, columns);
+            Vec<uint8_t, 32> windows;
+            if constexpr (kSsse3 && W != Windows::ordered) {
+                const auto window = load<Window>(p + low);
+                windows = concat(window, W == Windows::one ? window : load<Window>(p + high));
             }
-            for (int n = 0; n < N; n++)
-                sum[n][r] = First ? addProductPairs(pixels, w[n]) : sum[n][r] + addProductPairs(pixels, w[n]);
+            for (int i = 0; i < K; i++) {
+                Words pixels;
+                if constexpr (W == Windows::ordered)
+                    pixels = convert<int16_t>(load<Window>(p + low));
+                else if constexpr (kSsse3)
+                    pixels = bitcast<Words>(shuffleBytes(windows, i == 0 ? shuffle : second));
+                else
+                    pixels = pixelsAt<NC>(p + move * (k + i), c->first + x, columns);
+                for (int n = 0; n < N; n++) {
+                    const WordSums products = addProductPairs(pixels, load<Words>(step[k + i].word[n]));
+                    sum[n][r] = First && i == 0 ? products : sum[n][r] + products;
+                }
+            }
         }
-        low += move;
-        high += move;
+        low += K * move;
+        high += K * move;
         __asm__("" : "+r"(low), "+r"(high)); // offsets of all rows, not a pointer for each
     };
-    take.template operator()<true>(0);
+    constexpr int K = W == Windows::two ? 2 : 1;
+    if (steps < K)
+        return take.template operator()<true, 1>(0);
+    take.template operator()<true, K>(0);
+    Index k = K;
 #pragma nounroll
-    for (Index k = 1; k < steps; k++)
-        take.template operator()<false>(k);
+    for (; k + K <= steps; k += K)
+        take.template operator()<false, K>(k);
+    if (k < steps)
+        take.template operator()<false, 1>(k);
 }
 QVR_INLINE const WordStep* groupOf(const WordTable& table, Index group)
 {
@@ -320,7 +331,10 @@ QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const uint32_t
         for (uint32_t g = 0; g < all; g++) {
             const WordStep* const step = groupOf(table, group);
             WordSums sums[N][1];
-            addSteps<NC, 1, N, Windows::two>(c, table, step, x + g * columns, &s, sums);
+            if (table.windows == Windows::two)
+                addSteps<NC, 1, N, Windows::two>(c, table, step, x + g * columns, &s, sums);
+            else
+                addSteps<NC, 1, N, Windows::one>(c, table, step, x + g * columns, &s, sums);
             for (int n = 0; n < N; n++)
                 whole[n][g] = sums[n][0];
             store(errors + g * columns * NC, load<V>(step->word[1]));
