@@ -101,7 +101,7 @@ struct Halves {
 QVR_INLINE Halves halvesOf(const qvrResizeBand* b)
 {
     const auto start = [](const qvrResizeAxis& a) {
-        const Index at = static_cast<Index>(a.off);
+        const Index at = a.inv == 2 ? static_cast<Index>(a.off) : 0; // others may be beyond an Index
         return a.inv == 2 && a.off == static_cast<double>(at) ? wholeStart(a, 2, 1, at) : -1;
     };
     const Index left = start(b->x);

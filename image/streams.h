@@ -24,17 +24,20 @@ template<class To, class From> QVR_INLINE Vec<To, lanes<From>> widened(From v)
         return convert<To>(v);
 }
 
-// block<N>(i) for i = 0 .. count - 1: R registers of A at a time, then one, then single elements.
+// block<N>(i) for all of 0 .. count - 1, some of them twice: by R registers of A, by one, or by single elements.
 template<class A, int R = 8, class F> QVR_INLINE void eachBlock(Index count, const F& block)
 {
     constexpr int L = kLanes<A>;
-    Index i = 0;
-    for (; i + R * L <= count; i += R * L)
-        block.template operator()<R * L>(i);
-    for (; i + L <= count; i += L)
-        block.template operator()<L>(i);
-    for (; i < count; i++)
-        block.template operator()<1>(i);
+    const auto by = [&]<int N>(Indices<N>) {
+        for (Index i = 0; i < count; i += N)
+            block.template operator()<N>(i < count - N ? i : count - N);
+    };
+    if (count >= R * L)
+        by(Indices<R * L>{});
+    else if (count >= L)
+        by(Indices<L>{});
+    else
+        by(Indices<1>{});
 }
 
 // ---- Sums of streams ------------------------------------------------------------------------------------------------
