@@ -58,7 +58,9 @@ bool clip(int32_t length, int32_t srcAt, int32_t srcCount, int32_t dstAt, int32_
         return false;
     const int64_t first = edges ? ceilOf(least - kWholeCover) : truncOf(least + kStartRound);
     const int64_t end = edges ? floorOf(most + kWholeCover) : truncOf(most + kEndRound);
-    *axis = {1.0 / factor, shift == 0 ? 0 : 0 - shift / factor, first, static_cast<int32_t>(end - first), length};
+    axis->first = first;
+    axis->count = static_cast<int32_t>(end - first);
+    axis->length = length;
     return first < end;
 }
 
@@ -140,11 +142,17 @@ qvrStatus qvrMakeResizePlan(qvriSize srcSize, const qvriRect* srcRoi, const qvri
     plan->band.method = method;
     plan->band.lowPass = (plan->flags & qvriAntialias) != 0;
     const bool edges = (plan->flags & (qvriEdgeBlend | qvriEdgeFade)) != 0;
-    const bool any = clip(srcSize.width, srcRoi->x, srcRoi->width, dstRoi->x, dstRoi->width, xFactor, xShift, edges,
-                          &plan->band.x, &plan->xMinF, &plan->xMaxF) &&
-                     clip(srcSize.height, srcRoi->y, srcRoi->height, dstRoi->y, dstRoi->height, yFactor, yShift, edges,
-                          &plan->band.y, &plan->yMinF, &plan->yMaxF);
-    return any ? qvrOk : qvrWarnNothingToDo;
+    qvrResizeAxis &x = plan->band.x, &y = plan->band.y;
+    if (!clip(srcSize.width, srcRoi->x, srcRoi->width, dstRoi->x, dstRoi->width, xFactor, xShift, edges, &x,
+              &plan->xMinF, &plan->xMaxF) ||
+        !clip(srcSize.height, srcRoi->y, srcRoi->height, dstRoi->y, dstRoi->height, yFactor, yShift, edges, &y,
+              &plan->yMinF, &plan->yMaxF))
+        return qvrWarnNothingToDo;
+    x.inv = 1.0 / xFactor;
+    x.off = 0 - xShift / xFactor;
+    y.inv = 1.0 / yFactor;
+    y.off = 0 - yShift / yFactor;
+    return qvrOk;
 }
 
 qvrStatus qvrResizeThreadBytes(const qvriRect* src, const qvriRect* dst, int channels, int32_t interpolation,
