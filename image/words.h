@@ -11,10 +11,10 @@
 // are nothing and the sums of lo are singles, the two whole sums give the prescribed one at once.
 //
 // Tables are groups of columns in steps of 16 products each. Two windows of 16 bytes hold the pixels of half of a group
-// each, for two steps, or one all of them; a stored shuffle brings those of a step to their place, two taps of a column
-// and channel into 32 bits, and windows move on by the taps of steps. One channel has eight columns in a group, below a
-// quarter four with twice the taps in a step, below an eighth two; sums of a column in several lanes are added at the
-// end. Four channels have two.
+// each, maybe for two steps, or one all of them; a stored shuffle brings those of a step to their place, two taps of a
+// column and channel into 32 bits, and windows move on by the taps of steps. One channel has eight columns in a group,
+// below a quarter four with twice the taps in a step, below a tenth two; sums of a column in several lanes are added at
+// the end. Four channels have two.
 #ifndef QVR_IMAGE_WORDS_H
 #define QVR_IMAGE_WORDS_H
 
@@ -30,7 +30,8 @@ using WordSums = Vec<int32_t, 8>;
 struct WordStep {
     alignas(32) int16_t word[3][16]; // hi, lo, tiny
 };
-enum class Windows { two, one, ordered }; // ordered: one, whose pixels need no shuffle
+// Paired: two that serve two steps. Ordered: one, whose pixels need no shuffle.
+enum class Windows { two, paired, one, ordered };
 struct alignas(64) WordTable {
     Index columns, taps; // of a group; of a column in a step
     Index groups, steps; // steps of a group, behind one that holds its shuffle and the errors of its columns' sums
@@ -40,7 +41,7 @@ struct alignas(64) WordTable {
 };
 WordTable tableOf(const qvrColumns* c)
 {
-    const Index columns = c->channels == 4 ? 2 : c->inv <= 4 ? 8 : c->inv <= 8 ? 4 : 2;
+    const Index columns = c->channels == 4 ? 2 : c->inv <= 4 ? 8 : c->inv <= 10 ? 4 : 2;
     const Index all = (c->width + columns - 1) / columns, taps = 16 / (columns * c->channels);
     Index groups = c->lists; // until the lists are those of the first group again
     for (Index n = columns; n > 1 && groups % 2 == 0; n /= 2)
@@ -56,19 +57,26 @@ Index wordsBytes(const qvrColumns* c)
 
 template<int NC> void makeWords(qvrColumns* c)
 {
+    using V = Vec<float, 8>;
+    using D = Vec<double, 8>;
     WordTable& table = *static_cast<WordTable*>(c->extra);
     table = tableOf(c);
     const Index columns = table.columns, taps = table.taps, lanes = taps * NC;
     // Whole groups, whose last columns nobody takes.
     for (Index x = c->width; x < qvrAlignUp(c->width, Index{8}); x++)
         c->first[x] = c->first[x - 1];
-    Index widest = 0;
+    Index widest = 0, half = 0;
     for (Index g = 0; g < table.groups; g++) {
-        const Index pixels = c->first[g * columns + columns - 1] - c->first[g * columns] + taps;
-        widest = pixels > widest ? pixels : widest;
+        const int32_t *const first = c->first + g * columns, *const second = first + columns / 2;
+        const Index left = second[-1] - first[0], right = second[columns / 2 - 1] - second[0];
+        widest = right + second[0] - first[0] > widest ? right + second[0] - first[0] : widest;
+        half = left > half ? left : half;
+        half = right > half ? right : half;
     }
-    if (widest * NC <= 16)
+    if ((widest + taps) * NC <= 16)
         table.windows = columns == 8 && c->lists == 1 && c->pixels == 2 ? Windows::ordered : Windows::one;
+    else if ((half + 2 * taps) * NC <= 16)
+        table.windows = Windows::paired;
     WordStep* step = reinterpret_cast<WordStep*>(&table + 1);
     for (Index g = 0; g < table.groups; g++) {
         const int32_t* const first = c->first + g * columns;
@@ -76,7 +84,8 @@ template<int NC> void makeWords(qvrColumns* c)
         uint8_t* shuffle = reinterpret_cast<uint8_t*>(step->word[0]);
         float* const error = reinterpret_cast<float*>(step->word[1]);
         for (Index i = 0; i < columns; i++) {
-            const Index pixel = first[i] - first[table.windows == Windows::two && i >= columns / 2 ? columns / 2 : 0];
+            const Index pixel =
+                first[i] - first[table.windows <= Windows::paired && i >= columns / 2 ? columns / 2 : 0];
             for (Index k = 0; k < lanes; k++, shuffle += 2) {
                 shuffle[0] = static_cast<uint8_t>((pixel + (k & (taps - 1))) * NC + (NC == 1 ? 0 : k / 2));
                 shuffle[1] = 128;
@@ -99,26 +108,37 @@ template<int NC> void makeWords(qvrColumns* c)
                 continue;
             }
             const double* const list = static_cast<const double*>(c->weights) + index * c->stride;
-            float of[3] = {}, rest = 0; // sums of magnitudes
+            const Index count = c->count[index];
+            V sums[4] = {}; // of magnitudes of words, and of the rest
             WordStep* to = step;
-            for (Index t = 0, lane = i * lanes; t < c->count[index]; t++) {
-                float w = static_cast<float>(list[t]) * 0x1p14f;
-                for (int n = 0; n < 3; n++, w *= 0x1p15f) {
-                    const int16_t v = static_cast<int16_t>(w + (w < 0 ? -0.5f : 0.5f));
-                    for (Index k = 0; k < NC; k++)
-                        to->word[n][lane + k * taps] = v;
-                    w -= v;
-                    of[n] += __builtin_fabsf(static_cast<float>(v));
+            for (Index t = 0, lane = i * lanes; t < count; t += 8) {
+                const int some = count - t < 8 ? static_cast<int>(count - t) : 8;
+                const D w = some < 8 ? loadPartial<D>(list + t, some) : load<D>(list + t);
+                V left = convert<float>(w) * splat<V>(0x1p14f);
+                WordSums words[3];
+                for (int n = 0; n < 3; n++) {
+                    const V nearest = roundNearest(left);
+                    words[n] = toIntTruncate(nearest);
+                    sums[n] += abs(nearest);
+                    left = (left - nearest) * splat<V>(0x1p15f);
                 }
-                rest += __builtin_fabsf(w);
-                if (++lane == i * lanes + taps) {
-                    lane = i * lanes;
-                    to++;
+                sums[3] += abs(left);
+                for (int k = 0; k < some; k++) {
+                    for (Index j = 0; j < NC; j++)
+                        for (int n = 0; n < 3; n++)
+                            to->word[n][lane + j * taps] = static_cast<int16_t>(words[n][k]);
+                    if (++lane == i * lanes + taps) {
+                        lane = i * lanes;
+                        to++;
+                    }
                 }
             }
-            float most = static_cast<float>(list[c->stride - 1]) + rest * 0x1p-51f;
+            float of[4] = {};
+            for (int k = 0; k < 32; k++)
+                of[k / 8] += sums[k / 8][k % 8];
+            float most = static_cast<float>(list[c->stride - 1]) + of[3] * 0x1p-51f;
             if (most > 0)
-                most += static_cast<float>(c->count[index]) * 0x1p-40f;
+                most += static_cast<float>(count) * 0x1p-40f;
             if (of[0] >= 0x1p15f)
                 most = 512;
             for (Index k = 0; k < NC; k++)
@@ -161,7 +181,7 @@ QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const Word
     using Window = Vec<uint8_t, 16>;
     const Index steps = table.steps, columns = table.columns, move = table.taps * NC;
     Index low = Index{c->first[x]} * NC;
-    Index high = W == Windows::two ? Index{c->first[x + columns / 2]} * NC : low;
+    Index high = W <= Windows::paired ? Index{c->first[x + columns / 2]} * NC : low;
     using Shuffle = Vec<uint8_t, 32>;
     const Shuffle shuffle = load<Shuffle>((step++)->word[0]), second = shuffle + static_cast<uint8_t>(move);
     const auto take = [&]<bool First, int K>(Index k) __attribute__((always_inline)) {
@@ -190,7 +210,7 @@ QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const Word
         high += K * move;
         __asm__("" : "+r"(low), "+r"(high)); // offsets of all rows, not a pointer for each
     };
-    constexpr int K = W == Windows::two ? 2 : 1;
+    constexpr int K = W == Windows::paired ? 2 : 1;
     if (steps < K)
         return take.template operator()<true, 1>(0);
     take.template operator()<true, K>(0);
@@ -275,6 +295,8 @@ template<int NC> void filterWords(const qvrColumns* c, const char* const* rows, 
         byWords.template operator()<Windows::ordered>();
     else if (table.windows == Windows::two)
         byWords.template operator()<Windows::two>();
+    else if (table.windows == Windows::paired)
+        byWords.template operator()<Windows::paired>();
     else
         byWords.template operator()<Windows::one>();
 }
@@ -327,11 +349,11 @@ QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const uint32_t
         }
         WordSums whole[N][4];
         alignas(32) float errors[16];
-        uint32_t group = x / columns % groups;
+        uint32_t group = eights[k] * all % groups;
         for (uint32_t g = 0; g < all; g++) {
             const WordStep* const step = groupOf(table, group);
             WordSums sums[N][1];
-            if (table.windows == Windows::two)
+            if (table.windows <= Windows::paired)
                 addSteps<NC, 1, N, Windows::two>(c, table, step, x + g * columns, &s, sums);
             else
                 addSteps<NC, 1, N, Windows::one>(c, table, step, x + g * columns, &s, sums);
@@ -344,7 +366,7 @@ QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const uint32_t
             for (auto& of : whole)
                 for (uint32_t g = 0; g < left; g++)
                     of[g] = evens(of[2 * g], of[2 * g + 1]) + odds(of[2 * g], of[2 * g + 1]);
-        const V error = load<V>(errors);
+        const V error = Exact ? load<V>(groupOf(table, eights[k] % groups)->word[1]) : load<V>(errors);
         V low, high; // what is prescribed is between them
         if constexpr (Exact) {
             const V most = convert<float>(whole[0][0]) * splat<V>(0x1p-14f), rest = convert<float>(whole[1][0]);
