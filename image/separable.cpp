@@ -445,6 +445,7 @@ void resizeColumns(Job& j, Index from, Index width)
             if (first + t >= 0 && first + t < j.y.length - 1)
                 line = line + r.lineBytes < r.lines + j.held * r.lineBytes ? line + r.lineBytes : r.lines;
         }
+        r.rows.finite = low >= tame;
         k->blend(&r.c, &r.rows, dst);
     }
 }
