@@ -104,8 +104,9 @@ template<class V> struct Pairwise {
 
 // ---- Down the columns -----------------------------------------------------------------------------------------------
 
-// Bytes: rows `from` to `to` - 1 of the output's, whole rows in 16 bits. The lines of as many further on are asked for.
-template<class A, class V>
+// Bytes: rows `from` to `to` - 1 of the output's, whole rows in 16 bits. Of many (not All at once) those of the next
+// turn are asked for.
+template<bool All, class A, class V>
 QVR_INLINE void sumBytes(const Super<A>& s, const uint8_t* p, Index i, V, Index from, Index to)
 {
     constexpr int W = lanes<V>;
@@ -114,18 +115,18 @@ QVR_INLINE void sumBytes(const Super<A>& s, const uint8_t* p, Index i, V, Index 
         const auto bytes = convert<int32_t>(load<Vec<uint8_t, W>>(p + k * step + i));
         return addProduct(convert<A>(bytes), splat<V>(static_cast<A>(cover)), sum);
     };
-    V sum = from == 0 ? part(0, s.rows.head, V{}) : load<V>(s.line + i);
-    const Index first = from == 0 ? 1 : from, end = to > last ? last : to;
+    V sum = All || from == 0 ? part(0, s.rows.head, V{}) : load<V>(s.line + i);
+    const Index first = All || from == 0 ? 1 : from, end = All || to > last ? last : to;
     if (first < end) {
         Vec<uint16_t, W> words = {};
         for (Index k = first; k < end; k++) {
-            if (to <= last)
+            if (!All)
                 __builtin_prefetch(p + (k + kRowsAtOnce) * step + i);
             words += convert<uint16_t>(load<Vec<uint8_t, W>>(p + k * step + i));
         }
         sum = addProduct(convert<A>(convert<int32_t>(words)), splat<V>(s.unitY), sum);
     }
-    if (last > 0 && to > last)
+    if (last > 0 && (All || to > last))
         sum = part(last, s.rows.tail, sum);
     store(s.line + i, sum);
 }
@@ -173,7 +174,7 @@ template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from
         to = sizeof(T) != 1 || k + rows + 2 >= count ? count : k + rows + (k == 0);
         const auto block = [&]<class V, int Many = 1>(Index at, V v) {
             if constexpr (sizeof(T) == 1)
-                sumBytes(s, p, at, v, k, to);
+                k == 0 && to == count ? sumBytes<true>(s, p, at, v, k, to) : sumBytes<false>(s, p, at, v, k, to);
             else
                 sumFloats<T, V, Many>(s, p, at, s.line);
         };
@@ -259,6 +260,9 @@ template<int N> QVR_INLINE Vec<double, N> sumFew(const Super<double>& s, const S
     return addProduct(end, load<V>(strip.tail + x), sum + between * s.unitX);
 }
 
+// Where the order of a sum does not matter, or there are as many outputs as lanes, they have constant numbers of taps.
+template<class T, int NC, class A> constexpr bool kSideBySide = sizeof(T) == 1 && (NC == 1 || sizeof(A) == 4);
+
 // Neighbouring outputs of one channel.
 template<int N, int Taps, class A> QVR_INLINE Vec<A, N> sumTaps(const Super<A>& s, const Strip<A>& strip, Index x)
 {
@@ -266,10 +270,7 @@ template<int N, int Taps, class A> QVR_INLINE Vec<A, N> sumTaps(const Super<A>& 
     V sum = {};
     for (Index k = 0; k < Taps; k += 4) {
         V t[4];
-        if constexpr (N == 1) {
-            for (int i = 0; i < 4; i++)
-                t[i] = load<V>(s.line + strip.start[x] + k + i);
-        } else if constexpr (sizeof(A) == 4) {
+        if constexpr (sizeof(A) == 4) {
             fourColumns([&](int i) { return s.line + strip.start[x + i] + k; }, t);
         } else {
             pairColumns([&](int i) { return s.line + strip.start[x + i] + k; }, t[0], t[1]);
@@ -285,16 +286,22 @@ template<class T, int NC, class A> QVR_APART void stripOutputs(const Super<A>& s
 {
     const Index outputs = strip.to - strip.from;
     Index x = 0;
-    if constexpr (sizeof(T) == 1 && NC == 1) {
+    if constexpr (kSideBySide<T, NC, A>) {
         const auto sums = [&]<int Taps>() {
             constexpr int N = kLanes<A>;
             const auto some = [&](Index at) { return sumTaps<N, Taps>(s, strip, x + at * N); };
-            for (; x < outputs && outputs >= 4 * N; x += 4 * N) {
+            for (; NC == 1 && x < outputs && outputs >= 4 * N; x += 4 * N) {
                 x = x + 4 * N <= outputs ? x : outputs - 4 * N;
                 putOutput(s, dst + x, concat(concat(some(0), some(1)), concat(some(2), some(3))));
             }
-            for (; x < outputs; x++)
-                putOutput(s, dst + x, sumTaps<1, Taps>(s, strip, x));
+            for (; x < outputs; x++) {
+                Vec<A, NC> sum = {};
+                for (Index k = 0; k < Taps; k++) {
+                    const auto pixel = load<Vec<A, NC>>(s.line + (strip.start[x] + k) * NC);
+                    sum = addProduct(pixel, splat<Vec<A, NC>>(strip.weight[k][x]), sum);
+                }
+                putOutput(s, dst + x * NC, sum);
+            }
         };
         if (strip.taps == 4)
             sums.template operator()<4>();
@@ -462,7 +469,7 @@ template<class T, int NC, class A> void superBand(Super<A>& s)
     };
     Strip<A> strip;
     for (Index x = 0; x < width; x = strip.to) {
-        makeStrip(s, x, sizeof(T) == 1 && NC == 1, strip);
+        makeStrip(s, x, kSideBySide<T, NC, A>, strip);
         if (strip.to == x) {
             qvrCover c;
             qvrCoverOf(&s.x, s.whole, b->x.first + x, &c);
