@@ -21,7 +21,7 @@ constexpr Index kRowsIn16 = 257, kRowsAtOnce = 16;
 
 // Outputs of a strip, long enough to read whole pages of a row: their columns take 45 KiB of the stack.
 template<class A> constexpr Index kStrip = sizeof(A) == 8 ? 512 : 640;
-// Outputs of no more pixels are added up side by side; loads of four pixels may reach past the line.
+// Outputs of no more pixels are added up side by side; loads may reach as many pixels past the line.
 constexpr Index kTaps = 8, kPast = 12;
 // Pixels of floats that are added one after another: the ends and a group of eight.
 constexpr Index kFew = 10;
@@ -169,7 +169,6 @@ template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from
     constexpr int N = sizeof(T) == 1 ? 64 : 4 * kLanes<A>, M = sizeof(T) == 1 ? 1 : 8;
     const T* const p = reinterpret_cast<const T*>(sourceRow(s.band, s.rows.first)) + from;
     const Index count = s.rows.count, rows = s.whole ? kRowsAtOnce : kRowsIn16;
-    Index i = 0;
     for (Index k = 0, to; k < count; k = to) {
         to = sizeof(T) != 1 || k + rows + 2 >= count ? count : k + rows + (k == 0);
         const auto block = [&]<class V, int Many = 1>(Index at, V v) {
@@ -178,7 +177,7 @@ template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from
             else
                 sumFloats<T, V, Many>(s, p, at, s.line);
         };
-        i = 0;
+        Index i = 0;
         for (; i + M * N <= n; i += M * N)
             block.template operator()<Vec<A, N>, M>(i, {});
         for (; i + N <= n; i += N)
@@ -188,8 +187,6 @@ template<class T, class A> QVR_APART void makeLine(const Super<A>& s, Index from
         for (; i < n; i++)
             block(i, Vec<A, 1>{});
     }
-    for (Index k = 0; k < kPast; k++)
-        s.line[i + k] = 0;
 }
 
 // ---- Along the line -------------------------------------------------------------------------------------------------
@@ -461,7 +458,7 @@ template<class T, int NC, class A> void superBand(Super<A>& s)
     const qvrResizeBand* const b = s.band;
     Carver carver = bufferOf(b);
     s.line = carver.take<A>(0, 16);
-    s.room = ((carver.end - carver.at) / static_cast<Index>(sizeof(A)) - kPast) / NC;
+    s.room = ((carver.end - carver.at) / static_cast<Index>(sizeof(A))) / NC - kPast;
     const Index width = b->x.count;
     const auto output = [&](Index n, Index x) {
         qvrCoverOf(&s.y, s.whole, b->y.first + n, &s.rows);
@@ -483,6 +480,8 @@ template<class T, int NC, class A> void superBand(Super<A>& s)
                     if (smallBlocks<NC>(s, strip, dst))
                         continue;
                 makeLine<T>(s, strip.base * NC, strip.span * NC);
+                for (Index k = 0; k < kPast * NC; k++)
+                    s.line[strip.span * NC + k] = 0;
                 stripOutputs<T, NC>(s, strip, dst);
             }
         }

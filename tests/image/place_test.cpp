@@ -25,9 +25,10 @@ void resizeInto(Resize resize, const Source<T, NC>& s, qvriRect from, std::vecto
     int bytes = 0;
     ASSERT_GE((bufferSize<T>(from, to, NC, interpolation, &bytes)), 0);
     Guarded& work = pooledGuarded(2, size_t(bytes) + 64);
-    const qvrStatus status =
-        resize(s.values.data(), {s.w, s.h}, s.w * NC * int(sizeof(T)), from, dst.data(), dstWidth * NC * int(sizeof(T)),
-               to, fx, fy, xShift, yShift, interpolation, work.template atEnd<qvr8u>(size_t(bytes)));
+    auto* const buffer = work.template atEnd<qvr8u>(size_t(bytes));
+    memset(buffer, 0xFF, size_t(bytes)); // no numbers
+    const qvrStatus status = resize(s.values.data(), {s.w, s.h}, s.w * NC * int(sizeof(T)), from, dst.data(),
+                                    dstWidth * NC * int(sizeof(T)), to, fx, fy, xShift, yShift, interpolation, buffer);
     ASSERT_GE(status, 0);
     ASSERT_TRUE(work.intact());
 }
@@ -439,6 +440,29 @@ TEST(ResizePlace, MeansOfConstants)
         large(value, 3000);
         large(double(value) / 3, 3000);
     }
+}
+
+// The same at any phase of small ratios, where the last outputs have fewer pixels than the others.
+TEST(ResizePlace, MeansOfConstantsAtTheEdge)
+{
+    const auto check = [&]<int NC>() {
+        const Source<uint8_t, NC> s = {37, 21, std::vector<uint8_t>(37 * 21 * NC, 200)};
+        for (double reduction : {1.25, 4.0 / 3, 2.0, 2.5, 3.0, 4.0, 5.0, 6.0, 6.5, 7.0, 9.0})
+            for (int phase = 0; phase < 50; phase++) {
+                const double f = 1 / reduction, shift = phase / 25.0;
+                const int dw = int(37 * f) + 4, dh = int(21 * f) + 4;
+                slots::each(tableOf<uint8_t, NC>(), [&](auto resize, int) {
+                    std::vector<uint8_t> got(size_t(dw) * dh * NC, 201);
+                    resizeInto(resize, s, {0, 0, 37, 21}, got, dw, {0, 0, dw, dh}, f, f, shift, 0, qvriInterSuper);
+                    const auto kept = std::count(got.begin(), got.end(), 201);
+                    EXPECT_LT(kept, std::ssize(got));
+                    EXPECT_EQ(std::count(got.begin(), got.end(), 200) + kept, std::ssize(got))
+                        << NC << " channels, reduced " << reduction << " times, shift " << shift;
+                });
+            }
+    };
+    check.template operator()<1>();
+    check.template operator()<4>();
 }
 
 // Most of the covered source is outside: what is left of the centre is the left edge, and so on.

@@ -135,6 +135,7 @@ template<class T, int NC> struct Call {
         EXPECT_GE(query, 0);
         Guarded& work = pooledGuarded(2, size_t(size) + 64);
         qvr8u* buffer = work.atEnd<qvr8u>(size_t(size), placing.bufferBack);
+        memset(buffer, 0xFF, size_t(size)); // no numbers
         const qvrStatus status = resize(src.data(), job.srcSize, src.step, job.srcRoi, dst.data(), dst.step, job.dstRoi,
                                         job.xFactor, job.yFactor, job.xShift, job.yShift, job.interpolation, buffer);
         EXPECT_TRUE(work.intact()) << "work buffer";
