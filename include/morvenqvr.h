@@ -2515,8 +2515,8 @@ qvrStatus Morven_qvrsSampleDown_16s(const qvr16s* src, int srcLen, qvr16s* dst, 
  * images run in single, those of 64-bit images in double; means, and with qvriAntialias sums along rows, in double
  * throughout. A NaN passes through all sums. Bytes are the same on all processors but for the cubics and Lanczos without
  * qvriAntialias, where a byte may differ by one with fused multiply-add; singles and doubles may differ by a rounding
- * there. With qvriAntialias and with qvriInterSuper an output is the same bit for bit wherever it stands: tiles of
- * `dstRoi` make the same image as one call.
+ * there. Edge flags apart, an output is the same bit for bit wherever it stands: tiles of `dstRoi` make the same image
+ * as one call.
  *
  * @section resize-flags Flags
  * At most one of:
