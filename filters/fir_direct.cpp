@@ -83,38 +83,45 @@ template<int N, class T> inline void fewOutputs(const T* x, T* y, Index n, const
     }
 }
 
-// Outputs that R vectors hold, and more than half of them do. A chain of sums takes as long in one vector as in eight,
-// so what is too few for a step takes one step with outputs beyond them, that are left, or two that overlap.
-template<int R, class T> inline void lastOutputs(const T* x, T* y, Index n, const T* t, Index taps, bool slack)
+// n outputs, no more than R vectors hold; those beyond are formed and left.
+template<int R, class T> __attribute__((noinline)) void rest(const T* x, T* y, Index n, const T* t, Index taps)
 {
     using V = Full<T>;
     constexpr int W = kLanes<T>;
-    if (R > 1 && n <= R / 2 * W) {
+    V acc[R] = {};
+    sumTaps<W, R>(acc, x, t, taps);
+    for (int r = 0; r < R; r++)
+        if (n >= (r + 1) * W)
+            store(y + r * W, acc[r]);
+        else if (n > r * W)
+            storePartial(y + r * W, acc[r], static_cast<int>(n - r * W));
+}
+
+// Outputs that R vectors hold, and more than half of them do. A chain of sums takes as long in one vector as in eight,
+// so what is too few for a step takes one step with outputs beyond them, or two that overlap.
+template<int R, class T> inline void lastOutputs(const T* x, T* y, Index n, const T* t, Index taps, bool slack)
+{
+    constexpr Index H = R / 2 * kLanes<T>;
+    if (R > 1 && n <= H) {
         lastOutputs<(R > 1 ? R / 2 : 1)>(x, y, n, t, taps, slack);
     } else if (slack) {
-        V acc[R] = {};
-        sumTaps<W, R>(acc, x, t, taps);
-        for (int r = 0; r < R; r++)
-            if (n >= (r + 1) * W)
-                store(y + r * W, acc[r]);
-            else if (n > r * W)
-                storePartial(y + r * W, acc[r], static_cast<int>(n - r * W));
+        rest<R>(x, y, n, t, taps);
     } else if constexpr (R > 1) {
-        step<R / 2>(x, y, t, taps);
-        step<R / 2>(x + n - R / 2 * W, y + n - R / 2 * W, t, taps);
+        rest<R / 2>(x, y, H, t, taps);
+        rest<R / 2>(x + n - H, y + n - H, H, t, taps);
     } else {
-        fewOutputs<W>(x, y, n, t, taps);
+        fewOutputs<kLanes<T>>(x, y, n, t, taps);
     }
 }
 
 // The last n of `all` outputs, as many as R vectors hold at most, and some before them again with the same result.
 template<int R, class T> inline void againOutputs(const T* x, T* y, Index all, Index n, const T* t, Index taps)
 {
-    constexpr int W = kLanes<T>;
-    if (R > 1 && n <= R / 2 * W)
+    constexpr Index B = R * kLanes<T>;
+    if (R > 1 && n <= B / 2)
         againOutputs<(R > 1 ? R / 2 : 1)>(x, y, all, n, t, taps);
     else
-        step<R>(x + all - R * W, y + all - R * W, t, taps);
+        rest<R>(x + all - B, y + all - B, B, t, taps);
 }
 
 template<class T> inline void outputs(const T* x, T* y, Index n, const T* t, Index taps, bool slack)
