@@ -127,9 +127,15 @@ template<int R, class T> inline void againOutputs(const T* x, T* y, Index all, I
 template<class T> inline void outputs(const T* x, T* y, Index n, const T* t, Index taps, bool slack)
 {
     constexpr Index B = kFirStep * kLanes<T>;
+    const bool far = isFar<T>(n);
     Index i = 0;
-    const auto whole = [&](Index at) QVR_ALWAYS { step<kFirStep>(x + at, y + at, t, taps); };
-    eachBlock<B>(i, n, whole, y, x);
+    for (; i + B <= n; i += B) {
+        if (far) {
+            askFor(y + i, kAheadBytes, B);
+            askFor(x + i, kAheadBytes, B);
+        }
+        step<kFirStep>(x + i, y + i, t, taps);
+    }
     if (i == 0)
         lastOutputs<kFirStep>(x, y, n, t, taps, slack);
     else if (i < n)
