@@ -11,19 +11,6 @@ constexpr bool kHasCompress = kSsse3;
 // The widest vector whose lanes one instruction can move by a table's row: all of an AVX2 register, 16 bytes below.
 template<class T> using Compressible = Vec<T, (kAvx2 ? 32 : 16) / static_cast<int>(sizeof(T))>;
 
-// One bit a lane.
-template<class V> QVR_INLINE int laneBits(V mask)
-{
-    if constexpr (sizeof(V) == 32 && sizeof(Elem<V>) == 8)
-        return _mm256_movemask_pd(bitcast<__m256d>(mask));
-    else if constexpr (sizeof(V) == 32)
-        return _mm256_movemask_ps(bitcast<__m256>(mask));
-    else if constexpr (sizeof(Elem<V>) == 8)
-        return _mm_movemask_pd(bitcast<__m128d>(mask));
-    else
-        return _mm_movemask_ps(bitcast<__m128>(mask));
-}
-
 // Rows of bytes: for each mask over the lanes the 32-bit elements in their new order (in a wide vector), or their
 // bytes.
 template<int Masks, int Bytes> struct LaneOrders {

@@ -790,6 +790,20 @@ template<class V> QVR_INLINE uint32_t byteBits(V mask)
     else
         return static_cast<uint32_t>(_mm_movemask_epi8(bitcast<__m128i>(mask)));
 }
+// One bit for each lane of at least four bytes.
+template<class V> QVR_INLINE int laneBits(V mask)
+{
+    if constexpr (sizeof(V) > kVecBytes)
+        return laneBits(lo(mask)) | laneBits(hi(mask)) << lanes<V> / 2;
+    else if constexpr (sizeof(V) == 32 && sizeof(Elem<V>) == 8)
+        return _mm256_movemask_pd(bitcast<__m256d>(mask));
+    else if constexpr (sizeof(V) == 32)
+        return _mm256_movemask_ps(bitcast<__m256>(mask));
+    else if constexpr (sizeof(Elem<V>) == 8)
+        return _mm_movemask_pd(bitcast<__m128d>(mask));
+    else
+        return _mm_movemask_ps(bitcast<__m128>(mask));
+}
 // The number of the first true lane; there must be one.
 template<class V> QVR_INLINE int firstTrue(V mask)
 {

@@ -30,14 +30,21 @@ using WordSums = Vec<int32_t, 8>;
 struct WordStep {
     alignas(32) int16_t word[3][16]; // hi, lo, tiny
 };
+// Of a group, in place of a step.
+struct alignas(32) WordGroup {
+    uint8_t shuffle[32];
+    float error[8];   // of the columns' sums
+    uint32_t certain; // one bit for each whose sum of two words is the prescribed one
+};
+static_assert(sizeof(WordGroup) == sizeof(WordStep));
 // Paired: two that serve two steps. Ordered: one, whose pixels need no shuffle.
 enum class Windows { two, paired, one, ordered };
 struct alignas(64) WordTable {
     Index columns, taps; // of a group; of a column in a step
-    Index groups, steps; // steps of a group, behind one that holds its shuffle and the errors of its columns' sums
+    Index groups, steps; // steps of a group, behind what is its own
     Windows windows = Windows::two;
-    bool low = false;                  // some lo is not zero
-    bool exact = true, certain = true; // sums of two words are the prescribed ones within the errors; there are none
+    bool low = false;  // some lo is not zero
+    bool exact = true; // sums of two words are the prescribed ones within the errors
 };
 WordTable tableOf(const qvrColumns* c)
 {
@@ -81,8 +88,9 @@ template<int NC> void makeWords(qvrColumns* c)
     for (Index g = 0; g < table.groups; g++) {
         const int32_t* const first = c->first + g * columns;
         __builtin_memset(step, 0, static_cast<size_t>(1 + table.steps) * sizeof(WordStep));
-        uint8_t* shuffle = reinterpret_cast<uint8_t*>(step->word[0]);
-        float* const error = reinterpret_cast<float*>(step->word[1]);
+        WordGroup* const group = reinterpret_cast<WordGroup*>(step);
+        uint8_t* shuffle = group->shuffle;
+        float* const error = group->error;
         for (Index i = 0; i < columns; i++) {
             const Index pixel =
                 first[i] - first[table.windows <= Windows::paired && i >= columns / 2 ? columns / 2 : 0];
@@ -105,6 +113,7 @@ template<int NC> void makeWords(qvrColumns* c)
                         word[i * lanes + k] = word[k];
                 for (Index k = 0; k < NC; k++)
                     error[i * NC + k] = error[k];
+                group->certain |= (group->certain & ((1u << NC) - 1)) << i * NC;
                 continue;
             }
             const double* const list = static_cast<const double*>(c->weights) + index * c->stride;
@@ -144,8 +153,10 @@ template<int NC> void makeWords(qvrColumns* c)
             for (Index k = 0; k < NC; k++)
                 error[i * NC + k] = most;
             table.low |= of[1] > 0;
-            table.exact &= of[2] == 0 && of[1] * 255 <= 0x1p24f && columns * NC == 8;
-            table.certain &= most == 0;
+            const bool exact = of[2] == 0 && of[1] * 255 <= 0x1p24f && columns * NC == 8;
+            table.exact &= exact;
+            if (exact && most == 0)
+                group->certain |= ((1u << NC) - 1) << i * NC;
         }
         step += table.steps;
     }
@@ -175,7 +186,7 @@ template<int NC> QVR_INLINE Words pixelsAt(const uint8_t* p, const int32_t* firs
 
 // The whole sums of the first N words of a group's weights, from column x on, for R rows.
 template<int NC, int R, int N, Windows W>
-QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const WordStep* step, Index x,
+QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const WordGroup* group, Index x,
                          const uint8_t* const* row, WordSums (&sum)[N][R])
 {
     using Window = Vec<uint8_t, 16>;
@@ -183,7 +194,8 @@ QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const Word
     Index low = Index{c->first[x]} * NC;
     Index high = W <= Windows::paired ? Index{c->first[x + columns / 2]} * NC : low;
     using Shuffle = Vec<uint8_t, 32>;
-    const Shuffle shuffle = load<Shuffle>((step++)->word[0]), second = shuffle + static_cast<uint8_t>(move);
+    const Shuffle shuffle = load<Shuffle>(group->shuffle), second = shuffle + static_cast<uint8_t>(move);
+    const WordStep* const step = reinterpret_cast<const WordStep*>(group + 1);
     const auto take = [&]<bool First, int K>(Index k) __attribute__((always_inline)) {
         for (int r = 0; r < R; r++) {
             const uint8_t* const p = row[r];
@@ -221,9 +233,9 @@ QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const Word
     if (k < steps)
         take.template operator()<false, 1>(k);
 }
-QVR_INLINE const WordStep* groupOf(const WordTable& table, Index group)
+QVR_INLINE const WordGroup* groupOf(const WordTable& table, Index group)
 {
-    return reinterpret_cast<const WordStep*>(&table + 1) + group * (1 + table.steps);
+    return reinterpret_cast<const WordGroup*>(&table + 1) + group * (1 + table.steps);
 }
 
 // Columns from .. to - 1 of R rows; lines have room for whole groups.
@@ -236,8 +248,7 @@ QVR_APART void filterGroups(const qvrColumns* c, const uint8_t* const* row, Inde
     Index group = from == 0 ? 0 : from / columns % table.groups;
     for (Index x = from; x < to; x += columns) {
         WordSums whole[N][R];
-        const WordStep* const step = groupOf(table, group);
-        addSteps<NC, R, N, W>(c, table, step, x, row, whole);
+        addSteps<NC, R, N, W>(c, table, groupOf(table, group), x, row, whole);
         group = group + 1 < table.groups ? group + 1 : 0;
         for (int r = 0; r < R; r++) {
             V sum = convert<float>(whole[0][r]) * splat<V>(0x1p-14f);
@@ -260,7 +271,7 @@ QVR_APART void filterGroups(const qvrColumns* c, const uint8_t* const* row, Inde
 template<int NC, int R, int N, Windows W>
 void filterRows(const qvrColumns* c, const uint8_t* const* row, float* const* line)
 {
-    // Of eight sums each: whether they are the prescribed ones.
+    // One bit for each sum: it is the prescribed one.
     for (int r = 0; r < R; r++)
         __builtin_memset(reinterpret_cast<char*>(line[r]) + c->marks, 0, static_cast<size_t>(c->width * NC + 7) / 8);
     const auto part = [&](const uint8_t* const* s, Index from, Index to) {
@@ -325,20 +336,24 @@ template<int NC> QVR_INLINE float sumOfTaps(const qvrColumns* c, const uint8_t* 
     return static_cast<float>(part[0] + part[1]);
 }
 
-// Eights of a row's sums as prescribed. Exact: the two whole sums are, up to errors.
+// Elements of some eights of a row as prescribed: those that are wanted, and the others of which there is no doubt, get
+// a mark. Exact: sums of two words are the prescribed ones, up to errors.
+struct Eight {
+    uint32_t index, wanted; // one bit for each element
+};
 template<int NC, bool Exact>
-QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const uint32_t* eights, Index count, float* line)
+QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const Eight* eights, Index count, char* to)
 {
     using V = Vec<float, 8>;
     using D = Vec<double, 8>;
     constexpr int N = Exact ? 2 : 3;
+    float* const line = reinterpret_cast<float*>(to);
+    uint8_t* const marks = reinterpret_cast<uint8_t*>(to) + c->marks;
     const WordTable& table = *static_cast<const WordTable*>(c->extra);
     const uint32_t columns = Exact ? 8 / NC : static_cast<uint32_t>(table.columns);
     const uint32_t groups = static_cast<uint32_t>(table.groups), all = 8 / (columns * NC); // of an eight
-    uint32_t doubtful[kSums + 8];
-    Index many = 0;
     for (Index k = 0; k < count; k++) {
-        const uint32_t x = eights[k] * (8 / NC);
+        const uint32_t eight = eights[k].index, x = eight * (8 / NC);
         const uint8_t* s = row;
         uint8_t pixels[4096 + 64];
         if (x < c->from || x >= c->to) {
@@ -349,24 +364,24 @@ QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const uint32_t
         }
         WordSums whole[N][4];
         alignas(32) float errors[16];
-        uint32_t group = eights[k] * all % groups;
+        uint32_t group = eight * all % groups;
         for (uint32_t g = 0; g < all; g++) {
-            const WordStep* const step = groupOf(table, group);
+            const WordGroup* const of = groupOf(table, group);
             WordSums sums[N][1];
             if (table.windows <= Windows::paired)
-                addSteps<NC, 1, N, Windows::two>(c, table, step, x + g * columns, &s, sums);
+                addSteps<NC, 1, N, Windows::two>(c, table, of, x + g * columns, &s, sums);
             else
-                addSteps<NC, 1, N, Windows::one>(c, table, step, x + g * columns, &s, sums);
+                addSteps<NC, 1, N, Windows::one>(c, table, of, x + g * columns, &s, sums);
             for (int n = 0; n < N; n++)
                 whole[n][g] = sums[n][0];
-            store(errors + g * columns * NC, load<V>(step->word[1]));
+            store(errors + g * columns * NC, load<V>(of->error));
             group = group + 1 < groups ? group + 1 : 0;
         }
         for (uint32_t left = all / 2; left > 0; left /= 2)
             for (auto& of : whole)
                 for (uint32_t g = 0; g < left; g++)
                     of[g] = evens(of[2 * g], of[2 * g + 1]) + odds(of[2 * g], of[2 * g + 1]);
-        const V error = Exact ? load<V>(groupOf(table, eights[k] % groups)->word[1]) : load<V>(errors);
+        const V error = load<V>(errors);
         V low, high; // what is prescribed is between them
         if constexpr (Exact) {
             const V most = convert<float>(whole[0][0]) * splat<V>(0x1p-14f), rest = convert<float>(whole[1][0]);
@@ -380,20 +395,21 @@ QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const uint32_t
             low = convert<float>(sum - convert<double>(error));
             high = convert<float>(sum + convert<double>(error));
         }
-        store(line + Index{x} * NC, low);
-        const uint32_t doubts = byteBits(low != high), left = static_cast<uint32_t>(c->width) - x;
-        for (uint32_t lane = 0; lane < 8 && doubts != 0; lane++) {
-            doubtful[many] = x * NC + lane;
-            many += (doubts >> 4 * lane & 1) & (lane / NC < left);
+        const uint32_t doubts = static_cast<uint32_t>(laneBits(low != high));
+        float* const out = line + Index{eight} * 8;
+        store(out, low);
+        for (uint32_t left = doubts & eights[k].wanted; left != 0; left &= left - 1) {
+            const uint32_t lane = static_cast<uint32_t>(__builtin_ctz(left));
+            out[lane] = sumOfTaps<NC>(c, row, x * NC + lane);
         }
+        marks[eight] = static_cast<uint8_t>(eights[k].wanted | ~doubts);
     }
-    for (Index k = 0; k < many; k++)
-        line[doubtful[k]] = sumOfTaps<NC>(c, row, doubtful[k]);
 }
 
-// Eights of an output row as prescribed.
+// Eights of an output row as prescribed, where their elements are near a step. Others beside them are near enough to
+// what is prescribed for elements that are not near a step.
 template<int NC>
-QVR_APART void formAnew(const qvrColumns* c, const qvrRowTaps* rows, const uint32_t* eights, Index count, uint8_t* dst)
+QVR_APART void formAnew(const qvrColumns* c, const qvrRowTaps* rows, const Eight* eights, Index count, uint8_t* dst)
 {
     using V = Vec<float, 8>;
     qvrOwnRow* const own = rows->own;
@@ -401,30 +417,34 @@ QVR_APART void formAnew(const qvrColumns* c, const qvrRowTaps* rows, const uint3
         qvrMakeOwnRow(own);
     const double* const weight = own->differs ? own->weight : rows->weight;
     const WordTable& table = *static_cast<const WordTable*>(c->extra);
-    for (Index t = 0; t < rows->count && !(table.exact && table.certain); t++) {
+    Eight uncertain[kSums / 8], left[kSums / 8];
+    Index some = 0;
+    for (Index k = 0; k < count; k++) {
+        const uint32_t group = eights[k].index % static_cast<uint32_t>(table.groups);
+        uncertain[some] = {eights[k].index, eights[k].wanted & ~groupOf(table, group)->certain};
+        some += uncertain[some].wanted != 0;
+    }
+    for (Index t = 0; t < rows->count && some > 0; t++) {
         char* const line = const_cast<char*>(rows->line[t]);
-        uint32_t left[kSums / 8];
         Index many = 0;
-        for (Index k = 0; k < count; k++) {
-            left[many] = eights[k];
-            char& mark = line[c->marks + eights[k]];
-            many += mark == 0;
-            mark = 1;
+        for (Index k = 0; k < some; k++) {
+            left[many] = uncertain[k];
+            many += (left[many].wanted & ~static_cast<uint8_t>(line[c->marks + left[many].index])) != 0;
         }
         const uint8_t* const row = reinterpret_cast<const uint8_t*>(rows->source[t]);
         if (table.exact)
-            sumEights<NC, true>(c, row, left, many, reinterpret_cast<float*>(line));
+            sumEights<NC, true>(c, row, left, many, line);
         else
-            sumEights<NC, false>(c, row, left, many, reinterpret_cast<float*>(line));
+            sumEights<NC, false>(c, row, left, many, line);
     }
     for (Index k = 0; k < count; k++) {
-        const Index i = Index{eights[k]} * 8, left = c->width * NC - i;
+        const Index i = Index{eights[k].index} * 8, rest = c->width * NC - i;
         V sum = {};
         for (Index t = 0; t < rows->count; t++) {
             const auto line = convert<double>(load<V>(reinterpret_cast<const float*>(rows->line[t]) + i));
             sum += convert<float>(line * splat<Vec<double, 8>>(weight[t]));
         }
-        storeFirst(dst + i, packBytes(roundToByte(sum)), left < 8 ? static_cast<int>(left) : 8);
+        storeFirst(dst + i, packBytes(roundToByte(sum)), rest < 8 ? static_cast<int>(rest) : 8);
     }
 }
 
@@ -438,7 +458,7 @@ template<int NC> void blendWords(const qvrColumns* c, const qvrRowTaps* rows, ch
     if (rows->guard == 0)
         return addStreams<float, false>(line, 0, rows->single, taps, dst, n);
     const float limit = 0.5f - rows->guard, *const weight = rows->single;
-    uint32_t found[kSums / 8 + 1];
+    Eight found[kSums / 8 + 1];
     Index count = 0;
     const auto block = [&]<int E>(Index i, Index size) {
         using V = Vec<float, 8 * E>;
@@ -450,9 +470,12 @@ template<int NC> void blendWords(const qvrColumns* c, const qvrRowTaps* rows, ch
         sum = max(sum, V{});
         const auto bytes = toIntTruncate(sum + splat<V>(0.5f));
         const auto near = abs(sum - convert<float>(bytes)) > splat<V>(limit);
-        [&]<int... K>(Indices<K...>) __attribute__((always_inline)) {
-            ((found[count] = static_cast<uint32_t>(i / 8 + K), count += anyTrue(slice<8 * K, 8>(near)) != 0), ...);
-        }(Iota<E>{});
+        const auto find = [&](Index eight, int nearOnes) __attribute__((always_inline)) {
+            found[count] = {static_cast<uint32_t>(eight), static_cast<uint32_t>(nearOnes)};
+            count += nearOnes != 0;
+        };
+        [&]<int... K>(Indices<K...>)
+            __attribute__((always_inline)) { (find(i / 8 + K, laneBits(slice<8 * K, 8>(near))), ...); }(Iota<E>{});
         storeFirst(dst + i, packBytes(bytes), static_cast<int>(size));
     };
     for (Index i = 0, end; i < n; i = end) {

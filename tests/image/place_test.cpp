@@ -343,16 +343,19 @@ TEST(ResizePlace, LowPassBytesAreThePrescribed)
     check(Source<uint8_t, 1>{203, 97, std::vector<uint8_t>(203 * 97, 255)}, more, 0);
     check(Source<uint8_t, 1>{203, 97}, more, 0);
     // Sums along rows in the middle of two singles, and columns with weights next to nothing.
-    Source<uint8_t, 1> slope = {1493, 23}, stripes = {875, 48};
+    Source<uint8_t, 1> slope = {1493, 23}, stripes = {875, 48}, steep = {875, 48};
     for (int y = 0; y < 48; y++)
         for (int x = 0; x < 1493; x++) {
             if (y < slope.h)
                 slope.values[size_t(slope.elementAt(x, y))] = uint8_t(x + y * 3 / 2);
-            if (x < stripes.w)
+            if (x < stripes.w) {
                 stripes.values[size_t(stripes.elementAt(x, y))] = (x / 2 + y) % 2 ? 176 : 103;
+                steep.values[size_t(steep.elementAt(x, y))] = uint8_t(x * 180 / 16 + y * 72 / 16);
+            }
         }
     check(slope, {0.75, 0.625, 0.45, 1.0 / 3}, 0);
     check(stripes, {0.75, 0.625, 1.0 / 3}, 0);
+    check(steep, {0.45}, 0); // a sum that one output row takes and its neighbour another one takes
     for (double shift : {0.25, 0.375, 0.1})
         check(blocks<1>(203, 97, 2, 0, 255), more, shift);
 }
