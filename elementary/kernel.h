@@ -257,7 +257,9 @@ QVR_INLINE void partBlock(const K& k, Call& call, Index i, int n, const float* s
 // From this length on a first part block brings the destination to a vector boundary.
 constexpr Index kAlignFrom = 256;
 
-template<class K, class... S> QVR_INLINE void blocks(const K& k, Call& call, Index n, const S*... src)
+// The first n elements. Arithmetic must not move across the changes of MXCSR round it. The formula, which is long,
+// stands once for each size of block.
+template<class K, class... S> __attribute__((noinline)) void run(const K& k, Call& call, Index n, const S*... src)
 {
     constexpr int B = K::kBlock;
     using V = Vec<float, B>;
@@ -267,36 +269,25 @@ template<class K, class... S> QVR_INLINE void blocks(const K& k, Call& call, Ind
         const uintptr_t address = reinterpret_cast<uintptr_t>(dst);
         if (n >= kAlignFrom && address % kVecBytes != 0 && address % sizeof(float) == 0) {
             i = static_cast<Index>(-address % kVecBytes / sizeof(float));
-            partBlock<8>(k, call, 0, static_cast<int>(i), src...);
+            run(k, call, i, src...);
         }
     }
-    const auto block = [&](Index at) QVR_ALWAYS {
-        if (__builtin_expect(anyTrue(careByRegisters(k, load<V>(src + at)...)), 0))
-            specialBlock(k, call, at, at + B, src...);
+    const bool far = isFar<float>(n);
+    for (; i + B <= n; i += B) {
+        if (__builtin_expect(far, 0)) {
+            askFor(dst + i, kAheadBytes, B);
+            (askFor(src + i, kAheadBytes, B), ...);
+        }
+        if (__builtin_expect(anyTrue(careByRegisters(k, load<V>(src + i)...)), 0))
+            specialBlock(k, call, i, i + B, src...);
         else
-            store(dst + at, evalByRegisters(k, load<V>(src + at)...));
-    };
-    eachBlock<B>(i, n, block, dst, src...);
+            store(dst + i, evalByRegisters(k, load<V>(src + i)...));
+    }
     const int rest = static_cast<int>(n - i);
     if (rest > B / 2)
         partBlock<B>(k, call, i, rest, src...);
     else if (rest > 0)
         partBlock<B / 2>(k, call, i, rest, src...);
-}
-
-// Arithmetic must not move across the changes of MXCSR round it.
-template<class K> __attribute__((noinline)) int runOn1(const K& k, const float* src, float* dst, Index n)
-{
-    Call call{src, src, dst, K::kName, qvrOk};
-    blocks(k, call, n, src);
-    return call.status;
-}
-template<class K>
-__attribute__((noinline)) int runOn2(const K& k, const float* src1, const float* src2, float* dst, Index n)
-{
-    Call call{src1, src2, dst, K::kName, qvrOk};
-    blocks(k, call, n, src1, src2);
-    return call.status;
 }
 
 // ---- Kernels --------------------------------------------------------------------------------------------------------
@@ -315,31 +306,41 @@ template<template<bool> class K> qvrStatus kernel1(const float* src, float* dst,
 {
     if (const qvrStatus status = checkKernel(len, src, dst))
         return status;
+    Call call{src, src, dst, K<true>::kName, qvrOk};
     const uint32_t word = enterQuiet();
-    const int status = word & kMxcsrRounding ? runOn1(K<false>{}, src, dst, len) : runOn1(K<true>{}, src, dst, len);
+    if (word & kMxcsrRounding)
+        run(K<false>{}, call, len, src);
+    else
+        run(K<true>{}, call, len, src);
     leaveQuiet(word);
-    return status;
+    return call.status;
 }
 template<template<bool> class K> qvrStatus kernel2(const float* src1, const float* src2, float* dst, int len)
 {
     if (const qvrStatus status = checkKernel(len, src1, src2, dst))
         return status;
+    Call call{src1, src2, dst, K<true>::kName, qvrOk};
     const uint32_t word = enterQuiet();
-    const int status =
-        word & kMxcsrRounding ? runOn2(K<false>{}, src1, src2, dst, len) : runOn2(K<true>{}, src1, src2, dst, len);
+    if (word & kMxcsrRounding)
+        run(K<false>{}, call, len, src1, src2);
+    else
+        run(K<true>{}, call, len, src1, src2);
     leaveQuiet(word);
-    return status;
+    return call.status;
 }
 // One source and a constant: K<...>{value}.
 template<template<bool> class K> qvrStatus kernelC(const float* src, float value, float* dst, int len)
 {
     if (const qvrStatus status = checkKernel(len, src, dst))
         return status;
+    Call call{src, src, dst, K<true>::kName, qvrOk};
     const uint32_t word = enterQuiet();
-    const int status =
-        word & kMxcsrRounding ? runOn1(K<false>{value}, src, dst, len) : runOn1(K<true>{value}, src, dst, len);
+    if (word & kMxcsrRounding)
+        run(K<false>{value}, call, len, src);
+    else
+        run(K<true>{value}, call, len, src);
     leaveQuiet(word);
-    return status;
+    return call.status;
 }
 
 } // namespace
