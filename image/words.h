@@ -27,6 +27,7 @@ constexpr int kRowsOfWords = 4; // that are filtered together
 
 using Words = Vec<int16_t, 16>;
 using WordSums = Vec<int32_t, 8>;
+template<int NC> constexpr uint32_t kChannels = (1u << NC) - 1;
 struct WordStep {
     alignas(32) int16_t word[3][16]; // hi, lo, tiny
 };
@@ -46,6 +47,10 @@ struct alignas(64) WordTable {
     bool low = false;  // some lo is not zero
     bool exact = true; // sums of two words are the prescribed ones within the errors
 };
+QVR_INLINE const WordGroup* groupOf(const WordTable& table, Index group)
+{
+    return reinterpret_cast<const WordGroup*>(&table + 1) + group * (1 + table.steps);
+}
 WordTable tableOf(const qvrColumns* c)
 {
     const Index columns = c->channels == 4 ? 2 : c->inv <= 4 ? 8 : c->inv <= 10 ? 4 : 2;
@@ -62,10 +67,74 @@ Index wordsBytes(const qvrColumns* c)
     return static_cast<Index>(sizeof t) + t.groups * (1 + t.steps) * static_cast<Index>(sizeof(WordStep));
 }
 
-template<int NC> void makeWords(qvrColumns* c)
+// Column x is number i of its group. The words of its list:
+template<int NC> QVR_INLINE void splitList(const qvrColumns* c, WordTable& table, WordGroup* group, Index i, Index x)
 {
     using V = Vec<float, 8>;
     using D = Vec<double, 8>;
+    const Index taps = table.taps, base = i * taps * NC, count = c->count[x];
+    const double* const list = static_cast<const double*>(c->weights) + x * c->stride;
+    V sums[4] = {}; // of magnitudes of words, and of the rest
+    WordStep* to = reinterpret_cast<WordStep*>(group + 1);
+    for (Index t = 0, lane = base; t < count; t += 8) {
+        const int some = count - t < 8 ? static_cast<int>(count - t) : 8;
+        const D w = some < 8 ? loadPartial<D>(list + t, some) : load<D>(list + t);
+        V left = convert<float>(w) * splat<V>(0x1p14f);
+        WordSums words[3];
+        for (int n = 0; n < 3; n++) {
+            const V nearest = roundNearest(left);
+            words[n] = toIntTruncate(nearest);
+            sums[n] += abs(nearest);
+            left = (left - nearest) * splat<V>(0x1p15f);
+        }
+        sums[3] += abs(left);
+        for (int k = 0; k < some; k++) {
+            for (Index j = 0; j < NC; j++)
+                for (int n = 0; n < 3; n++)
+                    to->word[n][lane + j * taps] = static_cast<int16_t>(words[n][k]);
+            if (++lane == base + taps) {
+                lane = base;
+                to++;
+            }
+        }
+    }
+    float of[4] = {};
+    for (int k = 0; k < 32; k++)
+        of[k / 8] += sums[k / 8][k % 8];
+    float most = static_cast<float>(list[c->stride - 1]) + of[3] * 0x1p-51f;
+    if (most > 0)
+        most += static_cast<float>(count) * 0x1p-40f;
+    if (of[0] >= 0x1p15f)
+        most = 512;
+    for (Index k = 0; k < NC; k++)
+        group->error[i * NC + k] = most;
+    table.low |= of[1] > 0;
+    const bool exact = of[2] == 0 && of[1] * 255 <= 0x1p24f && table.columns * NC == 8;
+    table.exact &= exact;
+    if (exact && most == 0)
+        group->certain |= kChannels<NC> << i * NC;
+}
+// The same from where the list came first.
+template<int NC>
+QVR_INLINE void repeatList(const qvrColumns* c, const WordTable& table, WordGroup* group, Index i, Index x)
+{
+    using Pair = Vec<int16_t, 2>;
+    const Index lanes = table.taps * NC, room = 48 * table.steps;
+    const uint32_t index = static_cast<uint32_t>(x) % static_cast<uint32_t>(c->lists);
+    const Index column = index & (table.columns - 1);
+    const WordGroup* const other = groupOf(table, static_cast<Index>(index) >> __builtin_ctzll(table.columns));
+    const int16_t* const from = reinterpret_cast<const int16_t*>(other + 1) + column * lanes;
+    int16_t* const to = reinterpret_cast<int16_t*>(group + 1) + i * lanes;
+    for (Index k = 0; k < lanes; k += 2)
+        for (Index n = k; n < room; n += 16)
+            store(to + n, load<Pair>(from + n));
+    for (Index k = 0; k < NC; k++)
+        group->error[i * NC + k] = other->error[column * NC + k];
+    group->certain |= (other->certain >> column * NC & kChannels<NC>) << i * NC;
+}
+
+template<int NC> void makeWords(qvrColumns* c)
+{
     WordTable& table = *static_cast<WordTable*>(c->extra);
     table = tableOf(c);
     const Index columns = table.columns, taps = table.taps, lanes = taps * NC;
@@ -84,13 +153,11 @@ template<int NC> void makeWords(qvrColumns* c)
         table.windows = columns == 8 && c->lists == 1 && c->pixels == 2 ? Windows::ordered : Windows::one;
     else if ((half + 2 * taps) * NC <= 16)
         table.windows = Windows::paired;
-    WordStep* step = reinterpret_cast<WordStep*>(&table + 1);
     for (Index g = 0; g < table.groups; g++) {
         const int32_t* const first = c->first + g * columns;
-        __builtin_memset(step, 0, static_cast<size_t>(1 + table.steps) * sizeof(WordStep));
-        WordGroup* const group = reinterpret_cast<WordGroup*>(step);
+        WordGroup* const group = const_cast<WordGroup*>(groupOf(table, g));
+        __builtin_memset(group, 0, static_cast<size_t>(1 + table.steps) * sizeof *group);
         uint8_t* shuffle = group->shuffle;
-        float* const error = group->error;
         for (Index i = 0; i < columns; i++) {
             const Index pixel =
                 first[i] - first[table.windows <= Windows::paired && i >= columns / 2 ? columns / 2 : 0];
@@ -98,67 +165,12 @@ template<int NC> void makeWords(qvrColumns* c)
                 shuffle[0] = static_cast<uint8_t>((pixel + (k & (taps - 1))) * NC + (NC == 1 ? 0 : k / 2));
                 shuffle[1] = 128;
             }
+            const Index x = g * columns + i;
+            if (x < c->lists)
+                splitList<NC>(c, table, group, i, x);
+            else if (c->lists < c->width)
+                repeatList<NC>(c, table, group, i, x);
         }
-        step++;
-        Index index = c->lists < c->width ? g * columns % c->lists : g * columns;
-        for (Index i = 0; i < columns; i++, index++) {
-            if (index == c->lists && c->lists < c->width)
-                index = 0;
-            if (index >= c->lists)
-                break;
-            if (i > 0 && c->lists == 1) {
-                int16_t* word = step->word[0];
-                for (Index n = 0; n < 3 * table.steps; n++, word += 16)
-                    for (Index k = 0; k < lanes; k++)
-                        word[i * lanes + k] = word[k];
-                for (Index k = 0; k < NC; k++)
-                    error[i * NC + k] = error[k];
-                group->certain |= (group->certain & ((1u << NC) - 1)) << i * NC;
-                continue;
-            }
-            const double* const list = static_cast<const double*>(c->weights) + index * c->stride;
-            const Index count = c->count[index];
-            V sums[4] = {}; // of magnitudes of words, and of the rest
-            WordStep* to = step;
-            for (Index t = 0, lane = i * lanes; t < count; t += 8) {
-                const int some = count - t < 8 ? static_cast<int>(count - t) : 8;
-                const D w = some < 8 ? loadPartial<D>(list + t, some) : load<D>(list + t);
-                V left = convert<float>(w) * splat<V>(0x1p14f);
-                WordSums words[3];
-                for (int n = 0; n < 3; n++) {
-                    const V nearest = roundNearest(left);
-                    words[n] = toIntTruncate(nearest);
-                    sums[n] += abs(nearest);
-                    left = (left - nearest) * splat<V>(0x1p15f);
-                }
-                sums[3] += abs(left);
-                for (int k = 0; k < some; k++) {
-                    for (Index j = 0; j < NC; j++)
-                        for (int n = 0; n < 3; n++)
-                            to->word[n][lane + j * taps] = static_cast<int16_t>(words[n][k]);
-                    if (++lane == i * lanes + taps) {
-                        lane = i * lanes;
-                        to++;
-                    }
-                }
-            }
-            float of[4] = {};
-            for (int k = 0; k < 32; k++)
-                of[k / 8] += sums[k / 8][k % 8];
-            float most = static_cast<float>(list[c->stride - 1]) + of[3] * 0x1p-51f;
-            if (most > 0)
-                most += static_cast<float>(count) * 0x1p-40f;
-            if (of[0] >= 0x1p15f)
-                most = 512;
-            for (Index k = 0; k < NC; k++)
-                error[i * NC + k] = most;
-            table.low |= of[1] > 0;
-            const bool exact = of[2] == 0 && of[1] * 255 <= 0x1p24f && columns * NC == 8;
-            table.exact &= exact;
-            if (exact && most == 0)
-                group->certain |= ((1u << NC) - 1) << i * NC;
-        }
-        step += table.steps;
     }
     findInside(c, (table.steps - 1) * table.taps + 16 / NC);
 }
@@ -232,10 +244,6 @@ QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const Word
         take.template operator()<false, K>(k);
     if (k < steps)
         take.template operator()<false, 1>(k);
-}
-QVR_INLINE const WordGroup* groupOf(const WordTable& table, Index group)
-{
-    return reinterpret_cast<const WordGroup*>(&table + 1) + group * (1 + table.steps);
 }
 
 // Columns from .. to - 1 of R rows; lines have room for whole groups.
