@@ -334,7 +334,7 @@ def function_lines(run):
 
 
 def slots_lines(data):
-    """The slots beside the machine's own: ratio to the plain loop for the same level."""
+    """The slots beside the machine's own: ratio to the fastest peer of the same level."""
     others = [slot for slot in data["slots"] if slot != data["own"]]
     if not others:
         return []
@@ -346,7 +346,7 @@ def slots_lines(data):
     rows = [[name, case] + [by_slot.get(slot, "") for slot in others] for (name, case), by_slot in cells.items()]
     if not rows:
         return []
-    return ["## Other slots", "", "Time ratio to the plain loop compiled for the slot's level.", "",
+    return ["## Other slots", "", "Time ratio to the fastest peer of the slot's level: plain loops compiled for it, zimg and libyuv held to it.", "",
             "<details><summary>all cases</summary>", ""] + table(["function", "case"] + others, rows) + ["</details>", ""]
 
 

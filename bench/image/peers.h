@@ -32,7 +32,8 @@ struct ResizePeer {
     double steps; // of integers by which it may differ; negative: not compared
 };
 
-// What the installed libraries offer for the job.
+// What the installed libraries offer for the job. Where another slot than the machine's own is in force, zimg and
+// libyuv are held to its level, and the others, which cannot be, stay away.
 void zimgPeer(const ResizeJob& job, std::vector<ResizePeer>& peers);
 void stbPeer(const ResizeJob& job, std::vector<ResizePeer>& peers);
 void vipsPeer(const ResizeJob& job, std::vector<ResizePeer>& peers);

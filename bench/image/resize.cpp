@@ -62,7 +62,7 @@ void addCase(const Sink& sink, const Method& m, const Geometry& g, Resize resize
             resize(src, {g.fromWidth, g.fromHeight}, g.fromWidth * NC * int(sizeof(T)), from, dst,
                    g.toWidth * NC * int(sizeof(T)), to, fx, fy, m.selector, buffer);
         });
-        if (sizeof(T) == 8 || !ownSlot())
+        if (sizeof(T) == 8)
             return;
         std::vector<ResizePeer> peers;
         const ResizeJob job = {

@@ -1,5 +1,6 @@
 // stb_image_resize: bytes and singles of any channels. It stretches its filters whenever it reduces.
 #include "bench/image/peers.h"
+#include "bench/peers.h"
 
 #ifdef QVR_HAVE_STB
 #pragma clang diagnostic push
@@ -15,6 +16,8 @@ namespace bench {
 void stbPeer(const ResizeJob& job, std::vector<ResizePeer>& peers)
 {
 #ifdef QVR_HAVE_STB
+    if (!ownSlot()) // it is compiled for this one
+        return;
     const int method = job.method & ~qvriAntialias;
     const bool stretched = (job.method & qvriAntialias) != 0;
     stbir_filter filter;

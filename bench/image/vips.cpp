@@ -1,5 +1,6 @@
 // libvips on one thread, without its cache of operations. It stretches its filters whenever it reduces.
 #include "bench/image/peers.h"
+#include "bench/peers.h"
 
 #ifdef QVR_HAVE_VIPS
 #include <vips/vips.h>
@@ -21,7 +22,7 @@ void vipsPeer(const ResizeJob& job, std::vector<ResizePeer>& peers)
     const bool stretched = (job.method & qvriAntialias) != 0, enlarges = job.enlarges();
     const bool super = method == qvriInterSuper;
     const int block = job.src.width / job.dst.width;
-    if (!started || (super && job.src.width != block * job.dst.width))
+    if (!started || !ownSlot() || (super && job.src.width != block * job.dst.width))
         return;
     if (!super && enlarges == stretched)
         return;

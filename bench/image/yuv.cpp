@@ -1,11 +1,30 @@
 // libyuv: planes of bytes and pixels of four. Its bilinear weights have seven bits, its boxes whole pixels.
 #include "bench/image/peers.h"
+#include "bench/peers.h"
 
 #ifdef QVR_HAVE_LIBYUV
 #include <libyuv.h>
 #endif
 
 namespace bench {
+
+#ifdef QVR_HAVE_LIBYUV
+namespace {
+
+// Holds libyuv to the level of the slot in force, once, where that is not what the machine chooses.
+bool hold()
+{
+    using namespace libyuv;
+    constexpr int sse2 = kCpuInitialized | kCpuHasX86 | kCpuHasSSE2, ssse3 = sse2 | kCpuHasSSSE3,
+                  sse41 = ssse3 | kCpuHasSSE41;
+    constexpr int flags[] = {sse2, sse2, ssse3, ssse3, sse41, sse41 | kCpuHasSSE42 | kCpuHasAVX};
+    if (!ownSlot())
+        MaskCpuFlags(flags[qvrCpuIndex]);
+    return true;
+}
+
+} // namespace
+#endif
 
 void yuvPeer(const ResizeJob& job, std::vector<ResizePeer>& peers)
 {
@@ -25,6 +44,8 @@ void yuvPeer(const ResizeJob& job, std::vector<ResizePeer>& peers)
     if (filter == libyuv::kFilterBox && job.channels == 4 &&
         (job.src.width > 2 * job.dst.width || job.src.height > 2 * job.dst.height))
         return;
+    static const bool held = hold();
+    (void)held;
     const ResizeJob j = job;
     peers.push_back({"libyuv",
                      [=] {
