@@ -15,6 +15,9 @@
 // column and channel into 32 bits, and windows move on by the taps of steps. One channel has eight columns in a group,
 // below a quarter four with twice the taps in a step, below a tenth two; sums of a column in several lanes are added at
 // the end. Four channels have two.
+//
+// Where all columns have one list, as at a half, it mostly is its own mirror image: then the two pixels of a weight are
+// added first. Folded steps begin at both ends; what is left in the middle follows as others do.
 #ifndef QVR_IMAGE_WORDS_H
 #define QVR_IMAGE_WORDS_H
 
@@ -46,10 +49,23 @@ struct alignas(64) WordTable {
     Windows windows = Windows::two;
     bool low = false;  // some lo is not zero
     bool exact = true; // sums of two words are the prescribed ones within the errors
+    // Steps of the first two words that are folded, 0: none, and of the taps between them; taps first .. last have
+    // weights.
+    Index folded = 0, middle = 0, first = 0, last = 0;
 };
 QVR_INLINE const WordGroup* groupOf(const WordTable& table, Index group)
 {
     return reinterpret_cast<const WordGroup*>(&table + 1) + group * (1 + table.steps);
+}
+// What is folded, a shuffle for the mirrored pixels before it.
+QVR_INLINE const WordGroup* foldOf(const WordTable& table)
+{
+    return groupOf(table, table.groups);
+}
+// A single list; its columns leave room enough for a second form of it.
+bool mayFold(const qvrColumns* c)
+{
+    return kSsse3 && c->lists == 1 && c->width >= 64;
 }
 WordTable tableOf(const qvrColumns* c)
 {
@@ -64,7 +80,8 @@ WordTable tableOf(const qvrColumns* c)
 Index wordsBytes(const qvrColumns* c)
 {
     const WordTable t = tableOf(c);
-    return static_cast<Index>(sizeof t) + t.groups * (1 + t.steps) * static_cast<Index>(sizeof(WordStep));
+    return static_cast<Index>(sizeof t) +
+           (t.groups + mayFold(c)) * (1 + t.steps) * static_cast<Index>(sizeof(WordStep));
 }
 
 // Column x is number i of its group. The words of its list:
@@ -133,6 +150,45 @@ QVR_INLINE void repeatList(const qvrColumns* c, const WordTable& table, WordGrou
     group->certain |= (other->certain >> column * NC & kChannels<NC>) << i * NC;
 }
 
+// The folded form of the only list, if it is its own mirror image.
+template<int NC> void foldList(WordTable& table)
+{
+    const Index taps = table.taps, all = table.steps * taps;
+    const WordStep* const step = reinterpret_cast<const WordStep*>(groupOf(table, 0) + 1);
+    const auto word = [=](int n, Index t) { return step[t / taps].word[n][t % taps]; };
+    const auto nothing = [=](Index t) { return word(0, t) == 0 && word(1, t) == 0; };
+    Index first = 0, last = all - 1;
+    while (first < last && nothing(first))
+        first++;
+    while (first < last && nothing(last))
+        last--;
+    for (Index i = first, j = last; i < j; i++, j--)
+        if (word(0, i) != word(0, j) || word(1, i) != word(1, j))
+            return;
+    const Index folded = (last - first + 1) / (2 * taps), left = last - first + 1 - 2 * folded * taps;
+    if (folded < 2)
+        return;
+    table.folded = folded;
+    table.middle = (left + taps - 1) / taps;
+    table.first = first;
+    table.last = last;
+    WordGroup* const fold = const_cast<WordGroup*>(foldOf(table));
+    WordStep* const to = reinterpret_cast<WordStep*>(fold + 1);
+    for (Index k = 0; k < 32; k += 2) {
+        // A step ends where it began, in descending order.
+        const uint8_t tap = groupOf(table, 0)->shuffle[k];
+        const Index t = k / 2 & (taps - 1);
+        fold->shuffle[k] = static_cast<uint8_t>(tap + (taps - 1 - 2 * t) * NC);
+        fold->shuffle[k + 1] = 128;
+    }
+    for (Index k = 0; k < folded + table.middle; k++)
+        for (int n = 0; n < 2; n++)
+            for (Index i = 0; i < 16; i++) {
+                const Index t = first + k * taps + (i & (taps - 1));
+                to[k].word[n][i] = t <= last - folded * taps || k < folded ? word(n, t) : int16_t{0};
+            }
+}
+
 template<int NC> void makeWords(qvrColumns* c)
 {
     WordTable& table = *static_cast<WordTable*>(c->extra);
@@ -172,6 +228,8 @@ template<int NC> void makeWords(qvrColumns* c)
                 repeatList<NC>(c, table, group, i, x);
         }
     }
+    if (mayFold(c) && table.low)
+        foldList<NC>(table);
     findInside(c, (table.steps - 1) * table.taps + 16 / NC);
 }
 
@@ -196,34 +254,49 @@ template<int NC> QVR_INLINE Words pixelsAt(const uint8_t* p, const int32_t* firs
                           : pixelsAt<uint64_t>(p, first);
 }
 
-// The whole sums of the first N words of a group's weights, from column x on, for R rows.
-template<int NC, int R, int N, Windows W>
-QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const WordGroup* group, Index x,
-                         const uint8_t* const* row, WordSums (&sum)[N][R])
+// The whole sums of the first N words of a group's weights, whose columns have their taps at `first`, for R rows.
+template<int NC, int R, int N, Windows W, bool Folded = false>
+QVR_INLINE void addSteps(const WordTable& table, const WordGroup* group, const int32_t* first,
+                         const uint8_t* const* row, WordSums (&sum)[N][R], const WordGroup* fold = nullptr)
 {
     using Window = Vec<uint8_t, 16>;
-    const Index steps = table.steps, columns = table.columns, move = table.taps * NC;
-    Index low = Index{c->first[x]} * NC;
-    Index high = W <= Windows::paired ? Index{c->first[x + columns / 2]} * NC : low;
     using Shuffle = Vec<uint8_t, 32>;
-    const Shuffle shuffle = load<Shuffle>(group->shuffle), second = shuffle + static_cast<uint8_t>(move);
-    const WordStep* const step = reinterpret_cast<const WordStep*>(group + 1);
-    const auto take = [&]<bool First, int K>(Index k) __attribute__((always_inline)) {
+    const Index columns = table.columns, move = table.taps * NC, all = Folded ? table.folded : table.steps;
+    const Index begin = Folded ? table.first * NC : 0, end = (table.last + 1) * NC;
+    const Index left = Index{first[0]} * NC, right = Index{first[columns / 2]} * NC;
+    Index low = left + begin, high = W <= Windows::paired ? right + begin : low;
+    Index mirrorLow = left + end, mirrorHigh = W <= Windows::paired ? right + end : mirrorLow;
+    const auto shifted = [=](Shuffle s) { return s + static_cast<uint8_t>(move); };
+    const Shuffle shuffle = load<Shuffle>(group->shuffle), second = shifted(shuffle);
+    const Shuffle mirror = load<Shuffle>((Folded ? fold : group)->shuffle), before = shifted(mirror);
+    const WordStep* const step = reinterpret_cast<const WordStep*>((Folded ? fold : group) + 1);
+    const auto take = [&]<bool First, int K, bool Fold>(Index k) __attribute__((always_inline)) {
+        if constexpr (Fold) {
+            mirrorLow -= K * move;
+            mirrorHigh -= K * move;
+            __asm__("" : "+r"(mirrorLow), "+r"(mirrorHigh));
+        }
         for (int r = 0; r < R; r++) {
             const uint8_t* const p = row[r];
-            Vec<uint8_t, 32> windows;
-            if constexpr (kSsse3 && W != Windows::ordered) {
-                const auto window = load<Window>(p + low);
-                windows = concat(window, W == Windows::one ? window : load<Window>(p + high));
-            }
+            const auto windowsAt = [=](Index a, Index b) {
+                const auto window = load<Window>(p + a);
+                return concat(window, W > Windows::paired ? window : load<Window>(p + b));
+            };
+            Vec<uint8_t, 32> windows, mirrored;
+            if constexpr (kSsse3 && (Folded || W != Windows::ordered))
+                windows = windowsAt(low, high);
+            if constexpr (Fold)
+                mirrored = windowsAt(mirrorLow, mirrorHigh);
             for (int i = 0; i < K; i++) {
                 Words pixels;
-                if constexpr (W == Windows::ordered)
+                if constexpr (W == Windows::ordered && !Folded)
                     pixels = convert<int16_t>(load<Window>(p + low));
                 else if constexpr (kSsse3)
                     pixels = bitcast<Words>(shuffleBytes(windows, i == 0 ? shuffle : second));
                 else
-                    pixels = pixelsAt<NC>(p + move * (k + i), c->first + x, columns);
+                    pixels = pixelsAt<NC>(p + move * (k + i), first, columns);
+                if constexpr (Fold)
+                    pixels += bitcast<Words>(shuffleBytes(mirrored, i == K - 1 ? mirror : before));
                 for (int n = 0; n < N; n++) {
                     const WordSums products = addProductPairs(pixels, load<Words>(step[k + i].word[n]));
                     sum[n][r] = First && i == 0 ? products : sum[n][r] + products;
@@ -235,34 +308,46 @@ QVR_INLINE void addSteps(const qvrColumns* c, const WordTable& table, const Word
         __asm__("" : "+r"(low), "+r"(high)); // offsets of all rows, not a pointer for each
     };
     constexpr int K = W == Windows::paired ? 2 : 1;
-    if (steps < K)
-        return take.template operator()<true, 1>(0);
-    take.template operator()<true, K>(0);
+    if (all < K)
+        return take.template operator()<true, 1, Folded>(0);
+    take.template operator()<true, K, Folded>(0);
     Index k = K;
 #pragma nounroll
-    for (; k + K <= steps; k += K)
-        take.template operator()<false, K>(k);
-    if (k < steps)
-        take.template operator()<false, 1>(k);
+    for (; k + K <= all; k += K)
+        take.template operator()<false, K, Folded>(k);
+    if (k < all)
+        take.template operator()<false, 1, Folded>(k++);
+    for (; Folded && k < all + table.middle; k++)
+        take.template operator()<false, 1, false>(k);
 }
 
 // Columns from .. to - 1 of R rows; lines have room for whole groups.
-template<int NC, int R, int N, Windows W>
+template<int NC, int R, int N, Windows W, bool Folded>
 QVR_APART void filterGroups(const qvrColumns* c, const uint8_t* const* row, Index from, Index to, float* const* line)
 {
     using V = Vec<float, 8>;
-    const WordTable& table = *static_cast<const WordTable*>(c->extra);
-    const Index columns = table.columns;
+    // Copies: what is stored is none of them.
+    const WordTable table = *static_cast<const WordTable*>(c->extra);
+    const WordGroup* const groups = groupOf(*static_cast<const WordTable*>(c->extra), 0);
+    const Index columns = table.columns, size = 1 + table.steps;
+    const int32_t* const first = c->first;
+    const uint8_t* rows[R];
+    float* lines[R];
+    for (int r = 0; r < R; r++) {
+        rows[r] = row[r];
+        lines[r] = line[r];
+    }
     Index group = from == 0 ? 0 : from / columns % table.groups;
     for (Index x = from; x < to; x += columns) {
         WordSums whole[N][R];
-        addSteps<NC, R, N, W>(c, table, groupOf(table, group), x, row, whole);
+        addSteps<NC, R, N, W, Folded>(table, groups + group * size, first + x, rows, whole,
+                                      groups + table.groups * size);
         group = group + 1 < table.groups ? group + 1 : 0;
         for (int r = 0; r < R; r++) {
             V sum = convert<float>(whole[0][r]) * splat<V>(0x1p-14f);
             if constexpr (N > 1)
                 sum = fma(convert<float>(whole[1][r]), splat<V>(0x1p-29f), sum);
-            float* const out = line[r] + x * NC;
+            float* const out = lines[r] + x * NC;
             if (NC == 4 || columns == 8) {
                 store(out, sum);
                 continue;
@@ -276,14 +361,14 @@ QVR_APART void filterGroups(const qvrColumns* c, const uint8_t* const* row, Inde
     }
 }
 
-template<int NC, int R, int N, Windows W>
+template<int NC, int R, int N, Windows W, bool Folded = false>
 void filterRows(const qvrColumns* c, const uint8_t* const* row, float* const* line)
 {
     // One bit for each sum: it is the prescribed one.
     for (int r = 0; r < R; r++)
         __builtin_memset(reinterpret_cast<char*>(line[r]) + c->marks, 0, static_cast<size_t>(c->width * NC + 7) / 8);
     const auto part = [&](const uint8_t* const* s, Index from, Index to) {
-        filterGroups<NC, R, N, W>(c, s, from, to, line);
+        filterGroups<NC, R, N, W, Folded>(c, s, from, to, line);
     };
     eachOutside<R>(c, row, 0, c->from, part);
     part(row, c->from, c->to);
@@ -299,6 +384,10 @@ template<int NC> void filterWords(const qvrColumns* c, const char* const* rows, 
     }
     const WordTable& table = *static_cast<const WordTable*>(c->extra);
     const auto all = [&]<int N, Windows W>() {
+        if constexpr (kSsse3 && N == 2)
+            if (count == kRowsOfWords && table.folded > 0)
+                return filterRows < NC, kRowsOfWords, N, W == Windows::ordered ? Windows::one : W,
+                       true > (c, row, line);
         if (count == kRowsOfWords)
             return filterRows<NC, kRowsOfWords, N, W>(c, row, line);
         for (Index r = 0; r < count; r++)
@@ -377,9 +466,9 @@ QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const Eight* e
             const WordGroup* const of = groupOf(table, group);
             WordSums sums[N][1];
             if (table.windows <= Windows::paired)
-                addSteps<NC, 1, N, Windows::two>(c, table, of, x + g * columns, &s, sums);
+                addSteps<NC, 1, N, Windows::two>(table, of, c->first + x + g * columns, &s, sums);
             else
-                addSteps<NC, 1, N, Windows::one>(c, table, of, x + g * columns, &s, sums);
+                addSteps<NC, 1, N, Windows::one>(table, of, c->first + x + g * columns, &s, sums);
             for (int n = 0; n < N; n++)
                 whole[n][g] = sums[n][0];
             store(errors + g * columns * NC, load<V>(of->error));
