@@ -10,8 +10,14 @@ constexpr int kHalveBytes = kAvx2 ? 32 : 16;
 using HalveBytes = Vec<uint8_t, kHalveBytes>;
 using HalveWords = Vec<int16_t, kHalveBytes / 2>;
 
-// Levels that join the channels of two neighbouring pixels by an instruction.
-template<int NC> constexpr bool kCanHalve = NC == 1 || kSsse3;
+// v / 2^Count to the nearest whole number, halves up; below 2^15 - 2^Count, not negative.
+template<int Count, class V> QVR_INLINE V shiftedRound(V v)
+{
+    if constexpr (kSsse3)
+        return mulRounded(v, splat<V>(1 << (15 - Count)));
+    else
+        return (v + (1 << (Count - 1))) >> Count;
+}
 
 // Bytes of a block of four pixels so ordered that each stands before that of its channel in the next pixel.
 struct NeighbourOrder {
@@ -26,15 +32,6 @@ constexpr NeighbourOrder makeNeighbourOrder()
 }
 constexpr NeighbourOrder kNeighbourOrder = makeNeighbourOrder();
 
-// v / 2^Count to the nearest whole number, halves up; below 2^15 - 2^Count, not negative.
-template<int Count, class V> QVR_INLINE V shiftedRound(V v)
-{
-    if constexpr (kSsse3)
-        return mulRounded(v, splat<V>(1 << (15 - Count)));
-    else
-        return (v + (1 << (Count - 1))) >> Count;
-}
-
 // Sums of neighbouring pixels, channel by channel.
 template<int NC> QVR_INLINE HalveWords pixelSums(HalveBytes v)
 {
@@ -45,6 +42,18 @@ template<int NC> QVR_INLINE HalveWords pixelSums(HalveBytes v)
         return addBytePairs(v, splat<Vec<int8_t, kHalveBytes>>(1));
     else
         return (bitcast<HalveWords>(v) & 255) + bitcast<HalveWords>(bitcast<Bits<HalveWords>>(v) >> 8);
+}
+
+// (a + b + c + d + 2) / 4. Means of two are rounded up; that of the means is one too large where it was rounded and one
+// of them was, too.
+template<class V> QVR_INLINE V meanOfFour(V a, V b, V c, V d)
+{
+    const auto mean = [](V x, V y) {
+        using Wide = Vec<uint16_t, lanes<V>>;
+        return convert<uint8_t>((convert<uint16_t>(x) + convert<uint16_t>(y) + splat<Wide>(1)) >> 1);
+    };
+    const V upper = mean(a, b), lower = mean(c, d);
+    return mean(upper, lower) - (((a ^ b) | (c ^ d)) & (upper ^ lower) & 1);
 }
 
 // n bytes from words(i), which are a vector of them. Where n is less than two vectors, it may read behind.
@@ -112,7 +121,7 @@ QVR_INLINE Halves halvesOf(const qvrResizeBand* b)
 template<int NC> inline bool halveBand(const qvrResizeBand* b)
 {
     const auto [left, top] = halvesOf(b);
-    if (!kCanHalve<NC> || top < 0)
+    if (top < 0)
         return false;
     const Index step = b->srcStep, n = b->x.count * NC;
     if (n < kHalveBytes) {
@@ -120,13 +129,24 @@ template<int NC> inline bool halveBand(const qvrResizeBand* b)
             const uint8_t *const upper = src + left * NC + 2 * i - i % NC, *const lower = upper + step;
             dst[i] = static_cast<uint8_t>((upper[0] + upper[NC] + lower[0] + lower[NC] + 2) >> 2);
         });
-    } else if constexpr (kCanHalve<NC>) {
+    } else {
         eachBlock<2, 1>(b, top, b->y.count, NC, kHalveBytes, [=](const uint8_t* src, uint8_t* dst, Index i) {
-            const auto words = [=](Index at) {
-                const uint8_t* const p = src + left * NC + 2 * i + at;
-                return shiftedRound<2>(pixelSums<NC>(load<HalveBytes>(p)) + pixelSums<NC>(load<HalveBytes>(p + step)));
-            };
-            store(dst + i, packWords(words(0), words(kHalveBytes)));
+            const uint8_t* const p = src + left * NC + 2 * i;
+            if constexpr (NC == 4 && !kSsse3) {
+                using Pixels = Vec<uint32_t, 4>;
+                const auto pixels = [=](const uint8_t* at, bool second) {
+                    const Pixels v = load<Pixels>(at), w = load<Pixels>(at + 16);
+                    return bitcast<HalveBytes>(second ? odds(v, w) : evens(v, w));
+                };
+                store(dst + i,
+                      meanOfFour(pixels(p, false), pixels(p, true), pixels(p + step, false), pixels(p + step, true)));
+            } else {
+                const auto words = [=](const uint8_t* at) {
+                    return shiftedRound<2>(pixelSums<NC>(load<HalveBytes>(at)) +
+                                           pixelSums<NC>(load<HalveBytes>(at + step)));
+                };
+                store(dst + i, packWords(words(p), words(p + kHalveBytes)));
+            }
         });
     }
     return true;
