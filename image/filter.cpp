@@ -336,7 +336,7 @@ template<class T> void blendLowPass(const qvrColumns* c, const qvrRowTaps* rows,
     using L = Line<T>;
     constexpr bool fused = kFma && sizeof(T) == 4;
     using A = decltype(L{} + typename FloatOf < fused || sizeof(T) == 8 ? 8 : 4 > ::type{});
-    addRows<A, !fused && sizeof(T) != 8, T>(c, rows, to);
+    addRows<A, fused || sizeof(T) == 8 ? Sum::fromZero : Sum::rounded, T>(c, rows, to);
 }
 
 // ---- Without antialiasing -------------------------------------------------------------------------------------------
@@ -561,7 +561,7 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
     const A* const* const line = reinterpret_cast<const A* const*>(rows->line);
     T* const dst = reinterpret_cast<T*>(to);
     if constexpr (sizeof(T) == 1) {
-        addStreams<float, false>(line, 0, rows->single, rows->count, dst, n);
+        addStreams<float, Sum::plain>(line, 0, rows->single, rows->count, dst, n);
     } else if (rows->count == 2) {
         const auto f = static_cast<A>(rows->weight[1]);
         eachBlock<A>(n, [&]<int N>(Index i) {
@@ -570,7 +570,7 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
             store(dst + i, rows->apart ? fma(lower - upper, splat<V>(f), upper) : upper);
         });
     } else {
-        addRows<A, false, T>(c, rows, to);
+        addRows<A, Sum::plain, T>(c, rows, to);
     }
 }
 

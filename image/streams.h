@@ -42,9 +42,13 @@ template<class A, int R = 8, class F> QVR_INLINE void eachBlock(Index count, con
 
 // ---- Sums of streams ------------------------------------------------------------------------------------------------
 
+// What is added up from 0: products that are rounded to singles, as the contract adds up rows of the low pass, or what
+// stands for them in wider or fused steps; plain: from the first product on.
+enum class Sum { rounded, fromZero, plain };
+
 // One output row or two that share lines: out[r][i] = sum of s[k][i] weight[r][k - from[r]], k = from[r] .. end[r] - 1;
-// both ascend. Products: each is rounded to a single, as the contract adds up rows.
-template<class A, bool Products, int R, class S, class W, class O>
+// both ascend.
+template<class A, Sum Kind, int R, class S, class W, class O>
 QVR_APART void addStreams(const S* const* s, Index offset, const Index (&from)[R], const Index (&end)[R],
                           const W* const (&weight)[R], O* const (&out)[R], Index count)
 {
@@ -54,12 +58,17 @@ QVR_APART void addStreams(const S* const* s, Index offset, const Index (&from)[R
     O *const out0 = out[0], *const out1 = out[R - 1];
     eachBlock<A, 8 / R>(count, [=]<int N>(Index i) {
         using V = Vec<A, N>;
-        V sum0 = {}, sum1 = {};
-        const auto add = [&](const auto& x, W w, V& sum) {
-            if constexpr (Products)
-                sum += convert<A>(convert<double>(x) * splat<Vec<double, N>>(w));
+        const auto added = [](const auto& x, W w, V sum) {
+            if constexpr (Kind == Sum::rounded)
+                return sum + convert<A>(convert<double>(x) * splat<Vec<double, N>>(w));
             else
-                sum = fma(widened<A>(x), splat<V>(static_cast<A>(w)), sum);
+                return fma(widened<A>(x), splat<V>(static_cast<A>(w)), sum);
+        };
+        const auto begun = [&](const auto& x, W w) {
+            if constexpr (Kind == Sum::plain)
+                return widened<A>(x) * splat<V>(static_cast<A>(w));
+            else
+                return added(x, w, V{});
         };
         const auto at = [=](Index k) { return load<Vec<S, N>>(s[k] + offset + i); };
         const auto put = [=](O* to, V sum) {
@@ -68,27 +77,39 @@ QVR_APART void addStreams(const S* const* s, Index offset, const Index (&from)[R
             else
                 store(to + i, convert<O>(sum));
         };
-        for (Index k = first; k < firstEnd && (R == 1 || k < second); k++)
-            add(at(k), w0[k], sum0);
-        for (Index k = second; R == 2 && k < firstEnd; k++) {
-            const auto x = at(k);
-            add(x, w0[k], sum0);
-            add(x, w1[k], sum1);
+        Index k = first;
+        V sum0 = begun(at(k), w0[k]), sum1 = {};
+        if (R == 2 && second == first)
+            sum1 = begun(at(k), w1[k]);
+        for (k++; k < firstEnd && (R == 1 || k < second); k++)
+            sum0 = added(at(k), w0[k], sum0);
+        if (R == 2 && second > first) {
+            k = second;
+            sum1 = begun(at(k), w1[k]);
+            if (k < firstEnd)
+                sum0 = added(at(k), w0[k], sum0);
+            k++;
         }
-        for (Index k = second > firstEnd ? second : firstEnd; R == 2 && k < secondEnd; k++)
-            add(at(k), w1[k], sum1);
+        for (; R == 2 && k < firstEnd; k++) {
+            const auto x = at(k);
+            sum0 = added(x, w0[k], sum0);
+            sum1 = added(x, w1[k], sum1);
+        }
+        for (; R == 2 && k < secondEnd; k++)
+            sum1 = added(at(k), w1[k], sum1);
         put(out0, sum0);
         if (R == 2)
             put(out1, sum1);
     });
 }
-template<class A, bool Products, class S, class W, class O>
+template<class A, Sum Kind, class S, class W, class O>
 QVR_INLINE void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count)
 {
-    addStreams<A, Products, 1>(s, at, {0}, {n}, {weight}, {out}, count);
+    addStreams<A, Kind, 1>(s, at, {0}, {n}, {weight}, {out}, count);
 }
+constexpr Index kMostTaps = 6; // without low pass
 // An output row, and the next one if it is formed with it.
-template<class A, bool Products, class O> void addRows(const qvrColumns* c, const qvrRowTaps* rows, char* to)
+template<class A, Sum Kind, class O> void addRows(const qvrColumns* c, const qvrRowTaps* rows, char* to)
 {
     const Line<O>* const* const line = reinterpret_cast<const Line<O>* const*>(rows->line);
     O* const out = reinterpret_cast<O*>(to);
@@ -101,10 +122,21 @@ template<class A, bool Products, class O> void addRows(const qvrColumns* c, cons
         while (end[r] - from[r] > 1 && weight[r][end[r] - from[r] - 1] == 0)
             end[r]--;
     }
-    if (rows->next == nullptr)
-        addStreams<A, Products, 1>(line, 0, {from[0]}, {end[0]}, {weight[0]}, {out}, n);
-    else
-        addStreams<A, Products, 2>(line, 0, from, end, weight, {out, reinterpret_cast<O*>(rows->next)}, n);
+    const auto add = [&](const auto* w, const auto* next) {
+        if (rows->next == nullptr)
+            addStreams<A, Kind, 1>(line, 0, {from[0]}, {end[0]}, {w}, {out}, n);
+        else
+            addStreams<A, Kind, 2>(line, 0, from, end, {w, next}, {out, reinterpret_cast<O*>(rows->next)}, n);
+    };
+    if constexpr (Kind == Sum::plain && sizeof(A) == 4) {
+        float single[2][kMostTaps];
+        for (int r = 0; r < 2; r++)
+            for (Index k = 0; k < end[r] - from[r]; k++)
+                single[r][k] = static_cast<float>(weight[r][k]);
+        add(single[0], single[1]);
+    } else {
+        add(weight[0], weight[1]);
+    }
 }
 
 // ---- Pixels ---------------------------------------------------------------------------------------------------------

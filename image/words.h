@@ -553,7 +553,7 @@ template<int NC> void blendWords(const qvrColumns* c, const qvrRowTaps* rows, ch
     const float* const* const line = reinterpret_cast<const float* const*>(rows->line);
     const Index n = c->width * NC, taps = rows->count;
     if (rows->guard == 0)
-        return addStreams<float, false>(line, 0, rows->single, taps, dst, n);
+        return addStreams<float, Sum::plain>(line, 0, rows->single, taps, dst, n);
     const float limit = 0.5f - rows->guard, *const weight = rows->single;
     Eight found[kSums / 8 + 1];
     Index count = 0;

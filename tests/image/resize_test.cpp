@@ -261,6 +261,30 @@ TEST(Resize, IdentityCopies)
     }
 }
 
+// Sums of the plain cubics begin with their first product, so -0 stays what it is. Those of antialiasing begin at 0.
+TEST(Resize, SumsOfNegativeZeros)
+{
+    const auto run = [&]<class T>(auto resize, T) {
+        for (int selector : {int(qvriInterCubicBSpline), qvriInterCubicBSpline | qvriAntialias}) {
+            const bool reduces = (selector & qvriAntialias) != 0;
+            const qvriRect from = {0, 0, 40, 30}, to = reduces ? qvriRect{0, 0, 20, 15} : qvriRect{0, 0, 80, 60};
+            const double factor = reduces ? 0.5 : 2;
+            const std::vector<T> src(40 * 30, T(-0.0));
+            std::vector<T> dst(size_t(to.width * to.height), T(1));
+            std::vector<uint8_t> buffer(1 << 20);
+            ASSERT_EQ(resize(src.data(), {40, 30}, 40 * int(sizeof(T)), from, dst.data(), to.width * int(sizeof(T)), to,
+                             factor, factor, 0, 0, selector, buffer.data()),
+                      qvrOk);
+            for (size_t i = 0; i < dst.size(); i++) {
+                ASSERT_EQ(dst[i], 0) << i;
+                ASSERT_EQ(std::signbit(dst[i]), !reduces) << i;
+            }
+        }
+    };
+    slots::each(qvrTable_qvriResizeSqrPixel_32f_C1R, [&](auto resize, int) { run(resize, float{}); });
+    slots::each(qvrTable_qvriResizeSqrPixel_64f_C1R, [&](auto resize, int) { run(resize, double{}); });
+}
+
 // A NaN goes to every output that has it among its taps, also under weight zero, and to no other.
 TEST(Resize, NotANumberPasses)
 {
