@@ -380,8 +380,9 @@ HOW = """## How it is measured
 
 `make bench` measures every function beside what a user would take instead and writes these pages, `make bench
 ONLY=family` renews one family. Peers held to the level are compiled for the instructions that our slot may use: plain loops
-with the compiler's vectoriser, Eigen, SLEEF, glibc's vector functions. Any peer also means those that take all that the
-processor has, wider vectors than slot l9 among it: the C library's memory functions, VOLK, FFTW, libyuv, zimg, libvips.
+with the compiler's vectoriser, Eigen, SLEEF, glibc's vector functions, zimg where it is told its level. Any peer also means
+those that take all that the processor has, wider vectors than slot l9 among it: the C library's memory functions, VOLK, FFTW,
+libyuv, zimg with 64-byte vectors, which it leaves alone by itself, libvips.
 
 One process, pinned to one core before the OpenMP runtime starts, so that every function runs in one thread. The
 competitors of a case work on the same arrays and take turns, round by round, in samples of about 0.4 ms; the order
