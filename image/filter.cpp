@@ -561,11 +561,13 @@ template<class T> void blendTaps(const qvrColumns* c, const qvrRowTaps* rows, ch
     const A* const* const line = reinterpret_cast<const A* const*>(rows->line);
     T* const dst = reinterpret_cast<T*>(to);
     if constexpr (sizeof(T) == 1) {
-        addStreams<float, Sum::plain>(line, 0, rows->single, rows->count, dst, n);
+        addStreams<float, Sum::plain>(line, 0, rows->single, rows->count, dst, n, rows->ahead);
     } else if (rows->count == 2) {
         const auto f = static_cast<A>(rows->weight[1]);
         eachBlock<A>(n, [&]<int N>(Index i) {
             using V = Vec<A, N>;
+            if (rows->ahead != 0)
+                askFor(dst + i, rows->ahead, N);
             const V upper = load<V>(line[0] + i), lower = load<V>(line[1] + i);
             store(dst + i, rows->apart ? fma(lower - upper, splat<V>(f), upper) : upper);
         });

@@ -2,6 +2,7 @@
 #ifndef QVR_IMAGE_HALVE_H
 #define QVR_IMAGE_HALVE_H
 
+#include "frame/ahead.h"
 #include "image/kernels.h"
 
 namespace {
@@ -56,15 +57,19 @@ template<class V> QVR_INLINE V meanOfFour(V a, V b, V c, V d)
     return mean(upper, lower) - (((a ^ b) | (c ^ d)) & (upper ^ lower) & 1);
 }
 
-// n bytes from words(i), which are a vector of them. Where n is less than two vectors, it may read behind.
+// n bytes from words(i), which are a vector of them. Where n is less than two vectors, it may read behind. Lines are
+// asked for `ahead` bytes ahead.
 constexpr int kWords = kHalveBytes / 2;
-template<class F> QVR_INLINE void putRow(Index n, uint8_t* dst, const F& words)
+template<class F> QVR_INLINE void putRow(Index n, uint8_t* dst, const F& words, Index ahead = 0)
 {
     constexpr int N = 2 * kWords;
     const auto block = [&](Index i) { return packWords(words(i), words(i + kWords)); };
     Index i = 0;
-    for (; i + N <= n; i += N)
+    for (; i + N <= n; i += N) {
+        if (ahead != 0)
+            askFor(dst + i, ahead, N);
         store(dst + i, block(i));
+    }
     if (i < n && n >= N)
         store(dst + n - N, block(n - N));
     else if (i < n)

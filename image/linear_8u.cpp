@@ -148,15 +148,18 @@ template<int NC> QVR_APART void filterRow(const uint8_t* s, const Columns& c, in
 }
 
 // n elements of two filtered rows. The lines are longer by a block.
-QVR_APART void blendRows(const int16_t* near, const int16_t* far, int w, Index n, uint8_t* dst)
+QVR_APART void blendRows(const int16_t* near, const int16_t* far, int w, Index n, uint8_t* dst, Index ahead)
 {
     using Words = Vec<int16_t, kWords>;
     // 4 w may be 2^15, so both are negated.
     const Words weight = splat<Words>(static_cast<int16_t>(-4 * w));
-    putRow(n, dst, [&](Index i) {
-        const Words a = load<Words>(near + i);
-        return shiftedRound<6>(a + mulHigh(a - load<Words>(far + i), weight));
-    });
+    putRow(
+        n, dst,
+        [&](Index i) {
+            const Words a = load<Words>(near + i);
+            return shiftedRound<6>(a + mulHigh(a - load<Words>(far + i), weight));
+        },
+        ahead);
 }
 
 // Columns from .. to - 1, all of one pixel of the image.
@@ -194,6 +197,7 @@ template<int NC> void linear(const qvrResizeBand* b, int pixel)
         plain++;
     if (plain == b->y.count)
         return SLOT(ownResizeNearest)(b, pixel);
+    const Index ahead = qvrAheadOf(b, NC);
     for (Index n = 0; n < b->y.count; n++) {
         const Index k = place(n), upper = clampIndex(first[k], b->y.length);
         const bool edge = first[k] < 0 || upper == b->y.length - 1;
@@ -214,7 +218,8 @@ template<int NC> void linear(const qvrResizeBand* b, int pixel)
                     filterRow<NC>(rowAt(y), c, 64, line[y & 1]);
                 }
             const int16_t *const a = line[upper & 1] + at, *const z = line[lower & 1] + at;
-            2 * w <= kOne ? blendRows(a, z, w, inside, dst + at) : blendRows(z, a, kOne - w, inside, dst + at);
+            2 * w <= kOne ? blendRows(a, z, w, inside, dst + at, ahead)
+                          : blendRows(z, a, kOne - w, inside, dst + at, ahead);
         }
         const Index right = (c.length - 1) * NC;
         fillColumns<NC>(rowAt(upper), rowAt(lower), w, 0, c.from, dst);

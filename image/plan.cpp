@@ -196,4 +196,11 @@ qvrStatus qvrResizeBufferBytes(const qvriRect* src, const qvriRect* dst, int cha
     return status;
 }
 
+int64_t qvrAheadOf(const qvrResizeBand* b, int64_t pixelBytes)
+{
+    constexpr int64_t kLarge = 1 << 20, kLong = 4096, kLine = 64, kAhead = 1024;
+    const int64_t row = b->x.count * pixelBytes;
+    return b->dstStep * b->y.count >= kLarge && (row >= kLong || b->dstStep - row < kLine) ? kAhead : 0;
+}
+
 } // extern "C"

@@ -81,6 +81,10 @@ QVR_HIDDEN int32_t qvrResizeThreads(int32_t threadBytes);
 // The pixels round the produced block that the source covers in part.
 QVR_HIDDEN void qvrResizeEdges(const qvrResizePlan* plan, int pixel);
 
+// How far ahead of what is written lines are asked for, in bytes; 0: not at all. So are those of large destinations
+// whose rows are long or follow each other: a store waits for its line where it is beyond the second cache.
+QVR_HIDDEN int64_t qvrAheadOf(const qvrResizeBand* band, int64_t pixelBytes);
+
 // The source pixels under the centres of `count` destination pixels from d on, clamped into the image.
 QVR_HIDDEN void qvrNearestOf(const qvrResizeAxis* axis, int64_t d, int64_t count, int32_t* pixels);
 // The number of positions, up to `most`, after which all of the axis' positions are `pixels` further on; 0: none.

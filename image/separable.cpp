@@ -388,6 +388,7 @@ void resizeColumns(Job& j, Index from, Index width)
     };
     int32_t finite = 0;
     r.c.finite = &finite;
+    r.rows.ahead = qvrAheadOf(b, k->channels * k->elementBytes);
     Index tame = 0;           // lines of rows from here on are finite
     Index done = 0, slot = 0; // rows below are filtered, as far as they are needed; line of row `done`
     for (Index n = 0; n < rows; n++) {

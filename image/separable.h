@@ -47,6 +47,7 @@ typedef struct {
     float* single;
     int32_t finite; // a line times nothing is nothing
     int32_t apart;  // the taps are different rows
+    int64_t ahead;  // bytes to what will be written soon, to be asked for; 0: nothing
     float guard;    // how far a sum of singles may be from the prescribed one
     qvrOwnRow* own;
     // Floats: the next output row, if it is formed with this one; its taps begin at line `lag`.

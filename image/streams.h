@@ -2,6 +2,7 @@
 #ifndef QVR_IMAGE_STREAMS_H
 #define QVR_IMAGE_STREAMS_H
 
+#include "frame/ahead.h"
 #include "frame/element.h"
 #include "image/kernels.h"
 #include "image/separable.h"
@@ -50,7 +51,7 @@ enum class Sum { rounded, fromZero, plain };
 // both ascend.
 template<class A, Sum Kind, int R, class S, class W, class O>
 QVR_APART void addStreams(const S* const* s, Index offset, const Index (&from)[R], const Index (&end)[R],
-                          const W* const (&weight)[R], O* const (&out)[R], Index count)
+                          const W* const (&weight)[R], O* const (&out)[R], Index count, Index ahead)
 {
     // Copies: what is stored is none of them.
     const Index first = from[0], second = from[R - 1], firstEnd = end[0], secondEnd = end[R - 1];
@@ -72,6 +73,8 @@ QVR_APART void addStreams(const S* const* s, Index offset, const Index (&from)[R
         };
         const auto at = [=](Index k) { return load<Vec<S, N>>(s[k] + offset + i); };
         const auto put = [=](O* to, V sum) {
+            if (ahead != 0)
+                askFor(to + i, ahead, N);
             if constexpr (sizeof(O) == 1)
                 store(to + i, packBytes(roundToByte(sum)));
             else
@@ -103,9 +106,9 @@ QVR_APART void addStreams(const S* const* s, Index offset, const Index (&from)[R
     });
 }
 template<class A, Sum Kind, class S, class W, class O>
-QVR_INLINE void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count)
+QVR_INLINE void addStreams(const S* const* s, Index at, const W* weight, Index n, O* out, Index count, Index ahead)
 {
-    addStreams<A, Kind, 1>(s, at, {0}, {n}, {weight}, {out}, count);
+    addStreams<A, Kind, 1>(s, at, {0}, {n}, {weight}, {out}, count, ahead);
 }
 constexpr Index kMostTaps = 6; // without low pass
 // An output row, and the next one if it is formed with it.
@@ -124,9 +127,10 @@ template<class A, Sum Kind, class O> void addRows(const qvrColumns* c, const qvr
     }
     const auto add = [&](const auto* w, const auto* next) {
         if (rows->next == nullptr)
-            addStreams<A, Kind, 1>(line, 0, {from[0]}, {end[0]}, {w}, {out}, n);
+            addStreams<A, Kind, 1>(line, 0, {from[0]}, {end[0]}, {w}, {out}, n, rows->ahead);
         else
-            addStreams<A, Kind, 2>(line, 0, from, end, {w, next}, {out, reinterpret_cast<O*>(rows->next)}, n);
+            addStreams<A, Kind, 2>(line, 0, from, end, {w, next}, {out, reinterpret_cast<O*>(rows->next)}, n,
+                                   rows->ahead);
     };
     if constexpr (Kind == Sum::plain && sizeof(A) == 4) {
         float single[2][kMostTaps];

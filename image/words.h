@@ -553,7 +553,7 @@ template<int NC> void blendWords(const qvrColumns* c, const qvrRowTaps* rows, ch
     const float* const* const line = reinterpret_cast<const float* const*>(rows->line);
     const Index n = c->width * NC, taps = rows->count;
     if (rows->guard == 0)
-        return addStreams<float, Sum::plain>(line, 0, rows->single, taps, dst, n);
+        return addStreams<float, Sum::plain>(line, 0, rows->single, taps, dst, n, rows->ahead);
     const float limit = 0.5f - rows->guard, *const weight = rows->single;
     Eight found[kSums / 8 + 1];
     Index count = 0;
@@ -573,6 +573,8 @@ template<int NC> void blendWords(const qvrColumns* c, const qvrRowTaps* rows, ch
         };
         [&]<int... K>(Indices<K...>)
             __attribute__((always_inline)) { (find(i / 8 + K, laneBits(slice<8 * K, 8>(near))), ...); }(Iota<E>{});
+        if (rows->ahead != 0)
+            askFor(dst + i, rows->ahead, 8 * E);
         storeFirst(dst + i, packBytes(bytes), static_cast<int>(size));
     };
     for (Index i = 0, end; i < n; i = end) {
