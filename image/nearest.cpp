@@ -9,10 +9,12 @@
 
 namespace {
 
-template<class T> void copyPixels(const T* src, const int32_t* column, T* dst, Index n)
+template<class T> void copyPixels(const T* src, const int32_t* column, T* dst, Index n, Index ahead)
 {
     Index x = 0;
     for (; x + 4 <= n; x += 4) {
+        if (ahead != 0 && x % (64 / sizeof(T)) == 0)
+            askFor(dst + x, ahead, 1);
         const Vec<T, 1> a = load<Vec<T, 1>>(src + column[x]), b = load<Vec<T, 1>>(src + column[x + 1]);
         const Vec<T, 1> c = load<Vec<T, 1>>(src + column[x + 2]), d = load<Vec<T, 1>>(src + column[x + 3]);
         store(dst + x, concat(concat(a, b), concat(c, d)));
@@ -98,7 +100,7 @@ template<class T> bool copyHalves(const qvrResizeBand* b)
     return true;
 }
 
-template<class T> void copyBlocks(const T* src, const Period& period, T* dst)
+template<class T> void copyBlocks(const T* src, const Period& period, T* dst, Index ahead)
 {
     src += period.first;
     if (period.evens) {
@@ -111,9 +113,12 @@ template<class T> void copyBlocks(const T* src, const Period& period, T* dst)
             store(dst + k * outputs, shuffleBytes(load<Block>(src + k * pixels), from));
         };
         Index x = 0;
-        for (; x + 4 * outputs < period.done; x += 4 * outputs, src += 4 * pixels, dst += 4 * outputs)
+        for (; x + 4 * outputs < period.done; x += 4 * outputs, src += 4 * pixels, dst += 4 * outputs) {
+            if (ahead != 0)
+                askFor(dst, ahead, 1);
             for (Index k = 0; k < 4; k++)
                 block(k);
+        }
         for (; x < period.done; x += outputs, src += pixels, dst += outputs)
             block(0);
     }
@@ -150,10 +155,12 @@ bool makeGroups(const qvrResizeAxis& axis, Index d, Index n, Group* group, bool&
     return true;
 }
 
-template<bool Near> void copyGroups(const uint8_t* src, const Group* group, uint8_t* dst, Index n)
+template<bool Near> void copyGroups(const uint8_t* src, const Group* group, uint8_t* dst, Index n, Index ahead)
 {
     if constexpr (kSsse3)
         for (Index x = 0; x < n; x += 16, group++) {
+            if (ahead != 0 && x % 64 == 0)
+                askFor(dst + x, ahead, 1);
             const uint8_t* const p = src + group->base;
             Block block = shuffleBytes(load<Block>(p), load<Block>(group->low));
             if constexpr (!Near)
@@ -193,6 +200,7 @@ template<class T> void nearest(const qvrResizeBand* b)
     const bool groups = sizeof(T) == 1 && makeGroups(b->x, b->x.first + from, rest, group, near);
     if (!groups)
         qvrNearestOf(&b->x, b->x.first + from, rest, column);
+    const Index ahead = qvrAheadOf(b, sizeof(T));
     Index shown = -1;
     int32_t rows[kRows];
     for (Index n = 0; n < b->y.count; n++) {
@@ -207,12 +215,12 @@ template<class T> void nearest(const qvrResizeBand* b)
             continue;
         }
         shown = y;
-        copyBlocks(row, period, to);
+        copyBlocks(row, period, to, ahead);
         if (groups)
             (near ? copyGroups<true> : copyGroups<false>)(reinterpret_cast<const uint8_t*>(row), group,
-                                                          reinterpret_cast<uint8_t*>(to + from), rest);
+                                                          reinterpret_cast<uint8_t*>(to + from), rest, ahead);
         else
-            copyPixels(row, column, to + from, rest);
+            copyPixels(row, column, to + from, rest, ahead);
     }
 }
 
