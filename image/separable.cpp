@@ -362,28 +362,34 @@ void resizeColumns(Job& j, Index from, Index width)
     RowLists lists;
     startRows(&j.y, lists);
     const Index rows = b->y.count;
-    Index skipped = 0, trimmed = 0;
+    const bool one = ofBytes(k) && lists.lists == 1;
+    Index skipped = 0, taken = 0;
     const auto nextWeights = [&](Index n, Index& first, Index& count, double* to) {
         const double* w = nextRow(lists, b->y.first, n, rows, first, count, to);
         const Index begin = first;
-        if (ofBytes(k)) {
-            // A single list is trimmed once.
-            if (lists.lists != 1 || trimmed == 0) {
+        // A single list of bytes is taken once.
+        if (!one || n == 0) {
+            if (ofBytes(k)) {
                 guardRow(j, r.c, first, count, w, r.rows);
                 skipped = first - begin;
-                trimmed = count;
-            } else {
-                first += skipped;
-                w += skipped;
-                count = trimmed;
+                taken = count;
             }
+            for (Index t = 0; t < count; t++)
+                to[t] = w[t];
+            for (Index t = 0; t < count && k->elementBytes == 1; t++)
+                r.rows.single[t] = static_cast<float>(to[t]);
+        } else {
+            first += skipped;
+            count = taken;
+        }
+        if (ofBytes(k)) {
             own.at = b->y.first + n;
             own.first = first;
             own.count = count;
             own.made = 0;
+            for (Index t = 0; t < count; t++)
+                source[t] = b->src + clampIndex(first + t, j.y.length) * b->srcStep;
         }
-        for (Index t = 0; t < count; t++)
-            to[t] = w[t];
         return begin;
     };
     int32_t finite = 0;
@@ -398,12 +404,6 @@ void resizeColumns(Job& j, Index from, Index width)
         Index high = clampIndex(first + count - 1, j.y.length), all = count;
         r.rows.count = count;
         r.rows.apart = high - clampIndex(first, j.y.length) == count - 1;
-        if (k->elementBytes == 1) {
-            for (Index t = 0; t < least(count, kRun); t++)
-                r.rows.source[t] = b->src + clampIndex(first + t, j.y.length) * b->srcStep;
-            for (Index t = 0; t < count; t++)
-                r.rows.single[t] = static_cast<float>(r.rows.weight[t]);
-        }
         char* const dst = outputAt(j, n, from);
         r.rows.next = nullptr;
         if (j.pairs && n + 1 < rows) {

@@ -145,23 +145,31 @@ template<class A, Sum Kind, class O> void addRows(const qvrColumns* c, const qvr
 
 // ---- Pixels ---------------------------------------------------------------------------------------------------------
 
-// The row's pixels from .. from + n - 1, those outside by the edges.
+constexpr int kPastEnd = 64; // elements behind pixels that are laid out anew
+
+// `count` times a pixel; all of a vector may be written.
+template<class T> QVR_INLINE void repeatPixel(const T* pixel, Index nc, Index count, T* to)
+{
+    constexpr int W = kPastEnd / 4;
+    using V = Vec<T, W>;
+    V v;
+    if (nc == 1)
+        v = splat<V>(get(pixel, 0));
+    else
+        for (int i = 0; i < W; i++)
+            v[i] = get(pixel, i % 4);
+    for (Index i = 0; i < count * nc; i += W)
+        store(to + i, v);
+}
+// The row's pixels from .. from + n - 1, those outside by the edges; up to kPastEnd elements behind are written.
 template<class T> QVR_APART void fetch(const qvrColumns* c, const T* row, Index from, Index n, T* to)
 {
     const Index nc = c->channels, low = clampIndex(from, c->length), high = clampIndex(from + n - 1, c->length) + 1;
     const Index left = low > from ? (low - from < n ? low - from : n - 1) : 0;
     const Index right = from + n - high > 0 ? (from + n - high < n ? from + n - high : n - 1) : 0;
-    __builtin_memcpy(to + left * nc, reinterpret_cast<const char*>(row) + low * nc * static_cast<Index>(sizeof(T)),
-                     static_cast<size_t>((n - left - right) * nc) * sizeof(T));
-    const auto repeat = [=](Index first, Index count, const T* pixel) {
-        T edge[4];
-        for (Index k = 0; k < 4; k++)
-            edge[k] = get(pixel, nc == 1 ? 0 : k);
-        for (Index i = 0; i < count * nc; i++)
-            to[first * nc + i] = edge[i % 4];
-    };
-    repeat(0, left, to + left * nc);
-    repeat(n - right, right, to + (n - right - 1) * nc);
+    repeatPixel(row + low * nc, nc, left, to);
+    __builtin_memcpy(to + left * nc, row + low * nc, static_cast<size_t>((n - left - right) * nc) * sizeof(T));
+    repeatPixel(row + (high - 1) * nc, nc, right, to + (n - right) * nc);
 }
 
 // Columns whose loads, `reach` pixels from the first tap of one on, stay in the image.
@@ -183,8 +191,8 @@ void findInside(qvrColumns* c, Index reach)
 template<int R, class T, class Part>
 QVR_INLINE void eachOutside(const qvrColumns* c, const T* const* row, Index from, Index to, const Part& part)
 {
-    constexpr Index room = 8192 / sizeof(T), past = 64;
-    alignas(64) T pixels[R][room + past];
+    constexpr Index room = 8192 / sizeof(T);
+    alignas(64) T pixels[R][room + kPastEnd];
     for (Index x = from, end; x < to; x = end) {
         const Index base = c->first[x];
         const auto fits = [=](Index last) { return (c->first[last] + c->most - base) * c->channels <= room; };

@@ -65,7 +65,7 @@ QVR_INLINE const WordGroup* foldOf(const WordTable& table)
 // A single list; its columns leave room enough for a second form of it.
 bool mayFold(const qvrColumns* c)
 {
-    return kSsse3 && c->lists == 1 && c->width >= 64;
+    return kSsse3 && c->lists == 1 && c->width * c->channels >= 64;
 }
 WordTable tableOf(const qvrColumns* c)
 {
@@ -452,7 +452,7 @@ QVR_APART void sumEights(const qvrColumns* c, const uint8_t* row, const Eight* e
     for (Index k = 0; k < count; k++) {
         const uint32_t eight = eights[k].index, x = eight * (8 / NC);
         const uint8_t* s = row;
-        uint8_t pixels[4096 + 64];
+        uint8_t pixels[4096 + kPastEnd];
         if (x < c->from || x >= c->to) {
             const Index base = c->first[x], last = x + 8 / NC < c->width ? x + 8 / NC - 1 : c->width - 1;
             fetch(c, row, base, c->first[last] + c->most - base, pixels);
