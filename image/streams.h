@@ -125,6 +125,9 @@ template<class A, Sum Kind, class O> void addRows(const qvrColumns* c, const qvr
         while (end[r] - from[r] > 1 && weight[r][end[r] - from[r] - 1] == 0)
             end[r]--;
     }
+    // The second row begins no earlier, so some zeros stay.
+    for (; rows->next != nullptr && from[0] > from[1]; weight[0]--)
+        from[0]--;
     const auto add = [&](const auto* w, const auto* next) {
         if (rows->next == nullptr)
             addStreams<A, Kind, 1>(line, 0, {from[0]}, {end[0]}, {w}, {out}, n, rows->ahead);

@@ -43,15 +43,29 @@ TEST(Resize, WideRows)
             }
 }
 
-// At a half, long rows of singles take a way of their own.
+// At a half, long rows of singles take a way of their own. Lists of rows that begin or end with zeros lie side by side
+// in many ways.
 TEST(Resize, WideRowsOfHalves)
 {
-    for (int method : kMethods)
-        for (int width : {130, 131, 531, 2310}) {
+    for (int method : kMethods) {
+        for (int width : {130, 131, 531, 2310})
             checkAllForms(wholeImage(width, 7, 0.5, 0.5, method | int(qvriAntialias)));
-            if (HasFailure())
-                return;
-        }
+        for (double y : {0.25, 0.75, 1.0, 1.25, 1.5, 2.0, 2.5, 3.0})
+            for (double shift : {0.0, 0.25, 0.5}) {
+                if (!applies(method, 0.5, y))
+                    continue;
+                checkAllForms({{133, 12},
+                               {0, 0, 133, 12},
+                               {0, 0, 66, int(12 * y)},
+                               0.5,
+                               y,
+                               0,
+                               shift,
+                               method | int(qvriAntialias)});
+            }
+        if (HasFailure())
+            return;
+    }
 }
 
 // Ratios whose columns repeat after a few, at whole and broken shifts and from any column on.
