@@ -174,6 +174,7 @@ template<int NC> void foldList(WordTable& table)
     table.last = last;
     WordGroup* const fold = const_cast<WordGroup*>(foldOf(table));
     WordStep* const to = reinterpret_cast<WordStep*>(fold + 1);
+#pragma nounroll
     for (Index k = 0; k < 32; k += 2) {
         // A step ends where it began, in descending order.
         const uint8_t tap = groupOf(table, 0)->shuffle[k];
@@ -183,6 +184,7 @@ template<int NC> void foldList(WordTable& table)
     }
     for (Index k = 0; k < folded + table.middle; k++)
         for (int n = 0; n < 2; n++)
+#pragma nounroll
             for (Index i = 0; i < 16; i++) {
                 const Index t = first + k * taps + (i & (taps - 1));
                 to[k].word[n][i] = t <= last - folded * taps || k < folded ? word(n, t) : int16_t{0};
@@ -308,17 +310,21 @@ QVR_INLINE void addSteps(const WordTable& table, const WordGroup* group, const i
         __asm__("" : "+r"(low), "+r"(high)); // offsets of all rows, not a pointer for each
     };
     constexpr int K = W == Windows::paired ? 2 : 1;
-    if (all < K)
-        return take.template operator()<true, 1, Folded>(0);
+    if constexpr (K == 2 && !Folded)
+        if (all < K)
+            return take.template operator()<true, 1, false>(0);
     take.template operator()<true, K, Folded>(0);
     Index k = K;
 #pragma nounroll
     for (; k + K <= all; k += K)
         take.template operator()<false, K, Folded>(k);
-    if (k < all)
-        take.template operator()<false, 1, Folded>(k++);
-    for (; Folded && k < all + table.middle; k++)
-        take.template operator()<false, 1, false>(k);
+    if constexpr (K == 2)
+        if (k < all)
+            take.template operator()<false, 1, Folded>(k++);
+    if constexpr (Folded)
+#pragma nounroll
+        for (; k < all + table.middle; k++)
+            take.template operator()<false, 1, false>(k);
 }
 
 // Columns from .. to - 1 of R rows; lines have room for whole groups.
@@ -399,14 +405,15 @@ template<int NC> void filterWords(const qvrColumns* c, const char* const* rows, 
         else
             all.template operator()<1, W>();
     };
-    if (NC == 1 && table.windows == Windows::ordered)
-        byWords.template operator()<Windows::ordered>();
-    else if (table.windows == Windows::two)
-        byWords.template operator()<Windows::two>();
-    else if (table.windows == Windows::paired)
-        byWords.template operator()<Windows::paired>();
-    else
-        byWords.template operator()<Windows::one>();
+    if (table.windows == Windows::paired)
+        return byWords.template operator()<Windows::paired>();
+    if constexpr (NC == 1) { // four channels have two columns, whose windows serve two steps
+        if (table.windows == Windows::ordered)
+            return byWords.template operator()<Windows::ordered>();
+        if (table.windows == Windows::two)
+            return byWords.template operator()<Windows::two>();
+    }
+    byWords.template operator()<Windows::one>();
 }
 
 // ---- As prescribed --------------------------------------------------------------------------------------------------
