@@ -37,6 +37,12 @@ $program $only --json=$results/bench.json
 for slot in y8 mx; do
     $program $only --slot=$slot --no-memory --json=$results/bench-$slot.json || [ $? = 3 ] # 3: it cannot
 done
+# Libraries of images can be held to any level.
+if [ -z "$family" ] || [ "$family" = image ]; then
+    for slot in e9 u8; do
+        $program --only=image --slot=$slot --no-memory --json=$results/bench-$slot.json || [ $? = 3 ]
+    done
+fi
 if [ -z "$family" ] || [ "$family" = frame ]; then
     strip -o $results/stripped.so build/bench/libmorvenqvr.so.1
     LD_LIBRARY_PATH=/usr/lib/llvm-19/lib build/bench/bench/load_time $results/stripped.so >$results/load.md

@@ -11,15 +11,6 @@ constexpr int kHalveBytes = kAvx2 ? 32 : 16;
 using HalveBytes = Vec<uint8_t, kHalveBytes>;
 using HalveWords = Vec<int16_t, kHalveBytes / 2>;
 
-// v / 2^Count to the nearest whole number, halves up; below 2^15 - 2^Count, not negative.
-template<int Count, class V> QVR_INLINE V shiftedRound(V v)
-{
-    if constexpr (kSsse3)
-        return mulRounded(v, splat<V>(1 << (15 - Count)));
-    else
-        return (v + (1 << (Count - 1))) >> Count;
-}
-
 // Bytes of a block of four pixels so ordered that each stands before that of its channel in the next pixel.
 struct NeighbourOrder {
     alignas(32) uint8_t at[32];
@@ -32,6 +23,15 @@ constexpr NeighbourOrder makeNeighbourOrder()
     return order;
 }
 constexpr NeighbourOrder kNeighbourOrder = makeNeighbourOrder();
+
+// v / 2^Count to the nearest whole number, halves up; below 2^15 - 2^Count, not negative.
+template<int Count, class V> QVR_INLINE V shiftedRound(V v)
+{
+    if constexpr (kSsse3)
+        return mulRounded(v, splat<V>(1 << (15 - Count)));
+    else
+        return (v + (1 << (Count - 1))) >> Count;
+}
 
 // Sums of neighbouring pixels, channel by channel.
 template<int NC> QVR_INLINE HalveWords pixelSums(HalveBytes v)

@@ -13,7 +13,7 @@ template<class T> void copyPixels(const T* src, const int32_t* column, T* dst, I
 {
     Index x = 0;
     for (; x + 4 <= n; x += 4) {
-        if (ahead != 0 && x % (64 / sizeof(T)) == 0)
+        if (ahead != 0 && x % (kLineBytes / static_cast<Index>(sizeof(T))) == 0)
             askFor(dst + x, ahead, 1);
         const Vec<T, 1> a = load<Vec<T, 1>>(src + column[x]), b = load<Vec<T, 1>>(src + column[x + 1]);
         const Vec<T, 1> c = load<Vec<T, 1>>(src + column[x + 2]), d = load<Vec<T, 1>>(src + column[x + 3]);
@@ -159,7 +159,7 @@ template<bool Near> void copyGroups(const uint8_t* src, const Group* group, uint
 {
     if constexpr (kSsse3)
         for (Index x = 0; x < n; x += 16, group++) {
-            if (ahead != 0 && x % 64 == 0)
+            if (ahead != 0 && x % kLineBytes == 0)
                 askFor(dst + x, ahead, 1);
             const uint8_t* const p = src + group->base;
             Block block = shuffleBytes(load<Block>(p), load<Block>(group->low));

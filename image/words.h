@@ -390,10 +390,11 @@ template<int NC> void filterWords(const qvrColumns* c, const char* const* rows, 
     }
     const WordTable& table = *static_cast<const WordTable*>(c->extra);
     const auto all = [&]<int N, Windows W>() {
-        if constexpr (kSsse3 && N == 2)
+        if constexpr (kSsse3 && N == 2) {
+            constexpr Windows shuffled = W == Windows::ordered ? Windows::one : W;
             if (count == kRowsOfWords && table.folded > 0)
-                return filterRows < NC, kRowsOfWords, N, W == Windows::ordered ? Windows::one : W,
-                       true > (c, row, line);
+                return filterRows<NC, kRowsOfWords, N, shuffled, true>(c, row, line);
+        }
         if (count == kRowsOfWords)
             return filterRows<NC, kRowsOfWords, N, W>(c, row, line);
         for (Index r = 0; r < count; r++)

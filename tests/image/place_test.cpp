@@ -2,6 +2,7 @@
 #include <random>
 
 #include "image/resize_check.h"
+#include "support/budget.h"
 
 namespace {
 
@@ -178,6 +179,53 @@ TEST(ResizePlace, LongRowsOfHalvesAreTheirPieces)
                         });
                     }
         }
+}
+
+// At whole ratios all columns have one list. Without a shift it is its own mirror image, which rows of some length make
+// use of; lists of any number of taps, whole steps of them and rests.
+TEST(ResizePlace, WholeRatiosOfBytes)
+{
+    const auto check = [](int ratio, int columns, double shift, int method, auto form) {
+        const int w = ratio * columns + 1;
+        const qvriRect to = {0, 0, columns, 3};
+        form(Job{{w, 9}, {0, 0, w, 9}, to, 1.0 / ratio, 1.0 / 3, shift, 0, method | int(qvriAntialias)});
+    };
+    for (int ratio : {2, 3, 4, 5, 7, 8, 9, 10, 11, 16})
+        for (int method : {qvriInterLinear, qvriInterCubic, qvriInterLanczos})
+            for (double shift : {0.0, 0.5, 0.3}) {
+                for (int columns : {63, 64, 65, 70})
+                    check(ratio, columns, shift, method, [](const Job& j) { checkForm<uint8_t, 1>(j); });
+                for (int columns : {15, 16, 17, 21})
+                    check(ratio, columns, shift, method, [](const Job& j) { checkForm<uint8_t, 4>(j); });
+                if (HasFailure())
+                    return;
+            }
+}
+
+// From a megabyte on lines are asked for ahead of the stores; strips are smaller.
+template<class T, int NC> void checkLargeDestination()
+{
+    const Source<T, NC> s = {61, 47};
+    const int dw = 1203 / int(sizeof(T)), dh = (1 << 20) / (dw * NC * int(sizeof(T))) + 3;
+    const double fx = double(dw) / s.w, fy = double(dh) / s.h;
+    const qvriRect all = {0, 0, s.w, s.h};
+    for (int method : {int(qvriInterNearest), int(qvriInterLinear), int(qvriInterCubic), int(qvriInterLanczos),
+                       qvriInterLanczos | int(qvriAntialias)})
+        slots::each(tableOf<T, NC>(), [&](auto resize, int) {
+            std::vector<T> whole(size_t(dw) * dh * NC, T(99)), strips = whole;
+            resizeInto(resize, s, all, whole, dw, {0, 0, dw, dh}, fx, fy, 0, 0, method);
+            for (int y = 0; y < dh; y += 300)
+                resizeInto(resize, s, all, strips, dw, {0, y, dw, std::min(300, dh - y)}, fx, fy, 0, 0, method);
+            EXPECT_EQ(memcmp(whole.data(), strips.data(), whole.size() * sizeof(T)), 0) << "method " << method;
+        });
+}
+TEST(ResizePlace, LargeDestinationsAreTheirStrips)
+{
+    const Budget one(1);
+    checkLargeDestination<uint8_t, 1>();
+    checkLargeDestination<uint8_t, 4>();
+    checkLargeDestination<float, 1>();
+    checkLargeDestination<double, 1>();
 }
 
 // A region of one source pixel, of which just one output has its centre inside: no list fits the work buffer.
